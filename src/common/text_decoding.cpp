@@ -1,0 +1,97 @@
+#include "common/text_decoding.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include "common/code_points.h"
+
+namespace sylvora {
+namespace {
+
+// Unicode code points of bytes 0x80..0x9F in Windows-1252; undefined bytes map to themselves.
+constexpr std::array<char32_t, 32> kHighControlRange = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,  //
+    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,  //
+    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,  //
+    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+bool AllAscii8(const unsigned char* p) {
+  std::uint64_t word;
+  std::memcpy(&word, p, sizeof word);
+  return (word & 0x8080808080808080ULL) == 0;
+}
+
+}  // namespace
+
+bool IsValidUtf8(std::string_view bytes) {
+  const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t n = bytes.size();
+  std::size_t i = 0;
+  while (i < n) {
+    if (i + 8 <= n && AllAscii8(p + i)) {
+      i += 8;
+      continue;
+    }
+    const unsigned char c = p[i];
+    if (c < 0x80) {
+      ++i;
+      continue;
+    }
+    std::size_t len;
+    char32_t minimum;
+    char32_t cp;
+    if ((c & 0xE0) == 0xC0) {
+      len = 2, minimum = 0x80, cp = c & 0x1F;
+    } else if ((c & 0xF0) == 0xE0) {
+      len = 3, minimum = 0x800, cp = c & 0x0F;
+    } else if ((c & 0xF8) == 0xF0) {
+      len = 4, minimum = 0x10000, cp = c & 0x07;
+    } else {
+      return false;
+    }
+    if (i + len > n) return false;
+    for (std::size_t k = 1; k < len; ++k) {
+      if ((p[i + k] & 0xC0) != 0x80) return false;
+      cp = (cp << 6) | (p[i + k] & 0x3F);
+    }
+    if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+    i += len;
+  }
+  return true;
+}
+
+std::string Windows1252ToUtf8(std::string_view bytes) {
+  std::string out;
+  out.reserve(bytes.size() + bytes.size() / 8);
+  for (const char ch : bytes) {
+    const auto b = static_cast<unsigned char>(ch);
+    if (b < 0x80) {
+      out.push_back(ch);
+    } else if (b < 0xA0) {
+      AppendUtf8(out, kHighControlRange[b - 0x80]);
+    } else {
+      AppendUtf8(out, static_cast<char32_t>(b));
+    }
+  }
+  return out;
+}
+
+SourceEncoding DecodeText(std::string& bytes) {
+  if (IsValidUtf8(bytes)) {
+    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
+    return SourceEncoding::kUtf8;
+  }
+  bytes = Windows1252ToUtf8(bytes);
+  return SourceEncoding::kWindows1252;
+}
+
+int Windows1252Code(char32_t cp) {
+  if (cp < 0x80 || (cp >= 0xA0 && cp <= 0xFF)) return static_cast<int>(cp);
+  for (std::size_t i = 0; i < kHighControlRange.size(); ++i) {
+    if (kHighControlRange[i] == cp) return static_cast<int>(0x80 + i);
+  }
+  return -1;
+}
+
+}  // namespace sylvora
