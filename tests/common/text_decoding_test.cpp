@@ -19,6 +19,15 @@ TEST(TextDecoding, InvalidUtf8IsReadAsWindows1252) {
   EXPECT_EQ(text, "caf\xC3\xA9 \xE2\x82\xAC \xE2\x80\x9Cquoted\xE2\x80\x9D \xC2\x81");
 }
 
+TEST(TextDecoding, Utf16WithByteOrderMarkIsRead) {
+  std::string little("\xFF\xFE" "a\0\xE9\0=\xD8\x00\xDE", 10);  // a é U+1F600
+  EXPECT_EQ(DecodeText(little), SourceEncoding::kUtf16);
+  EXPECT_EQ(little, "a\xC3\xA9\xF0\x9F\x98\x80");
+  std::string big("\xFE\xFF\0a\xD8\x00", 6);  // a, then an unpaired high surrogate
+  EXPECT_EQ(DecodeText(big), SourceEncoding::kUtf16);
+  EXPECT_EQ(big, "a\xEF\xBF\xBD");
+}
+
 TEST(TextDecoding, RejectsMalformedUtf8Forms) {
   EXPECT_TRUE(IsValidUtf8(""));
   EXPECT_TRUE(IsValidUtf8("plain ascii text longer than eight bytes"));

@@ -1,0 +1,127 @@
+#include "common/file_io.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace sylvora {
+namespace {
+
+constexpr std::size_t kWriteBuffer = 1 << 20;
+
+std::string Describe(std::string_view action, const std::string& path, int errorNumber) {
+  return std::string(action) + " '" + path + "': " + std::strerror(errorNumber);
+}
+
+bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, std::string& error) {
+  bytes.clear();
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) {
+    error = Describe("Cannot open", path, errno);
+    return false;
+  }
+  if (S_ISDIR(info.st_mode)) {
+    error = "Cannot read '" + path + "': it is a folder";
+    return false;
+  }
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) {
+    error = Describe("Cannot open", path, errno);
+    return false;
+  }
+  const bool knownSize = S_ISREG(info.st_mode);
+  if (knownSize) bytes.resize(std::min<std::size_t>(limit, static_cast<std::size_t>(info.st_size)));
+  std::size_t filled = 0;
+  bool ok = true;
+  while (true) {
+    if (filled == bytes.size()) {
+      if (filled >= limit) break;
+      bytes.resize(std::min(limit, std::max<std::size_t>(bytes.size() * 2, 1 << 16)));
+    }
+    const std::size_t got = std::fread(bytes.data() + filled, 1, bytes.size() - filled, file);
+    filled += got;
+    if (got == 0) {
+      if (std::ferror(file)) {
+        error = Describe("Cannot read", path, errno);
+        ok = false;
+      }
+      break;
+    }
+  }
+  std::fclose(file);
+  bytes.resize(filled);
+  return ok;
+}
+
+}  // namespace
+
+bool FileExists(const std::string& path) {
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
+}
+
+bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& error) {
+  return ReadUpTo(path, static_cast<std::size_t>(-1), bytes, error);
+}
+
+bool ReadFilePrefix(const std::string& path, std::size_t limit, std::string& bytes,
+                    std::string& error) {
+  return ReadUpTo(path, limit, bytes, error);
+}
+
+FileWriter::~FileWriter() {
+  if (file_ != nullptr) std::fclose(file_);
+}
+
+bool FileWriter::Open(const std::string& path, std::string& error) {
+  path_ = path;
+  file_ = std::fopen(path.c_str(), "wb");
+  if (file_ == nullptr) {
+    error = Describe("Cannot create", path, errno);
+    return false;
+  }
+  buffer_.reserve(kWriteBuffer);
+  return true;
+}
+
+void FileWriter::Write(std::string_view text) {
+  if (buffer_.size() + text.size() > kWriteBuffer) Flush();
+  if (text.size() >= kWriteBuffer) {
+    if (!failed_ && std::fwrite(text.data(), 1, text.size(), file_) != text.size()) {
+      failed_ = true;
+      errorNumber_ = errno;
+    }
+    return;
+  }
+  buffer_.append(text);
+}
+
+void FileWriter::WriteLine(std::string_view text) {
+  Write(text);
+  Write("\r\n");
+}
+
+void FileWriter::Flush() {
+  if (file_ == nullptr || buffer_.empty()) return;
+  if (!failed_ && std::fwrite(buffer_.data(), 1, buffer_.size(), file_) != buffer_.size()) {
+    failed_ = true;
+    errorNumber_ = errno;
+  }
+  buffer_.clear();
+}
+
+bool FileWriter::Close(std::string& error) {
+  if (file_ == nullptr) return !failed_;
+  Flush();
+  if (std::fclose(file_) != 0 && !failed_) {
+    failed_ = true;
+    errorNumber_ = errno;
+  }
+  file_ = nullptr;
+  if (failed_) error = Describe("Cannot write", path_, errorNumber_);
+  return !failed_;
+}
+
+}  // namespace sylvora

@@ -1,0 +1,57 @@
+#include "corpus/cell_store.h"
+
+#include <cstring>
+
+namespace sylvora {
+
+std::string_view CellStore::Adopt(std::string&& buffer) {
+  adopted_.push_back(std::make_unique<std::string>(std::move(buffer)));
+  return *adopted_.back();
+}
+
+std::string_view CellStore::Store(std::string_view text) {
+  if (text.empty()) return {};
+  if (text.size() > kBlockSize / 4) {  // a large text gets a block of its own
+    auto block = std::make_unique<char[]>(text.size());
+    std::memcpy(block.get(), text.data(), text.size());
+    largeBlocks_.push_back(std::move(block));
+    arenaBytes_ += text.size();
+    return {largeBlocks_.back().get(), text.size()};
+  }
+  if (blockUsed_ + text.size() > kBlockSize) {
+    blocks_.push_back(std::make_unique<char[]>(kBlockSize));
+    blockUsed_ = 0;
+    arenaBytes_ += kBlockSize;
+  }
+  char* target = blocks_.back().get() + blockUsed_;
+  std::memcpy(target, text.data(), text.size());
+  blockUsed_ += text.size();
+  return {target, text.size()};
+}
+
+void CellStore::Overwrite(std::string_view& cell, std::string_view text) {
+  if (text.size() <= cell.size() && !cell.empty()) {
+    // The cell's bytes are its own (see the ownership rule), so they may be written.
+    char* target = const_cast<char*>(cell.data());
+    std::memmove(target, text.data(), text.size());
+    cell = {target, text.size()};
+    return;
+  }
+  cell = Store(text);
+}
+
+void CellStore::Clear() {
+  adopted_.clear();
+  blocks_.clear();
+  largeBlocks_.clear();
+  blockUsed_ = kBlockSize;
+  arenaBytes_ = 0;
+}
+
+std::size_t CellStore::BytesHeld() const {
+  std::size_t total = arenaBytes_;
+  for (const auto& buffer : adopted_) total += buffer->capacity();
+  return total;
+}
+
+}  // namespace sylvora

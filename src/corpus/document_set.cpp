@@ -1,0 +1,129 @@
+#include "corpus/document_set.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/file_io.h"
+
+namespace sylvora {
+
+std::string DocumentSet::FieldName(FieldIndex index) const {
+  return index < fieldNames_.size() ? fieldNames_[index] : std::string();
+}
+
+void DocumentSet::SetFieldName(FieldIndex index, std::string_view name) {
+  if (index < fieldNames_.size()) fieldNames_[index] = std::string(name);
+}
+
+std::string DocumentSet::Text(DocIndex doc, FieldIndex field) const {
+  if (doc < 0 || doc >= docCount_) return std::string(kIndexErrorText);
+  if (field < columns_.size()) return std::string(columns_[field][doc]);
+  std::string whole;
+  for (const auto& column : columns_) whole.append(column[doc]);
+  return whole;
+}
+
+std::string_view DocumentSet::Cell(DocIndex doc, FieldIndex field) const {
+  if (doc < 0 || doc >= docCount_ || field >= columns_.size()) return {};
+  return columns_[field][doc];
+}
+
+void DocumentSet::SetText(DocIndex doc, FieldIndex field, std::string_view text) {
+  if (doc < 0 || doc >= docCount_ || field >= columns_.size()) return;
+  store_.Overwrite(columns_[field][doc], text);
+}
+
+bool DocumentSet::FieldExpressed(FieldIndex index) const {
+  return index < fieldExpressed_.size() && fieldExpressed_[index];
+}
+
+void DocumentSet::SetFieldExpressed(FieldIndex index, bool expressed) {
+  if (index < fieldExpressed_.size()) fieldExpressed_[index] = expressed;
+}
+
+std::string DocumentSet::FieldExpressionPattern() const {
+  std::string pattern;
+  for (int i = 0; i < FieldCount(); ++i) pattern.push_back(FieldExpressed(i) ? '1' : '0');
+  return pattern;
+}
+
+void DocumentSet::SetFieldExpressionPattern(std::string_view pattern) {
+  for (int i = 0; i < FieldCount(); ++i) {
+    SetFieldExpressed(static_cast<FieldIndex>(i),
+                      i < static_cast<int>(pattern.size()) && pattern[i] == '1');
+  }
+}
+
+std::string DocumentSet::FieldStartMarker(FieldIndex index) const {
+  return index < startMarkers_.size() ? startMarkers_[index] : std::string();
+}
+
+std::string DocumentSet::FieldEndMarker(FieldIndex index) const {
+  return index < endMarkers_.size() ? endMarkers_[index] : std::string();
+}
+
+void DocumentSet::Clear() {
+  docCount_ = 0;
+  wordCountTotal_ = 0;
+  charCountTotal_ = 0;
+  recordDelimiter_.clear();
+  fieldNames_.clear();
+  startMarkers_.clear();
+  endMarkers_.clear();
+  columns_.clear();
+  store_.Clear();
+}
+
+bool DocumentSet::RemoveDocument(DocIndex index) {
+  if (index < 0 || index >= docCount_) {
+    return Fail("Cannot remove document " + std::to_string(index) + ": the set holds " +
+                std::to_string(docCount_) + " documents");
+  }
+  for (auto& column : columns_) column.erase(column.begin() + index);
+  --docCount_;
+  return true;
+}
+
+void DocumentSet::SetDocuments(const std::vector<std::vector<std::string>>& documents, int dType,
+                               DocIndex rows) {
+  InitFieldDefs(dType, "1", "");
+  const DocIndex count = std::max<DocIndex>(rows, 0);
+  ResetTable(FieldCount(), count);
+  for (DocIndex d = 0; d < count && d < static_cast<DocIndex>(documents.size()); ++d) {
+    const auto& row = documents[d];
+    for (std::size_t f = 0; f < row.size() && f < columns_.size(); ++f) {
+      columns_[f][d] = store_.Store(row[f]);
+    }
+  }
+  sourcePath_ = ".";  // the table came from no file: the program's working folder stands in
+}
+
+void DocumentSet::ResetTable(int fieldCount, DocIndex rows) {
+  store_.Clear();
+  columns_.assign(fieldCount, std::vector<std::string_view>(rows));
+  docCount_ = rows;
+}
+
+FieldIndex DocumentSet::AppendField(std::string_view name) {
+  fieldNames_.emplace_back(name);
+  fieldExpressed_.resize(fieldNames_.size() - 1);
+  fieldExpressed_.push_back(true);
+  startMarkers_.resize(fieldNames_.size());
+  endMarkers_.resize(fieldNames_.size());
+  columns_.emplace_back(docCount_);
+  return static_cast<FieldIndex>(fieldNames_.size() - 1);
+}
+
+void DocumentSet::AppendFieldFromStrings(std::string_view name,
+                                         const std::vector<std::string>& cells) {
+  const FieldIndex field = AppendField(name);
+  auto& column = columns_[field];
+  for (DocIndex d = 0; d < docCount_; ++d) column[d] = store_.Store(cells[d]);
+}
+
+bool DocumentSet::Fail(std::string message) const {
+  lastError_ = std::move(message);
+  return false;
+}
+
+}  // namespace sylvora

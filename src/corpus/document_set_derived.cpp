@@ -1,0 +1,285 @@
+// Derived fields (dates, elapsed time, links, hashtags, mentions), sorting and subsets.
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <numeric>
+#include <optional>
+#include <string>
+
+#include "common/code_points.h"
+#include "common/date_time.h"
+#include "common/leading_number.h"
+#include "corpus/document_set.h"
+
+namespace sylvora {
+namespace {
+
+constexpr int kMaxFields = 256;
+
+// Three-letter English month name to its two-digit number; "" for anything else.
+std::string_view MonthNumber(std::string_view name) {
+  static constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kMonths = {{
+      {"Jan", "01"}, {"Feb", "02"}, {"Mar", "03"}, {"Apr", "04"}, {"May", "05"}, {"Jun", "06"},
+      {"Jul", "07"}, {"Aug", "08"}, {"Sep", "09"}, {"Oct", "10"}, {"Nov", "11"}, {"Dec", "12"}}};
+  for (const auto& [month, number] : kMonths) {
+    if (month == name) return number;
+  }
+  return {};
+}
+
+// "Wed Aug 27 13:08:45 +0000 2008": the year is the last two digits of YYYY (characters 29-30).
+std::string ConvertTwitter11Date(std::string_view cell) {
+  std::string out;
+  out.reserve(17);
+  out.append(MidCharacters(cell, 9, 2)).append("/");
+  out.append(MonthNumber(MidCharacters(cell, 5, 3))).append("/");
+  out.append(MidCharacters(cell, 29, 2)).append(" ");
+  out.append(MidCharacters(cell, 12, 2)).append(":");
+  out.append(MidCharacters(cell, 15, 2)).append(":");
+  out.append(MidCharacters(cell, 18, 2));
+  return out;
+}
+
+// "20110105T10:00:00Z" or "20110105T100000Z".
+std::string ConvertTwitterDate(std::string_view cell) {
+  const bool colons = cell.find(':') != std::string_view::npos;
+  std::string out;
+  out.reserve(17);
+  out.append(MidCharacters(cell, 7, 2)).append("/");
+  out.append(MidCharacters(cell, 5, 2)).append("/");
+  out.append(MidCharacters(cell, 3, 2)).append(" ");
+  out.append(MidCharacters(cell, 10, 2)).append(":");
+  out.append(MidCharacters(cell, colons ? 13 : 12, 2)).append(":");
+  out.append(MidCharacters(cell, colons ? 16 : 14, 2));
+  return out;
+}
+
+std::string_view ElapsedFieldName(std::string_view interval) {
+  if (interval == "s") return "Elapsed_Seconds";
+  if (interval == "n") return "Elapsed_Minutes";
+  if (interval == "h") return "Elapsed_Hours";
+  if (interval == "d") return "Elapsed_Days";
+  if (interval == "ww") return "Elapsed_Weeks";
+  return "";
+}
+
+// The extent of a tag or link starting at `start`: up to the next space, or the end.
+std::size_t TokenEnd(std::string_view text, std::size_t start) {
+  const std::size_t space = text.find(' ', start);
+  return space == std::string_view::npos ? text.size() : space;
+}
+
+}  // namespace
+
+void DocumentSet::ConvertTwitterDateTimeField(std::string_view formatName, FieldIndex fldNum) {
+  std::string (*convert)(std::string_view);
+  if (formatName == "Twitter1.1") {
+    convert = ConvertTwitter11Date;
+  } else if (formatName == "Twitter") {
+    convert = ConvertTwitterDate;
+  } else {
+    return;
+  }
+  if (fldNum >= columns_.size()) return;
+  for (auto& cell : columns_[fldNum]) store_.Overwrite(cell, convert(cell));
+}
+
+bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view interval,
+                                         std::string_view fromDate, bool /*zeroStart*/,
+                                         const ProgressCallback& progress) {
+  // The earliest document always gets 0, whatever zeroStart says.
+  lastError_.clear();
+  const auto unit = ParseTimeUnit(interval);
+  if (!unit) return Fail("Unknown time unit \"" + std::string(interval) + "\"");
+  const auto origin = DateTime::Parse(fromDate);
+  if (!origin) return Fail("\"" + std::string(fromDate) + "\" is not a date");
+  if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
+  if (dateField >= columns_.size()) {
+    return Fail("Field " + std::to_string(dateField) + " does not exist");
+  }
+  std::vector<std::int64_t> values(static_cast<std::size_t>(docCount_));
+  std::int64_t smallest = 0;
+  ProgressReporter reporter(progress, "Deriving elapsed time", docCount_);
+  for (DocIndex d = 0; d < docCount_; ++d) {
+    const std::string text = ReplaceAll(columns_[dateField][d], "\"", "");
+    const auto date = DateTime::Parse(text);
+    if (!date) {
+      return Fail("Row " + std::to_string(d + 1) + ": \"" + text + "\" in field \"" +
+                  fieldNames_[dateField] + "\" is not a date");
+    }
+    const std::int64_t value = DateDiff(*unit, *origin, *date);
+    if (value < std::numeric_limits<std::int32_t>::min() ||
+        value > std::numeric_limits<std::int32_t>::max()) {
+      return Fail("Row " + std::to_string(d + 1) + ": \"" + text +
+                  "\" is too far from the start date to count in units of \"" +
+                  std::string(interval) + "\"");
+    }
+    values[d] = value;
+    smallest = d == 0 ? value : std::min(smallest, value);
+    if (!reporter.Step()) return Fail("Elapsed time cancelled");
+  }
+  const FieldIndex field = AppendField(ElapsedFieldName(interval));
+  auto& column = columns_[field];
+  for (DocIndex d = 0; d < docCount_; ++d) {
+    column[d] = store_.Store(std::to_string(values[d] - smallest));
+  }
+  dateTimeField_ = dateField;
+  return true;
+}
+
+bool DocumentSet::DeriveLinksField(FieldIndex sourceField, std::string_view fieldName,
+                                   FieldIndex existingURLField,
+                                   const ProgressCallback& progress) {
+  if (sourceField >= columns_.size()) {
+    return Fail("Field " + std::to_string(sourceField) + " does not exist");
+  }
+  FieldIndex target = existingURLField;
+  if (existingURLField == 0) {
+    if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
+    target = AppendField(fieldName);
+  } else if (existingURLField >= columns_.size()) {
+    return Fail("The link field " + std::to_string(existingURLField) + " does not exist");
+  }
+  constexpr std::string_view kScheme = "http://";
+  ProgressReporter reporter(progress, "Extracting links", docCount_);
+  for (DocIndex d = 0; d < docCount_; ++d) {
+    reporter.Step();
+    std::string_view source = columns_[sourceField][d];
+    if (source.find(kScheme) == std::string_view::npos) continue;
+    std::string text(source);
+    std::string destination(columns_[target][d]);
+    while (true) {
+      const std::size_t start = text.find(kScheme);
+      if (start == std::string::npos) break;
+      const std::size_t end = TokenEnd(text, start);
+      const std::string link = text.substr(start, end - start);
+      if (destination.empty() && CodePointCount(link) > 9) destination = " " + link;
+      const bool last = end == text.size();
+      text = ReplaceAll(text, link, "");
+      if (last) break;
+    }
+    store_.Overwrite(columns_[sourceField][d], text);
+    if (destination != columns_[target][d]) store_.Overwrite(columns_[target][d], destination);
+  }
+  return true;
+}
+
+void DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldName, char sigil,
+                                 std::string_view marker, std::string_view finalMarker,
+                                 bool unescape, const ProgressCallback& progress) {
+  if (sourceField >= columns_.size() || FieldCount() >= kMaxFields) return;
+  const FieldIndex target = AppendField(fieldName);
+  const std::string sigilText(1, sigil);
+  ProgressReporter reporter(progress, "Extracting tags", docCount_);
+  std::string tags;
+  for (DocIndex d = 0; d < docCount_; ++d) {
+    reporter.Step();
+    const std::string_view source = columns_[sourceField][d];
+    const bool escaped = unescape && source.find("#039") != std::string_view::npos;
+    if (!escaped && source.find(sigil) == std::string_view::npos) continue;
+    std::string text = escaped ? ReplaceAll(source, "#039", "'") : std::string(source);
+    tags.clear();
+    while (true) {
+      const std::size_t start = text.find(sigil);
+      if (start == std::string::npos) break;
+      const std::size_t end = TokenEnd(text, start);
+      const std::string tag = text.substr(start, end - start);
+      tags.append(" ").append(ReplaceAll(tag, sigilText, ""));
+      const bool last = end == text.size();
+      text = ReplaceAll(text, tag, marker);
+      if (last) break;
+    }
+    text = ReplaceAll(text, marker, finalMarker);
+    store_.Overwrite(columns_[sourceField][d], text);
+    columns_[target][d] = store_.Store(tags);
+  }
+}
+
+bool DocumentSet::DeriveTwitterHashField(FieldIndex sourceField, std::string_view fieldName,
+                                         const ProgressCallback& progress) {
+  if (sourceField >= columns_.size()) {
+    return Fail("Field " + std::to_string(sourceField) + " does not exist");
+  }
+  if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
+  DeriveTagField(sourceField, fieldName, '#', "[H]", "[#]", true, progress);
+  return true;
+}
+
+bool DocumentSet::DeriveTwitterMentionField(FieldIndex sourceField, std::string_view fieldName,
+                                            const ProgressCallback& progress) {
+  if (sourceField >= columns_.size()) {
+    return Fail("Field " + std::to_string(sourceField) + " does not exist");
+  }
+  if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
+  DeriveTagField(sourceField, fieldName, '@', "[M]", "[@]", false, progress);
+  return true;
+}
+
+void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notifier) {
+  if (sortKey >= columns_.size() || docCount_ < 2) return;
+  std::vector<std::int64_t> keys(static_cast<std::size_t>(docCount_));
+  for (DocIndex d = 0; d < docCount_; ++d) keys[d] = LeadingWholeNumber(columns_[sortKey][d]);
+  std::int64_t rises = 0;
+  std::int64_t falls = 0;
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    rises += keys[i] > keys[i - 1];
+    falls += keys[i] < keys[i - 1];
+  }
+  const bool reverse = descending ? (rises >= 1 && falls < 2) : (falls >= 1 && rises == 0);
+  if (reverse) {
+    for (auto& column : columns_) std::reverse(column.begin(), column.end());
+    return;
+  }
+  // Every other case shows the notice, also a run that is already in order.
+  notifier.ShowMessage("Documents need to be sorted. This might take a moment...",
+                       descending ? "Descending sort" : "Ascending sort",
+                       MessageIcon::kInformation);
+  std::vector<DocIndex> order(static_cast<std::size_t>(docCount_));
+  std::iota(order.begin(), order.end(), 0);
+  if (descending) {
+    std::stable_sort(order.begin(), order.end(),
+                     [&](DocIndex a, DocIndex b) { return keys[a] > keys[b]; });
+  } else {
+    std::stable_sort(order.begin(), order.end(),
+                     [&](DocIndex a, DocIndex b) { return keys[a] < keys[b]; });
+  }
+  ApplyRowOrder(order);
+}
+
+void DocumentSet::ApplyRowOrder(const std::vector<DocIndex>& order) {
+  std::vector<std::string_view> scratch(order.size());
+  for (auto& column : columns_) {
+    for (std::size_t i = 0; i < order.size(); ++i) scratch[i] = column[order[i]];
+    column.swap(scratch);
+  }
+}
+
+DocumentSet DocumentSet::SelectSubSetByString(FieldIndex field, std::string_view matchStr) const {
+  DocumentSet subset;
+  subset.fieldNames_ = fieldNames_;
+  subset.fieldExpressed_ = fieldExpressed_;
+  subset.startMarkers_ = startMarkers_;
+  subset.endMarkers_ = endMarkers_;
+  subset.recordDelimiter_ = recordDelimiter_;
+  subset.parseMode_ = parseMode_;
+  subset.hasHeaderRow_ = hasHeaderRow_;
+  subset.sourcePath_ = sourcePath_;
+  subset.contentField_ = contentField_, subset.authorField_ = authorField_;
+  subset.dateTimeField_ = dateTimeField_, subset.elapsedTimeField_ = elapsedTimeField_;
+  subset.urlField_ = urlField_, subset.titleField_ = titleField_;
+  subset.citedField_ = citedField_, subset.refListField_ = refListField_;
+  subset.keyWordField_ = keyWordField_;
+  subset.columns_.resize(columns_.size());
+  for (DocIndex d = 0; d < docCount_; ++d) {
+    const std::string text = field < columns_.size() ? std::string(columns_[field][d]) : Text(d, field);
+    if (text.find(matchStr) == std::string::npos) continue;
+    for (std::size_t f = 0; f < columns_.size(); ++f) {
+      subset.columns_[f].push_back(subset.store_.Store(columns_[f][d]));
+    }
+    ++subset.docCount_;
+  }
+  return subset;
+}
+
+}  // namespace sylvora

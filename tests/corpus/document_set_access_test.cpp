@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include "corpus/corpus_fixtures.h"
+#include "corpus/document_set.h"
+
+namespace sylvora {
+namespace {
+
+using testing::Column;
+using testing::MakeSet;
+
+TEST(DocumentSetAccess, TextReadsCellsWholeDocumentsAndOutOfRangeRows) {
+  DocumentSet set = MakeSet({{"a", "b", "c", "d", "e", "f"}, {"g", "h", "i", "", "", ""}});
+  EXPECT_EQ(set.Text(0, 1), "b");
+  EXPECT_EQ(set.Text(0, 255), "abcdef");
+  EXPECT_EQ(set.Text(1, 6), "ghi");
+  EXPECT_EQ(set.Text(-1, 0), DocumentSet::kIndexErrorText);
+  EXPECT_EQ(set.Text(2, 0), "Error (Index exceeds upperbound)");
+  EXPECT_EQ(set.Cell(5, 0), "");
+  EXPECT_EQ(set.Cell(0, 200), "");
+}
+
+TEST(DocumentSetAccess, WritesOutsideTheTableAreIgnored) {
+  DocumentSet set = MakeSet({{"a", "b"}, {"c", "d"}});
+  set.SetText(-1, 0, "x");
+  set.SetText(2, 0, "x");
+  set.SetText(0, 200, "x");
+  set.SetText(1, 1, "a longer replacement text");
+  set.SetText(0, 0, "");
+  EXPECT_EQ(Column(set, 0), (std::vector<std::string>{"", "c"}));
+  EXPECT_EQ(set.Text(1, 1), "a longer replacement text");
+}
+
+TEST(DocumentSetAccess, ExpressionPatternReadsAndWritesFlags) {
+  DocumentSet set;
+  set.InitFieldDefs(11, "", "");  // three fields
+  set.SetFieldExpressed(1, false);
+  EXPECT_EQ(set.FieldExpressionPattern(), "101");
+  set.SetFieldExpressionPattern("1");
+  EXPECT_EQ(set.FieldExpressionPattern(), "100");
+  set.SetFieldExpressionPattern("x11");
+  EXPECT_EQ(set.FieldExpressionPattern(), "011");
+  EXPECT_FALSE(set.FieldExpressed(200));
+}
+
+TEST(DocumentSetAccess, FieldNamesPastTheLastFieldAreEmptyAndUnwritable) {
+  DocumentSet set;
+  set.InitFieldDefs(3, "", "");
+  set.InitFieldDefs(12, "", "");  // an unknown code keeps the list
+  ASSERT_EQ(set.FieldCount(), 4);
+  EXPECT_EQ(set.FieldName(200), "");
+  set.SetFieldName(200, "x");
+  EXPECT_EQ(set.FieldName(200), "");
+  set.SetFieldName(1, "Writers");
+  EXPECT_EQ(set.FieldName(1), "Writers");
+}
+
+TEST(DocumentSetAccess, ClearEmptiesTheTableButKeepsRoles) {
+  DocumentSet set = MakeSet({{"a"}, {"b"}});
+  set.SetContentField(2);
+  set.Clear();
+  EXPECT_EQ(set.DocumentCount(), 0);
+  EXPECT_EQ(set.WordCount(), 0);
+  EXPECT_EQ(set.FieldCount(), 0);
+  EXPECT_EQ(set.ContentField(), 2);
+  EXPECT_EQ(set.Text(0, 0), DocumentSet::kIndexErrorText);
+}
+
+TEST(DocumentSetAccess, RemoveDocumentShiftsLaterRowsUp) {
+  DocumentSet set = MakeSet({{"A"}, {"B"}, {"C"}});
+  EXPECT_TRUE(set.RemoveDocument(0));
+  EXPECT_EQ(set.DocumentCount(), 2);
+  EXPECT_EQ(Column(set, 0), (std::vector<std::string>{"B", "C"}));
+  EXPECT_FALSE(set.RemoveDocument(2));
+  EXPECT_FALSE(set.RemoveDocument(-1));
+  EXPECT_FALSE(set.LastError().empty());
+  EXPECT_EQ(set.DocumentCount(), 2);
+}
+
+TEST(DocumentSetAccess, SetDocumentsUsesTheFormatLayout) {
+  DocumentSet set = MakeSet({{"d", "u", "t"}, {"d2", "u2", "t2"}, {"d3", "u3", "t3"}}, 8);
+  EXPECT_EQ(set.DocumentCount(), 3);
+  EXPECT_EQ(set.FieldCount(), 16);
+  EXPECT_EQ(set.FieldName(12), "Link URL");
+  EXPECT_EQ(set.Text(2, 2), "t3");
+  EXPECT_EQ(set.Text(2, 3), "");
+}
+
+}  // namespace
+}  // namespace sylvora
