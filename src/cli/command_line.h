@@ -1,0 +1,38 @@
+#pragma once
+// The arguments of one sylvora-cli command: positional values, "--name value" options and
+// "--name" switches. Which names take a value is declared up front, so a typo is an error
+// rather than a silently ignored word.
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace sylvora::cli {
+
+class CommandLine {
+ public:
+  // `valueOptions` take a value ("--unit h"); `switches` stand alone ("--radian").
+  CommandLine(std::set<std::string> valueOptions, std::set<std::string> switches);
+
+  // False, with Error(), on an unknown option or a missing value.
+  bool Parse(const std::vector<std::string>& arguments);
+
+  const std::vector<std::string>& Positional() const { return positional_; }
+  bool Has(const std::string& name) const;
+  std::string Value(const std::string& name, const std::string& fallback) const;
+  // The whole-number value of an option; nullopt (with Error()) when it is not a number.
+  std::optional<long long> Number(const std::string& name, long long fallback);
+  const std::string& Error() const { return error_; }
+
+ private:
+  std::set<std::string> valueOptions_;
+  std::set<std::string> switches_;
+  std::vector<std::string> positional_;
+  std::map<std::string, std::string> values_;
+  std::set<std::string> given_;
+  std::string error_;
+};
+
+}  // namespace sylvora::cli

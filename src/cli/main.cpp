@@ -1,0 +1,30 @@
+// sylvora-cli: the Sylvora pipeline without a window.
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "cli/load_command.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: sylvora-cli COMMAND [ARGS]\n"
+    "commands:\n"
+    "  load FILE    load a tweet export and print a summary of the corpus\n"
+    "run 'sylvora-cli COMMAND --help' for a command's options\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h") {
+    (arguments.empty() ? std::cerr : std::cout) << kUsage;
+    return arguments.empty() ? 2 : 0;
+  }
+  const std::string command = arguments[0];
+  arguments.erase(arguments.begin());
+  if (command == "load") return sylvora::cli::RunLoadCommand(arguments, std::cout, std::cerr);
+  std::cerr << "Unknown command \"" << command << "\"\n" << kUsage;
+  return 2;
+}

@@ -1,0 +1,174 @@
+#include "session/corpus_load.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "common/code_points.h"
+#include "common/date_time.h"
+#include "common/file_io.h"
+#include "common/text_decoding.h"
+
+namespace sylvora {
+namespace {
+
+// The export layouts put their columns here.
+constexpr FieldIndex kTwitterContent = 2, kTwitterAuthor = 1;
+constexpr FieldIndex kTwitterSentPos = 3, kTwitterSentNeg = 4;
+constexpr FieldIndex kTwitter11Url = 12, kTwitter11Retweeted = 11;
+constexpr FieldIndex kTwitter11SentPos = 13, kTwitter11SentNeg = 14;
+constexpr FieldIndex kRadianContent = 3, kRadianAuthor = 2, kRadianDate = 6;
+constexpr FieldIndex kRadianElapsed = 18, kRadianUrl = 19;
+constexpr FieldIndex kRadianSentPos = 20, kRadianSentNeg = 21;
+constexpr int kRadianMinColumns = 22;
+
+constexpr std::string_view kElapsedOrigin = "01 Jan 2011 00:00:01";
+
+void SetRoles(DocumentSet& documents, CorpusInfo& info) {
+  switch (info.format) {
+    case CorpusFormat::kTwitter:
+      documents.SetContentField(kTwitterContent);
+      documents.SetAuthorField(kTwitterAuthor);
+      documents.SetURLField(0);  // links go into a new column
+      info.sentimentPositiveField = kTwitterSentPos;
+      info.sentimentNegativeField = kTwitterSentNeg;
+      break;
+    case CorpusFormat::kTwitter11:
+      documents.SetContentField(kTwitterContent);
+      documents.SetAuthorField(kTwitterAuthor);
+      documents.SetURLField(kTwitter11Url);
+      documents.SetCitedField(kTwitter11Retweeted);
+      info.sentimentPositiveField = kTwitter11SentPos;
+      info.sentimentNegativeField = kTwitter11SentNeg;
+      break;
+    case CorpusFormat::kRadian6:
+      documents.SetContentField(kRadianContent);
+      documents.SetAuthorField(kRadianAuthor);
+      documents.SetDateTimeField(kRadianDate);
+      documents.SetElapsedTimeField(kRadianElapsed);
+      documents.SetURLField(kRadianUrl);
+      documents.SetKeyWordField(0);
+      documents.SetRefListField(0);
+      info.sentimentPositiveField = kRadianSentPos;
+      info.sentimentNegativeField = kRadianSentNeg;
+      break;
+  }
+}
+
+FieldIndex LastField(const DocumentSet& documents) {
+  return static_cast<FieldIndex>(documents.FieldCount() - 1);
+}
+
+}  // namespace
+
+std::optional<CorpusFormat> ChooseCorpusFormat(const std::string& path, bool radian,
+                                               std::string& error) {
+  if (radian) return CorpusFormat::kRadian6;
+  std::string head;
+  // 1024 characters take at most 4096 bytes of UTF-8.
+  if (!ReadFilePrefix(path, 4096, head, error)) return std::nullopt;
+  DecodeText(head);
+  head.resize(ByteOffsetOfCharacter(head, 1025));
+  const std::string_view firstLine = std::string_view(head).substr(0, head.find('\n'));
+  const auto columns = std::count(firstLine.begin(), firstLine.end(), '\t') + 1;
+  return columns < 8 ? CorpusFormat::kTwitter : CorpusFormat::kTwitter11;
+}
+
+LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
+                      const ProgressCallback& progress) {
+  LoadReport report;
+  DocumentSet& documents = session.Documents();
+  CorpusInfo& info = session.Corpus();
+  StageClock clock;
+  const auto fail = [&](std::string reason) {
+    documents.Clear();
+    report.error = std::move(reason);
+    report.stages = clock.Stages();
+    return report;
+  };
+  const auto cancelled = [&](std::string_view stage) {
+    return progress && !progress(stage, 0, 0);
+  };
+
+  if (!FileExists(options.path)) return fail("File not found: " + options.path);
+  const auto unit = ParseTimeUnit(options.unitCode);
+  if (!unit) return fail("Unknown time unit \"" + options.unitCode + "\" (use s, n, h, d or ww)");
+  std::string error;
+  const auto format = ChooseCorpusFormat(options.path, options.radian, error);
+  if (!format) return fail(error);
+
+  info = CorpusInfo{};
+  info.format = *format;
+  info.filePath = options.path;
+  SetRoles(documents, info);
+  documents.Clear();
+
+  std::string path = options.path;
+  if (!documents.LoadDocuments(path, static_cast<int>(*format), "\n", options.minDocLen,
+                               options.maxDocCount, false, progress)) {
+    notifier.ShowMessage("There was an error loading " + options.path, "Load Error",
+                         MessageIcon::kCritical);
+    return fail(documents.LastError());
+  }
+  if (*format == CorpusFormat::kRadian6 && documents.FieldCount() < kRadianMinColumns) {
+    notifier.ShowMessage("There was an error loading " + options.path, "Load Error",
+                         MessageIcon::kCritical);
+    return fail("A Radian 6 export needs at least 22 columns (date-time in column 7, elapsed "
+                "time, link and sentiment in columns 19 to 22); '" + options.path + "' has " +
+                std::to_string(documents.FieldCount()));
+  }
+  clock.Finish("read and split");
+  documents.SetFieldExpressionPattern("");
+
+  if (cancelled("Extracting links")) return fail("Loading cancelled");
+  documents.DeriveLinksField(documents.ContentField(), "Extracted Links", documents.URLField(),
+                             progress);
+  if (*format == CorpusFormat::kTwitter) documents.SetURLField(LastField(documents));
+  clock.Finish("links");
+
+  report.progressText += "Converting Dates to native format...\r\n";
+  if (cancelled("Converting dates")) return fail("Loading cancelled");
+  if (*format == CorpusFormat::kTwitter && documents.Text(0, 0).ends_with("Z")) {
+    documents.SetDateTimeField(0);
+    documents.ConvertTwitterDateTimeField("Twitter", 0);
+  } else if (*format == CorpusFormat::kTwitter11) {
+    documents.SetDateTimeField(0);
+    documents.ConvertTwitterDateTimeField("Twitter1.1", 0);
+  }
+  clock.Finish("dates");
+
+  report.progressText += "Extracting hashtags and mentions to new fields...\r\n";
+  if (*format != CorpusFormat::kRadian6) {
+    if (cancelled("Deriving elapsed time")) return fail("Loading cancelled");
+    if (documents.DeriveElapsedTimeField(0, options.unitCode, kElapsedOrigin, true, progress)) {
+      clock.Finish("elapsed time");
+      const FieldIndex elapsed = LastField(documents);
+      documents.SortByInt(elapsed, false, notifier);
+      documents.SetElapsedTimeField(elapsed);
+      info.elapsedTimeDerived = true;
+      clock.Finish("sort");
+    } else {
+      report.warnings.push_back("Elapsed time not derived: " + documents.LastError());
+      clock.Finish("elapsed time");
+    }
+  }
+
+  if (cancelled("Extracting hashtags")) return fail("Loading cancelled");
+  documents.DeriveTwitterHashField(documents.ContentField(), "HashTags", progress);
+  documents.SetKeyWordField(LastField(documents));
+  clock.Finish("hashtags");
+  if (cancelled("Extracting mentions")) return fail("Loading cancelled");
+  documents.DeriveTwitterMentionField(documents.ContentField(), "Mentions", progress);
+  documents.SetRefListField(LastField(documents));
+  clock.Finish("mentions");
+
+  documents.SetFieldExpressed(documents.ContentField(), true);
+  report.progressText += "All done :)";
+  const DocIndex count = documents.DocumentCount();
+  report.minDocFrequency = count / 1000 + 2;
+  report.maxDocFrequency = count * 0.5;
+  report.loaded = true;
+  report.stages = clock.Stages();
+  return report;
+}
+
+}  // namespace sylvora

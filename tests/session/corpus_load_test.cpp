@@ -1,0 +1,228 @@
+#include "session/corpus_load.h"
+
+#include <gtest/gtest.h>
+
+#include "support/recording_notifier.h"
+#include "support/temp_dir.h"
+
+namespace sylvora {
+namespace {
+
+using testing::RecordingNotifier;
+using testing::TempDir;
+
+std::string Line(const std::vector<std::string>& cells) {
+  std::string line;
+  for (const auto& cell : cells) line += (line.empty() ? "" : "\t") + cell;
+  return line + "\n";
+}
+
+std::string Twitter11(const std::string& date, const std::string& user, const std::string& text,
+                      const std::string& link = "") {
+  return Line({date, user, text, "123", "Real " + user, "10", "20", "0", "UTC", "", "99", "0",
+               link, "2", "-1", "1"});
+}
+
+class CorpusLoad : public ::testing::Test {
+ protected:
+  LoadReport Load(const std::string& content, bool radian = false, std::string unit = "h") {
+    LoadOptions options;
+    options.path = dir_.WriteFile("corpus.txt", content);
+    options.radian = radian;
+    options.minDocLen = 0;
+    options.unitCode = unit;
+    return LoadCorpus(session_, options, notifier_);
+  }
+
+  TempDir dir_;
+  Session session_;
+  RecordingNotifier notifier_;
+};
+
+TEST_F(CorpusLoad, FormatFollowsTheColumnsOfTheFirstLineOrTheRadianSwitch) {
+  std::string error;
+  const std::string six = dir_.WriteFile("six.txt", "a\tb\tc\td\te\tf\nrest");
+  const std::string sixteen = dir_.WriteFile("sixteen.txt", std::string(15, '\t') + "\n");
+  const std::string longLine = dir_.WriteFile("long.txt", std::string(2000, 'x') + std::string(10, '\t'));
+  EXPECT_EQ(ChooseCorpusFormat(six, false, error), CorpusFormat::kTwitter);
+  EXPECT_EQ(ChooseCorpusFormat(sixteen, false, error), CorpusFormat::kTwitter11);
+  EXPECT_EQ(ChooseCorpusFormat(six, true, error), CorpusFormat::kRadian6);
+  // Tabs past the first 1024 characters are not seen.
+  EXPECT_EQ(ChooseCorpusFormat(longLine, false, error), CorpusFormat::kTwitter);
+  EXPECT_FALSE(ChooseCorpusFormat((dir_.Path() / "none").string(), false, error).has_value());
+}
+
+TEST_F(CorpusLoad, Twitter11ExportBecomesASortedCorpusWithDerivedFields) {
+  const LoadReport report =
+      Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "RT @ann: #storm news http://t.co/abcdefgh") +
+           Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "Calm #sea at @pier", "http://kept.example/x") +
+           Twitter11("Tue Aug 27 23:59:00 +0000 2013", "cy", "night http://ab"));
+  ASSERT_TRUE(report.loaded) << report.error;
+  const DocumentSet& docs = session_.Documents();
+  EXPECT_EQ(session_.Corpus().format, CorpusFormat::kTwitter11);
+  EXPECT_EQ(session_.Corpus().sentimentPositiveField, 13);
+  EXPECT_EQ(session_.Corpus().sentimentNegativeField, 14);
+  ASSERT_EQ(docs.DocumentCount(), 3);
+  // Newest-first export reversed into time order without the sort notice.
+  EXPECT_TRUE(notifier_.Messages().empty());
+  EXPECT_EQ(docs.Text(0, 0), "27/08/13 23:59:00");
+  EXPECT_EQ(docs.Text(2, 0), "28/08/13 10:30:00");
+  EXPECT_EQ(docs.FieldName(16), "Elapsed_Hours");
+  EXPECT_EQ(docs.ElapsedTimeField(), 16);
+  EXPECT_EQ(docs.Text(0, 16), "0");
+  EXPECT_EQ(docs.Text(1, 16), "10");
+  EXPECT_EQ(docs.Text(2, 16), "11");
+  EXPECT_EQ(docs.URLField(), 12);
+  EXPECT_EQ(docs.Text(1, 12), "http://kept.example/x");
+  EXPECT_EQ(docs.Text(2, 12), " http://t.co/abcdefgh");
+  EXPECT_EQ(docs.KeyWordField(), 17);
+  EXPECT_EQ(docs.Text(2, 17), " storm");
+  EXPECT_EQ(docs.RefListField(), 18);
+  EXPECT_EQ(docs.Text(2, 18), " ann:");
+  EXPECT_EQ(docs.Text(2, 2), "RT [@] [#] news ");
+  EXPECT_EQ(docs.Text(0, 2), "night ");
+  EXPECT_EQ(docs.CitedField(), 11);
+  // Format fields are switched off; the content and the derived fields are on.
+  EXPECT_EQ(docs.FieldExpressionPattern(), "0010000000000000111");
+  EXPECT_EQ(report.progressText,
+            "Converting Dates to native format...\r\nExtracting hashtags and mentions to new "
+            "fields...\r\nAll done :)");
+  EXPECT_EQ(report.minDocFrequency, 2);
+  EXPECT_DOUBLE_EQ(report.maxDocFrequency, 1.5);
+  EXPECT_FALSE(report.stages.empty());
+}
+
+TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
+  const LoadReport report = Load(
+      "DateTime\tUser\tTweet\tSent+\tSent-\tSentSum\n"
+      "20110105T10:00:00Z\tann\tfirst tweet http://example.org/a\t2\t-1\t1\n"
+      "20110105T12:00:00Z\tbob\tthird #tweet\t1\t-1\t0\n"
+      "20110105T11:00:00Z\tcy\tsecond @ann tweet\t3\t-2\t1\n");
+  ASSERT_TRUE(report.loaded) << report.error;
+  const DocumentSet& docs = session_.Documents();
+  EXPECT_EQ(docs.FieldName(6), "Extracted Links");
+  EXPECT_EQ(docs.URLField(), 6);
+  EXPECT_EQ(docs.FieldName(7), "Elapsed_Hours");
+  EXPECT_EQ(docs.Text(0, 6), " http://example.org/a");
+  EXPECT_EQ(docs.Text(1, 1), "cy");
+  EXPECT_EQ(docs.Text(2, 1), "bob");
+  EXPECT_EQ(docs.Text(0, 0), "05/01/11 10:00:00");
+  ASSERT_EQ(notifier_.Messages().size(), 1u);
+  EXPECT_EQ(notifier_.Messages()[0].title, "Ascending sort");
+  EXPECT_EQ(session_.Corpus().sentimentPositiveField, 3);
+}
+
+TEST_F(CorpusLoad, DatesWithoutZKeepTheirTextAndStillGiveElapsedTime) {
+  const LoadReport report = Load(
+      "2011-01-05 10:00\tann\tfirst tweet of the day\t2\t-1\t1\n"
+      "2011-01-06 10:00\tbob\tsecond tweet of the day\t1\t-1\t0\n", false, "d");
+  ASSERT_TRUE(report.loaded) << report.error;
+  EXPECT_EQ(session_.Documents().Text(0, 0), "2011-01-05 10:00");
+  EXPECT_EQ(session_.Documents().FieldName(7), "Elapsed_Days");
+  EXPECT_EQ(session_.Documents().Text(1, 7), "1");
+}
+
+TEST_F(CorpusLoad, UndatedRowsSkipTheSortButNotTheTags) {
+  const LoadReport report = Load(
+      "20110105T10:00:00Z\tann\tfirst #tweet of the day\t2\t-1\t1\n"
+      "garbage date here\tbob\tsecond @ann tweet of the day\t1\t-1\t0\n");
+  ASSERT_TRUE(report.loaded) << report.error;
+  ASSERT_EQ(report.warnings.size(), 1u);
+  EXPECT_NE(report.warnings[0].find("Row 2"), std::string::npos);
+  EXPECT_FALSE(session_.Corpus().elapsedTimeDerived);
+  const DocumentSet& docs = session_.Documents();
+  EXPECT_EQ(docs.FieldName(7), "HashTags");
+  EXPECT_EQ(docs.FieldName(8), "Mentions");
+  EXPECT_EQ(docs.Text(0, 7), " tweet");
+}
+
+TEST_F(CorpusLoad, RadianExportUsesItsOwnColumns) {
+  std::vector<std::string> header;
+  for (int i = 0; i < 22; ++i) header.push_back("COL" + std::to_string(i));
+  std::string content = Line(header);
+  for (int i = 0; i < 3; ++i) {
+    std::vector<std::string> row(22, "x");
+    row[2] = "author" + std::to_string(i);
+    row[3] = "content with #tag" + std::to_string(i) + " and @someone http://example.org/" +
+             std::to_string(i);
+    row[6] = "0" + std::to_string(i + 1) + "/02/2013 10:00";
+    row[18] = std::to_string(i);
+    row[19] = "";
+    row[20] = "3";
+    row[21] = "-2";
+    content += Line(row);
+  }
+  const LoadReport report = Load(content, true);
+  ASSERT_TRUE(report.loaded) << report.error;
+  const DocumentSet& docs = session_.Documents();
+  EXPECT_EQ(docs.FieldCount(), 24);
+  EXPECT_EQ(docs.DateTimeField(), 6);
+  EXPECT_EQ(docs.ElapsedTimeField(), 18);
+  EXPECT_EQ(docs.Text(2, 19), " http://example.org/2");
+  EXPECT_EQ(docs.Text(1, 22), " tag1");
+  EXPECT_EQ(docs.Text(1, 23), " someone");
+  EXPECT_EQ(session_.Corpus().sentimentNegativeField, 21);
+}
+
+TEST_F(CorpusLoad, NarrowRadianFileIsRefused) {
+  const LoadReport report = Load("A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true);
+  EXPECT_FALSE(report.loaded);
+  EXPECT_NE(report.error.find("22 columns"), std::string::npos);
+  EXPECT_EQ(session_.Documents().DocumentCount(), 0);
+  ASSERT_EQ(notifier_.Messages().size(), 1u);
+  EXPECT_EQ(notifier_.Messages()[0].title, "Load Error");
+}
+
+TEST_F(CorpusLoad, FailedLoadShowsTheLoadErrorAndGivesTheReason) {
+  const LoadReport report = Load("only one line of text here\n");
+  EXPECT_FALSE(report.loaded);
+  EXPECT_NE(report.error.find("at least 2"), std::string::npos);
+  ASSERT_EQ(notifier_.Messages().size(), 1u);
+  const auto& message = notifier_.Messages()[0];
+  EXPECT_EQ(message.text, "There was an error loading " + (dir_.Path() / "corpus.txt").string());
+  EXPECT_EQ(message.title, "Load Error");
+  EXPECT_EQ(message.icon, MessageIcon::kCritical);
+}
+
+TEST_F(CorpusLoad, MissingFileAndBadUnitAreRefusedQuietly) {
+  LoadOptions options;
+  options.path = (dir_.Path() / "absent.txt").string();
+  LoadReport report = LoadCorpus(session_, options, notifier_);
+  EXPECT_FALSE(report.loaded);
+  EXPECT_NE(report.error.find("File not found"), std::string::npos);
+  options.path = dir_.WriteFile("x.txt", "abc");
+  options.unitCode = "weeks";
+  report = LoadCorpus(session_, options, notifier_);
+  EXPECT_NE(report.error.find("Unknown time unit"), std::string::npos);
+  EXPECT_TRUE(notifier_.Messages().empty());
+}
+
+TEST_F(CorpusLoad, ASecondLoadReplacesTheFirst) {
+  ASSERT_TRUE(Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
+                   Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"))
+                  .loaded);
+  const LoadReport report = Load(
+      "20110105T10:00:00Z\tann\tfirst tweet of the day\t2\t-1\t1\n"
+      "20110105T11:00:00Z\tbob\tsecond tweet of the day\t1\t-1\t0\n"
+      "20110105T12:00:00Z\tcy\tthird tweet of the day\t1\t-1\t0\n");
+  ASSERT_TRUE(report.loaded) << report.error;
+  EXPECT_EQ(session_.Documents().DocumentCount(), 3);
+  EXPECT_EQ(session_.Corpus().format, CorpusFormat::kTwitter);
+}
+
+TEST_F(CorpusLoad, CancelEmptiesTheSet) {
+  LoadOptions options;
+  options.path = dir_.WriteFile("c.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
+                                             Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"));
+  options.minDocLen = 0;
+  const ProgressCallback cancelAtLinks = [](std::string_view stage, std::int64_t, std::int64_t) {
+    return stage != "Extracting links";
+  };
+  const LoadReport report = LoadCorpus(session_, options, notifier_, cancelAtLinks);
+  EXPECT_FALSE(report.loaded);
+  EXPECT_EQ(report.error, "Loading cancelled");
+  EXPECT_EQ(session_.Documents().DocumentCount(), 0);
+}
+
+}  // namespace
+}  // namespace sylvora
