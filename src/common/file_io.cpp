@@ -57,6 +57,46 @@ bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, st
 
 }  // namespace
 
+bool ReadWholeFile(const std::string& path, ByteBuffer& bytes, std::string& error) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) {
+    error = Describe("Cannot open", path, errno);
+    return false;
+  }
+  if (S_ISDIR(info.st_mode)) {
+    error = "Cannot read '" + path + "': it is a folder";
+    return false;
+  }
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) {
+    error = Describe("Cannot open", path, errno);
+    return false;
+  }
+  // One byte more than the size tells at once whether the file grew meanwhile.
+  bytes = ByteBuffer(static_cast<std::size_t>(S_ISREG(info.st_mode) ? info.st_size : 0) + 65536);
+  std::size_t filled = 0;
+  bool ok = true;
+  while (true) {
+    if (filled == bytes.Capacity()) {
+      ByteBuffer larger(bytes.Capacity() * 2);
+      std::memcpy(larger.Data(), bytes.Data(), filled);
+      bytes = std::move(larger);
+    }
+    const std::size_t got = std::fread(bytes.Data() + filled, 1, bytes.Capacity() - filled, file);
+    filled += got;
+    if (got == 0) {
+      if (std::ferror(file)) {
+        error = Describe("Cannot read", path, errno);
+        ok = false;
+      }
+      break;
+    }
+  }
+  std::fclose(file);
+  bytes.SetSize(filled);
+  return ok;
+}
+
 bool FileExists(const std::string& path) {
   struct stat info {};
   return ::stat(path.c_str(), &info) == 0 && !S_ISDIR(info.st_mode);

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/large_allocation.h"
+
 namespace sylvora {
 
 // True when `path` names an existing entry that is not a folder and whose attributes can be
@@ -15,6 +17,9 @@ bool FileExists(const std::string& path);
 
 // Reads the whole file into `bytes`. On failure returns false and sets `error`.
 bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& error);
+
+// The same into a buffer that is not zero-filled first (for files of hundreds of megabytes).
+bool ReadWholeFile(const std::string& path, ByteBuffer& bytes, std::string& error);
 
 // Reads at most `limit` bytes from the start of a file.
 bool ReadFilePrefix(const std::string& path, std::size_t limit, std::string& bytes,

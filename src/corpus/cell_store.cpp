@@ -4,9 +4,16 @@
 
 namespace sylvora {
 
-std::string_view CellStore::Adopt(std::string&& buffer) {
-  adopted_.push_back(std::make_unique<std::string>(std::move(buffer)));
-  return *adopted_.back();
+std::string_view CellStore::Adopt(ByteBuffer&& buffer) {
+  adopted_.push_back(std::move(buffer));
+  return {adopted_.back().Data(), adopted_.back().Size()};
+}
+
+std::string_view CellStore::Adopt(std::string_view text) {
+  ByteBuffer buffer(text.size());
+  if (!text.empty()) std::memcpy(buffer.Data(), text.data(), text.size());
+  buffer.SetSize(text.size());
+  return Adopt(std::move(buffer));
 }
 
 std::string_view CellStore::Store(std::string_view text) {
@@ -50,7 +57,7 @@ void CellStore::Clear() {
 
 std::size_t CellStore::BytesHeld() const {
   std::size_t total = arenaBytes_;
-  for (const auto& buffer : adopted_) total += buffer->capacity();
+  for (const auto& buffer : adopted_) total += buffer.Capacity();
   return total;
 }
 

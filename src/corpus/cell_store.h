@@ -15,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+#include "common/large_allocation.h"
+
 namespace sylvora {
 
 class CellStore {
@@ -25,9 +27,10 @@ class CellStore {
   CellStore(const CellStore&) = delete;
   CellStore& operator=(const CellStore&) = delete;
 
-  // Takes ownership of a whole buffer (the decoded file) and returns a mutable view of it.
+  // Takes ownership of a whole buffer (the decoded file) and returns a view of its bytes.
   // Views into it may be used as cells as long as no two cells share bytes.
-  std::string_view Adopt(std::string&& buffer);
+  std::string_view Adopt(ByteBuffer&& buffer);
+  std::string_view Adopt(std::string_view text);  // copies the text into a buffer first
 
   // Copies `text` into the arena and returns the view to put into a cell.
   std::string_view Store(std::string_view text);
@@ -45,8 +48,7 @@ class CellStore {
  private:
   static constexpr std::size_t kBlockSize = 1 << 20;
 
-  // unique_ptr keeps a short (inline) string from moving when the vector grows.
-  std::vector<std::unique_ptr<std::string>> adopted_;
+  std::vector<ByteBuffer> adopted_;  // a ByteBuffer's bytes never move
   std::vector<std::unique_ptr<char[]>> blocks_;
   std::vector<std::unique_ptr<char[]>> largeBlocks_;
   std::size_t blockUsed_ = kBlockSize;  // forces a first block

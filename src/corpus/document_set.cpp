@@ -100,7 +100,7 @@ void DocumentSet::SetDocuments(const std::vector<std::vector<std::string>>& docu
 
 void DocumentSet::ResetTable(int fieldCount, DocIndex rows) {
   store_.Clear();
-  columns_.assign(fieldCount, std::vector<std::string_view>(rows));
+  columns_.assign(fieldCount, Column(rows));
   docCount_ = rows;
 }
 

@@ -24,6 +24,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/large_allocation.h"
 #include "common/notifier.h"
 #include "common/numbering.h"
 #include "common/progress.h"
@@ -162,6 +163,9 @@ class DocumentSet {
   struct FieldLayout;
   void ApplyLayout(const FieldLayout& layout);
   bool ReadDefinitionFile(const std::string& path);
+  // The file's text as UTF-8 without carriage returns, kept in the store; an empty view with
+  // LastError() set for a binary file.
+  std::string_view DecodeAndStore(const std::string& filePath, ByteBuffer&& bytes);
   FieldIndex AppendField(std::string_view name);
   void AppendFieldFromStrings(std::string_view name, const std::vector<std::string>& cells);
   void ResetTable(int fieldCount, DocIndex rows);
@@ -172,7 +176,8 @@ class DocumentSet {
   bool Fail(std::string message) const;
 
   // Column-major: columns_[field][row]. Adding a field appends a column; sorting permutes.
-  std::vector<std::vector<std::string_view>> columns_;
+  using Column = std::vector<std::string_view, LargeAllocator<std::string_view>>;
+  std::vector<Column> columns_;
   CellStore store_;
 
   std::vector<std::string> fieldNames_;

@@ -248,7 +248,7 @@ void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notif
 }
 
 void DocumentSet::ApplyRowOrder(const std::vector<DocIndex>& order) {
-  std::vector<std::string_view> scratch(order.size());
+  Column scratch(order.size());
   for (auto& column : columns_) {
     for (std::size_t i = 0; i < order.size(); ++i) scratch[i] = column[order[i]];
     column.swap(scratch);

@@ -1,5 +1,6 @@
 // Reading a corpus file: records, header row, fields by markers or by columns.
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -129,6 +130,27 @@ std::string ValidDocsFileName(const std::string& path, DocIndex count) {
 
 }  // namespace
 
+std::string_view DocumentSet::DecodeAndStore(const std::string& filePath, ByteBuffer&& bytes) {
+  std::string_view raw(bytes.Data(), bytes.Size());
+  const bool utf16 = raw.starts_with("\xFF\xFE") || raw.starts_with("\xFE\xFF");
+  if (!utf16 && std::memchr(raw.data(), '\0', raw.size()) != nullptr) {
+    Fail("'" + filePath + "' is not a text file: it holds NUL bytes");
+    return {};
+  }
+  if (utf16 || !IsValidUtf8(raw)) {
+    std::string decoded(raw);
+    DecodeText(decoded);
+    std::erase(decoded, '\r');
+    return store_.Adopt(decoded);
+  }
+  // Valid UTF-8 is used where it lies: the BOM is skipped, carriage returns squeezed out.
+  char* begin = bytes.Data() + (raw.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+  char* end = std::remove(begin, bytes.Data() + bytes.Size(), '\r');
+  const std::string_view stored = store_.Adopt(std::move(bytes));
+  return stored.substr(static_cast<std::size_t>(begin - stored.data()),
+                       static_cast<std::size_t>(end - begin));
+}
+
 bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_view delimiter,
                                 int minDocLen, int maxCount, bool saveValidDocs,
                                 const ProgressCallback& progress) {
@@ -141,17 +163,12 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   columns_.clear();
   store_.Clear();
 
-  std::string bytes;
   std::string error;
+  ByteBuffer bytes;
   if (!ReadWholeFile(filePath, bytes, error)) return Fail(error);
-  const bool utf16 = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
-  if (!utf16 && std::memchr(bytes.data(), '\0', bytes.size()) != nullptr) {
-    return Fail("'" + filePath + "' is not a text file: it holds NUL bytes");
-  }
   if (progress && !progress("Reading " + filePath, 0, 0)) return Fail("Loading cancelled");
-  DecodeText(bytes);
-  std::erase(bytes, '\r');
-  const std::string_view text = store_.Adopt(std::move(bytes));
+  const std::string_view text = DecodeAndStore(filePath, std::move(bytes));
+  if (text.data() == nullptr && !lastError_.empty()) return false;
 
   std::vector<std::string_view> records = SplitRecords(text, recordDelimiter_);
 
@@ -193,8 +210,15 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
     }
   }
 
-  columns_.assign(FieldCount(), std::vector<std::string_view>(count));
+  // Columns grow row by row: reserving instead of sizing spares a pass over the memory.
+  columns_.assign(FieldCount(), Column());
+  for (auto& column : columns_) column.reserve(static_cast<std::size_t>(count));
   docCount_ = count;
+  const auto fillRow = [&](std::size_t given, auto cellOf) {
+    for (std::size_t f = 0; f < columns_.size(); ++f) {
+      columns_[f].push_back(f < given ? cellOf(f) : std::string_view());
+    }
+  };
 
   ProgressReporter reporter(progress, "Parsing documents", count, 8192);
   const std::size_t fieldCount = static_cast<std::size_t>(FieldCount());
@@ -225,16 +249,15 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
           columns[2] = joined;
         }
       }
-      for (std::size_t f = 0; f < fieldCount && f < columns.size(); ++f) {
-        columns_[f][d] = columns[f];
-      }
+      fillRow(columns.size(), [&](std::size_t f) { return columns[f]; });
     } else if (fieldCount == 1) {
-      columns_[0][d] = store_.Store(TrimSpaces(record));
+      columns_[0].push_back(store_.Store(TrimSpaces(record)));
       charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
       wordCountTotal_ += static_cast<std::int64_t>(CodePointCount(record)) -
                          CountWithoutSpaces(record) + 1;
     } else {
       for (std::size_t f = 0; f < fieldCount; ++f) {
+        columns_[f].emplace_back();
         const std::size_t start = record.find(startMarkers_[f]);
         if (start == std::string_view::npos) continue;
         const std::size_t p = start + startMarkers_[f].size();
@@ -243,12 +266,14 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
         const std::string_view raw = record.substr(p, end - p);
         const std::string cell = CleanMarkerText(raw);
         const auto n = static_cast<std::int64_t>(CodePointCount(raw));
-        columns_[f][d] = store_.Store(cell);
+        columns_[f].back() = store_.Store(cell);
         charCountTotal_ += n;
         wordCountTotal_ += n - CountWithoutSpaces(cell) + 1;
       }
     }
   }
+  // Rows counted but never parsed (records of 8 characters or fewer) stay empty.
+  for (auto& column : columns_) column.resize(static_cast<std::size_t>(docCount_));
 
   if (saveValidDocs) {
     const std::string savedName = ValidDocsFileName(filePath, docCount_);
