@@ -15,7 +15,10 @@ constexpr const char* kUsage =
     "usage: sylvora-cli load FILE [--radian] [--unit s|n|h|d|ww] [--min-doc-len N] "
     "[--max-docs N]\n";
 
-std::string RolesOf(const DocumentSet& documents, FieldIndex field) {
+std::string RolesOf(const Session& session, FieldIndex field) {
+  const DocumentSet& documents = session.Documents();
+  // Only the Twitter1.1 layout has a retweet column; elsewhere that role is unset.
+  const bool hasRetweets = session.Corpus().format == CorpusFormat::kTwitter11;
   const std::pair<const char*, FieldIndex> roles[] = {
       {"content", documents.ContentField()},   {"author", documents.AuthorField()},
       {"date-time", documents.DateTimeField()}, {"elapsed time", documents.ElapsedTimeField()},
@@ -24,7 +27,7 @@ std::string RolesOf(const DocumentSet& documents, FieldIndex field) {
   };
   std::string text;
   for (const auto& [name, roleField] : roles) {
-    if (roleField != field) continue;
+    if (roleField != field || (!hasRetweets && std::string_view(name) == "retweets")) continue;
     text += text.empty() ? "" : ", ";
     text += name;
   }
@@ -53,7 +56,7 @@ void PrintSummary(std::ostream& out, const Session& session, const LoadReport& r
   out << "Fields:\n";
   for (int f = 0; f < documents.FieldCount(); ++f) {
     const auto field = static_cast<FieldIndex>(f);
-    const std::string roles = RolesOf(documents, field);
+    const std::string roles = RolesOf(session, field);
     out << "  " << std::setw(3) << f << "  " << documents.FieldName(field);
     if (documents.FieldExpressed(field)) out << " [indexed]";
     if (!roles.empty()) out << "  (" << roles << ")";
