@@ -15,22 +15,26 @@ std::string Describe(std::string_view action, const std::string& path, int error
   return std::string(action) + " '" + path + "': " + std::strerror(errorNumber);
 }
 
-bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, std::string& error) {
-  bytes.clear();
-  struct stat info {};
+// Opens a file that is not a folder for reading; nullptr with `error` set otherwise.
+std::FILE* OpenForReading(const std::string& path, struct stat& info, std::string& error) {
   if (::stat(path.c_str(), &info) != 0) {
     error = Describe("Cannot open", path, errno);
-    return false;
+    return nullptr;
   }
   if (S_ISDIR(info.st_mode)) {
     error = "Cannot read '" + path + "': it is a folder";
-    return false;
+    return nullptr;
   }
   std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) {
-    error = Describe("Cannot open", path, errno);
-    return false;
-  }
+  if (file == nullptr) error = Describe("Cannot open", path, errno);
+  return file;
+}
+
+bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, std::string& error) {
+  bytes.clear();
+  struct stat info {};
+  std::FILE* file = OpenForReading(path, info, error);
+  if (file == nullptr) return false;
   const bool knownSize = S_ISREG(info.st_mode);
   if (knownSize) bytes.resize(std::min<std::size_t>(limit, static_cast<std::size_t>(info.st_size)));
   std::size_t filled = 0;
@@ -59,19 +63,8 @@ bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, st
 
 bool ReadWholeFile(const std::string& path, ByteBuffer& bytes, std::string& error) {
   struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) {
-    error = Describe("Cannot open", path, errno);
-    return false;
-  }
-  if (S_ISDIR(info.st_mode)) {
-    error = "Cannot read '" + path + "': it is a folder";
-    return false;
-  }
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) {
-    error = Describe("Cannot open", path, errno);
-    return false;
-  }
+  std::FILE* file = OpenForReading(path, info, error);
+  if (file == nullptr) return false;
   // One byte more than the size tells at once whether the file grew meanwhile.
   bytes = ByteBuffer(static_cast<std::size_t>(S_ISREG(info.st_mode) ? info.st_size : 0) + 65536);
   std::size_t filled = 0;

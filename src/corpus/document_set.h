@@ -170,7 +170,7 @@ class DocumentSet {
   void AppendFieldFromStrings(std::string_view name, const std::vector<std::string>& cells);
   void ResetTable(int fieldCount, DocIndex rows);
   void ApplyRowOrder(const std::vector<DocIndex>& order);
-  void DeriveTagField(FieldIndex sourceField, std::string_view fieldName, char sigil,
+  bool DeriveTagField(FieldIndex sourceField, std::string_view fieldName, char sigil,
                       std::string_view marker, std::string_view finalMarker, bool unescape,
                       const ProgressCallback& progress);
   bool Fail(std::string message) const;

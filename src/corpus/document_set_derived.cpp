@@ -165,10 +165,13 @@ bool DocumentSet::DeriveLinksField(FieldIndex sourceField, std::string_view fiel
   return true;
 }
 
-void DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldName, char sigil,
+bool DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldName, char sigil,
                                  std::string_view marker, std::string_view finalMarker,
                                  bool unescape, const ProgressCallback& progress) {
-  if (sourceField >= columns_.size() || FieldCount() >= kMaxFields) return;
+  if (sourceField >= columns_.size()) {
+    return Fail("Field " + std::to_string(sourceField) + " does not exist");
+  }
+  if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
   const FieldIndex target = AppendField(fieldName);
   const std::string sigilText(1, sigil);
   ProgressReporter reporter(progress, "Extracting tags", docCount_);
@@ -194,26 +197,17 @@ void DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldN
     store_.Overwrite(columns_[sourceField][d], text);
     columns_[target][d] = store_.Store(tags);
   }
+  return true;
 }
 
 bool DocumentSet::DeriveTwitterHashField(FieldIndex sourceField, std::string_view fieldName,
                                          const ProgressCallback& progress) {
-  if (sourceField >= columns_.size()) {
-    return Fail("Field " + std::to_string(sourceField) + " does not exist");
-  }
-  if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
-  DeriveTagField(sourceField, fieldName, '#', "[H]", "[#]", true, progress);
-  return true;
+  return DeriveTagField(sourceField, fieldName, '#', "[H]", "[#]", true, progress);
 }
 
 bool DocumentSet::DeriveTwitterMentionField(FieldIndex sourceField, std::string_view fieldName,
                                             const ProgressCallback& progress) {
-  if (sourceField >= columns_.size()) {
-    return Fail("Field " + std::to_string(sourceField) + " does not exist");
-  }
-  if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
-  DeriveTagField(sourceField, fieldName, '@', "[M]", "[@]", false, progress);
-  return true;
+  return DeriveTagField(sourceField, fieldName, '@', "[M]", "[@]", false, progress);
 }
 
 void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notifier) {
