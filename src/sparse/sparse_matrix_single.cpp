@@ -1,0 +1,398 @@
+#include "sparse/sparse_matrix_single.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <fstream>
+#include <utility>
+
+#include "sparse/number_format.h"
+
+namespace sylvora {
+
+namespace {
+
+// What a cell write keeps: 0 and negative values empty the cell (NaN is kept, as it is not
+// "0 or below").
+bool Storable(float value) { return !(value <= 0.0f); }
+
+// The cosine from an inner product, as the vector similarity computes it.
+float CosineFromDot(float dot, float magnitude, float vec2Magnitude) {
+  if (vec2Magnitude <= 0.0f) return -1.0f;
+  if (dot > 0.0f) return dot / (magnitude * vec2Magnitude);
+  return dot;
+}
+
+// Float sum of a[r] * b[r] over the rows both hold, up to `lastRow`, in ascending row order.
+float SharedRowDot(const SparseVectorSingle& a, const SparseVectorSingle& b, std::int32_t lastRow) {
+  const auto rowsA = a.ElementIndexes();
+  const auto valuesA = a.ElementValues();
+  const auto rowsB = b.ElementIndexes();
+  const auto valuesB = b.ElementValues();
+  float dot = 0.0f;
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < rowsA.size() && j < rowsB.size()) {
+    if (rowsA[i] < rowsB[j]) {
+      ++i;
+    } else if (rowsB[j] < rowsA[i]) {
+      ++j;
+    } else {
+      if (rowsA[i] > lastRow) break;
+      dot += valuesB[j] * valuesA[i];
+      ++i;
+      ++j;
+    }
+  }
+  return dot;
+}
+
+}  // namespace
+
+void SparseMatrixSingle::SetRowCount(std::int32_t rows) {
+  rowCount_ = std::max<std::int32_t>(rows, 0);
+  for (SparseVectorSingle& column : columns_) column.SetDimensionCount(rowCount_);
+}
+
+float SparseMatrixSingle::Value(std::int32_t row, std::int32_t col) const {
+  return ValidColumn(col) ? Column(col).Value(row) : 0.0f;
+}
+
+void SparseMatrixSingle::SetValue(std::int32_t row, std::int32_t col, float value) {
+  if (ValidColumn(col)) Column(col).SetValue(row, value);
+}
+
+bool SparseMatrixSingle::IsEmpty(std::int32_t row, std::int32_t col) const {
+  return ValidColumn(col) ? Column(col).IsEmpty(row) : true;
+}
+
+float SparseMatrixSingle::Magnitude(std::int32_t col) const {
+  return ValidColumn(col) ? Column(col).Magnitude() : 0.0f;
+}
+
+SparseVectorSingle* SparseMatrixSingle::Vector(std::int32_t col) {
+  return ValidColumn(col) ? &Column(col) : nullptr;
+}
+
+const SparseVectorSingle* SparseMatrixSingle::Vector(std::int32_t col) const {
+  return ValidColumn(col) ? &Column(col) : nullptr;
+}
+
+float SparseMatrixSingle::GetSimilarity(std::int32_t col1, std::int32_t col2,
+                                        std::int32_t metric) const {
+  if (!ValidColumn(col1) || !ValidColumn(col2)) return 0.0f;
+  const SparseVectorSingle& first = Column(col1);
+  if (col1 == col2) {
+    if (metric == 1) {
+      const float magnitude = first.Magnitude();
+      return magnitude * magnitude;
+    }
+    return metric == 2 ? 1.0f : 0.0f;
+  }
+  const SparseVectorSingle& second = Column(col2);
+  const float dot = SharedRowDot(first, second, rowCount_);
+  if (metric != 2) return dot;
+  return CosineFromDot(dot, first.Magnitude(), second.Magnitude());
+}
+
+SparseVectorSingle SparseMatrixSingle::GetSimilarityVector(std::int32_t col1,
+                                                           const SparseMatrixSingle& matrix2,
+                                                           std::int32_t /*metric*/) const {
+  SparseVectorSingle result;
+  if (!ValidColumn(col1)) return result;
+  const SparseVectorSingle& column = Column(col1);
+  const float magnitude = column.Magnitude();
+  if (magnitude <= 0.0f) return result;  // every cosine is -1: nothing is stored
+
+  std::vector<float> dense(static_cast<std::size_t>(rowCount_) + 1, 0.0f);
+  const auto rows = column.ElementIndexes();
+  const auto values = column.ElementValues();
+  for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+    dense[static_cast<std::size_t>(rows[k])] = values[k];
+  }
+  const std::int32_t shared = std::min(ColCount(), matrix2.ColCount());
+  for (std::int32_t i = 1; i <= shared; ++i) {
+    const float similarity = matrix2.Column(i).GetSimilarity(dense, 2, magnitude);
+    if (Storable(similarity)) result.Append(i, similarity);
+  }
+  return result;
+}
+
+std::string SparseMatrixSingle::Matrix2Clip(std::string_view formatString) const {
+  const std::string zero = FormatNumber(0.0f, formatString);
+  std::string text;
+  std::vector<std::size_t> next(columns_.size(), 0);
+  for (std::int32_t r = 1; r <= rowCount_; ++r) {
+    for (std::size_t c = 0; c < columns_.size(); ++c) {
+      const auto rows = columns_[c].ElementIndexes();
+      if (next[c] < rows.size() && rows[next[c]] == r) {
+        text += FormatNumber(columns_[c].ElementValues()[next[c]], formatString);
+        ++next[c];
+      } else {
+        text += zero;
+      }
+      text.push_back('\t');
+    }
+    text += "\r\n";
+  }
+  return text;
+}
+
+SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
+                                                           const ProgressCallback& progress) const {
+  const std::int32_t n = ColCount();
+  SparseMatrixSingle result;
+  result.Reset(n, n);
+  if (metric != 1 && metric != 2) return result;
+
+  // Inverted lists: for every row r in 1..RowCount, the columns holding it (ascending) with
+  // their values. rowStart[r] .. rowStart[r + 1] - 1 are row r's entries.
+  const auto rowCount = static_cast<std::size_t>(rowCount_);
+  std::vector<std::size_t> rowStart(rowCount + 2, 0);
+  for (const SparseVectorSingle& column : columns_) {
+    for (const std::int32_t r : column.ElementIndexes()) {
+      if (r > rowCount_) break;
+      ++rowStart[static_cast<std::size_t>(r) + 1];
+    }
+  }
+  for (std::size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
+  std::vector<std::int32_t> rowColumns(rowStart.back());
+  std::vector<float> rowValues(rowStart.back());
+  std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
+  for (std::int32_t c = 1; c <= n; ++c) {
+    const auto rows = Column(c).ElementIndexes();
+    const auto values = Column(c).ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      const std::size_t at = next[static_cast<std::size_t>(rows[k])]++;
+      rowColumns[at] = c;
+      rowValues[at] = values[k];
+    }
+  }
+  // next[r] now walks row r again: it points at the entry of the column being processed.
+  std::copy(rowStart.begin(), rowStart.end() - 1, next.begin());
+
+  std::vector<float> magnitudes;
+  if (metric == 2) {
+    magnitudes.resize(static_cast<std::size_t>(n) + 1);
+    for (std::int32_t c = 1; c <= n; ++c)
+      magnitudes[static_cast<std::size_t>(c)] = Column(c).Magnitude();
+  }
+
+  // Row i of the result: accumulate column i against every later column (and itself for the
+  // inner product) over the rows they share. Each sum receives its terms in ascending row
+  // order, so it equals the sum over a dense copy of column i term for term.
+  std::vector<float> sums(static_cast<std::size_t>(n) + 1, 0.0f);
+  std::vector<char> touched(static_cast<std::size_t>(n) + 1, 0);
+  std::vector<std::int32_t> partners;
+  ProgressReporter reporter(progress, "Similarity matrix", n, 1);
+  for (std::int32_t i = 1; i <= n; ++i) {
+    const auto rows = Column(i).ElementIndexes();
+    const auto values = Column(i).ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      const auto r = static_cast<std::size_t>(rows[k]);
+      const std::size_t self = next[r]++;
+      assert(rowColumns[self] == i);
+      const float a = values[k];
+      for (std::size_t m = metric == 1 ? self : self + 1; m < rowStart[r + 1]; ++m) {
+        const auto j = static_cast<std::size_t>(rowColumns[m]);
+        if (!touched[j]) {
+          touched[j] = 1;
+          partners.push_back(static_cast<std::int32_t>(j));
+        }
+        sums[j] += rowValues[m] * a;
+      }
+    }
+
+    for (const std::int32_t j : partners) {
+      const auto at = static_cast<std::size_t>(j);
+      const float dot = sums[at];
+      const float similarity =
+          metric == 1 ? dot
+                      : CosineFromDot(dot, magnitudes[at], magnitudes[static_cast<std::size_t>(i)]);
+      if (Storable(similarity)) result.Column(j).Append(i, similarity);
+      sums[at] = 0.0f;
+      touched[at] = 0;
+    }
+    partners.clear();
+    if (metric == 2) result.Column(i).Append(i, 1.0f);
+
+    if (!reporter.Step()) {
+      result.Reset(n, n);
+      return result;
+    }
+  }
+  for (SparseVectorSingle& column : result.columns_) {
+    column.elements_.shrink_to_fit();
+    column.values_.shrink_to_fit();
+  }
+  return result;
+}
+
+bool SparseMatrixSingle::SaveDenseMatrix(const std::string& file, bool dissim) const {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  if (!out) return false;
+  const std::string absent = dissim ? "1" : "0";
+  std::string line;
+  std::vector<std::size_t> next(columns_.size(), 0);
+  for (std::int32_t r = 1; r <= rowCount_; ++r) {
+    line.clear();
+    for (std::size_t c = 0; c < columns_.size(); ++c) {
+      const auto rows = columns_[c].ElementIndexes();
+      if (next[c] < rows.size() && rows[next[c]] == r) {
+        const float v = columns_[c].ElementValues()[next[c]];
+        line += GeneralNumber(dissim ? 1.0f - v : v);
+        ++next[c];
+      } else {
+        line += absent;
+      }
+      line.push_back('\t');
+    }
+    line += "\r\n";
+    out.write(line.data(), static_cast<std::streamsize>(line.size()));
+    if (!out) return false;
+  }
+  out.close();
+  return !out.fail();
+}
+
+std::vector<std::vector<float>> SparseMatrixSingle::GetDenseMatrix() const {
+  std::vector<std::vector<float>> dense(static_cast<std::size_t>(rowCount_),
+                                        std::vector<float>(columns_.size(), 0.0f));
+  for (std::size_t c = 0; c < columns_.size(); ++c) {
+    const auto rows = columns_[c].ElementIndexes();
+    const auto values = columns_[c].ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      dense[static_cast<std::size_t>(rows[k]) - 1][c] = values[k];
+    }
+  }
+  return dense;
+}
+
+void SparseMatrixSingle::MakeSymmetric(bool /*top2Bottom*/) {
+  const std::int32_t n = ColCount();
+  if (rowCount_ != n) return;
+
+  // Every column c keeps its upper part (rows <= c) and its rows past n, which belong to no
+  // pair; its lower part is rebuilt from row c of the upper triangle, in ascending order.
+  std::vector<std::vector<std::int32_t>> tailRows(static_cast<std::size_t>(n));
+  std::vector<std::vector<float>> tailValues(static_cast<std::size_t>(n));
+  for (std::int32_t c = 1; c <= n; ++c) {
+    SparseVectorSingle& column = Column(c);
+    const auto upperEnd = std::upper_bound(column.elements_.begin(), column.elements_.end(), c) -
+                          column.elements_.begin();
+    const auto tailBegin = std::upper_bound(column.elements_.begin(), column.elements_.end(), n) -
+                           column.elements_.begin();
+    const auto at = static_cast<std::size_t>(c) - 1;
+    tailRows[at].assign(column.elements_.begin() + tailBegin, column.elements_.end());
+    tailValues[at].assign(column.values_.begin() + tailBegin, column.values_.end());
+    column.elements_.resize(static_cast<std::size_t>(upperEnd));
+    column.values_.resize(static_cast<std::size_t>(upperEnd));
+  }
+  for (std::int32_t j = 1; j <= n; ++j) {
+    // Column j holds only rows <= j here: later columns append to earlier ones only.
+    const SparseVectorSingle& column = Column(j);
+    for (std::size_t k = 0; k < column.elements_.size(); ++k) {
+      const std::int32_t i = column.elements_[k];
+      if (i >= j) break;
+      const float v = column.values_[k];
+      if (Storable(v)) Column(i).Append(j, v);
+    }
+  }
+  for (std::int32_t c = 1; c <= n; ++c) {
+    SparseVectorSingle& column = Column(c);
+    const auto at = static_cast<std::size_t>(c) - 1;
+    column.elements_.insert(column.elements_.end(), tailRows[at].begin(), tailRows[at].end());
+    column.values_.insert(column.values_.end(), tailValues[at].begin(), tailValues[at].end());
+  }
+}
+
+void SparseMatrixSingle::Reset(std::int32_t rows, std::int32_t cols) {
+  rowCount_ = std::max<std::int32_t>(rows, 0);
+  columns_.clear();
+  columns_.resize(static_cast<std::size_t>(std::max<std::int32_t>(cols, 0)));
+  for (SparseVectorSingle& column : columns_) column.SetDimensionCount(rowCount_);
+}
+
+void SparseMatrixSingle::TruncateLocal(std::int32_t count) {
+  for (SparseVectorSingle& column : columns_) column.TruncateLocal(count);
+}
+
+void SparseMatrixSingle::Transpose() {
+  const std::int32_t newRows = ColCount();
+  const auto newCols = static_cast<std::size_t>(rowCount_);
+  std::vector<std::size_t> counts(newCols + 1, 0);
+  for (const SparseVectorSingle& column : columns_) {
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      if (Storable(values[k])) ++counts[static_cast<std::size_t>(rows[k])];
+    }
+  }
+  std::vector<SparseVectorSingle> transposed(newCols);
+  for (std::size_t r = 0; r < newCols; ++r) {
+    transposed[r].Reserve(counts[r + 1]);
+    transposed[r].SetDimensionCount(newRows);
+  }
+  for (std::int32_t c = 1; c <= newRows; ++c) {
+    const auto rows = Column(c).ElementIndexes();
+    const auto values = Column(c).ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      if (Storable(values[k]))
+        transposed[static_cast<std::size_t>(rows[k]) - 1].Append(c, values[k]);
+    }
+  }
+  columns_ = std::move(transposed);
+  rowCount_ = newRows;
+}
+
+void SparseMatrixSingle::SetMatrixSelective(const SparseMatrixSingle& srcMatrix, std::int32_t first,
+                                            std::int32_t last, bool square) {
+  first = std::max<std::int32_t>(first, 1);
+  if (last < first) last = srcMatrix.ColCount();
+  last = std::min(last, srcMatrix.ColCount());
+  const std::int32_t lowRow = square ? first : 1;
+  const std::int32_t highRow = square ? last : srcMatrix.RowCount();
+  const std::int32_t cols = std::max<std::int32_t>(last - first + 1, 0);
+
+  std::vector<SparseVectorSingle> copied(static_cast<std::size_t>(cols));
+  for (std::int32_t c = 1; c <= cols; ++c) {
+    const SparseVectorSingle& source = srcMatrix.Column(first - 1 + c);
+    SparseVectorSingle& target = copied[static_cast<std::size_t>(c) - 1];
+    target.SetDimensionCount(srcMatrix.RowCount());
+    const auto rows = source.ElementIndexes();
+    const auto values = source.ElementValues();
+    const auto begin = std::lower_bound(rows.begin(), rows.end(), lowRow) - rows.begin();
+    for (auto k = static_cast<std::size_t>(begin); k < rows.size() && rows[k] <= highRow; ++k) {
+      if (Storable(values[k])) target.Append(rows[k], values[k]);
+    }
+  }
+  rowCount_ = srcMatrix.RowCount();
+  columns_ = std::move(copied);
+}
+
+void SparseMatrixSingle::SetMatrix(const SparseMatrixSingle& srcMatrix) {
+  std::vector<SparseVectorSingle> copied(srcMatrix.columns_.size());
+  for (std::size_t c = 0; c < copied.size(); ++c) {
+    const SparseVectorSingle& source = srcMatrix.columns_[c];
+    SparseVectorSingle& target = copied[c];
+    target.SetDimensionCount(srcMatrix.RowCount());
+    const auto rows = source.ElementIndexes();
+    const auto values = source.ElementValues();
+    if (std::all_of(values.begin(), values.end(), Storable)) {
+      target.elements_.assign(rows.begin(), rows.end());
+      target.values_.assign(values.begin(), values.end());
+      continue;
+    }
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+      if (Storable(values[k])) target.Append(rows[k], values[k]);
+    }
+  }
+  rowCount_ = srcMatrix.RowCount();
+  columns_ = std::move(copied);
+}
+
+void SparseMatrixSingle::Normalise() {
+  for (SparseVectorSingle& column : columns_) column.Normalise();
+}
+
+}  // namespace sylvora
