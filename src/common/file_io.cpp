@@ -30,48 +30,19 @@ std::FILE* OpenForReading(const std::string& path, struct stat& info, std::strin
   return file;
 }
 
-bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, std::string& error) {
-  bytes.clear();
+// Reads up to `limit` bytes into a buffer that is not zero-filled first.
+bool ReadUpTo(const std::string& path, std::size_t limit, ByteBuffer& bytes, std::string& error) {
   struct stat info {};
   std::FILE* file = OpenForReading(path, info, error);
   if (file == nullptr) return false;
-  const bool knownSize = S_ISREG(info.st_mode);
-  if (knownSize) bytes.resize(std::min<std::size_t>(limit, static_cast<std::size_t>(info.st_size)));
+  // Room for the known size and a little more, so that a file growing meanwhile is noticed.
+  const std::size_t known = S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0;
+  bytes = ByteBuffer(std::min(limit, known + 65536));
   std::size_t filled = 0;
   bool ok = true;
-  while (true) {
-    if (filled == bytes.size()) {
-      if (filled >= limit) break;
-      bytes.resize(std::min(limit, std::max<std::size_t>(bytes.size() * 2, 1 << 16)));
-    }
-    const std::size_t got = std::fread(bytes.data() + filled, 1, bytes.size() - filled, file);
-    filled += got;
-    if (got == 0) {
-      if (std::ferror(file)) {
-        error = Describe("Cannot read", path, errno);
-        ok = false;
-      }
-      break;
-    }
-  }
-  std::fclose(file);
-  bytes.resize(filled);
-  return ok;
-}
-
-}  // namespace
-
-bool ReadWholeFile(const std::string& path, ByteBuffer& bytes, std::string& error) {
-  struct stat info {};
-  std::FILE* file = OpenForReading(path, info, error);
-  if (file == nullptr) return false;
-  // One byte more than the size tells at once whether the file grew meanwhile.
-  bytes = ByteBuffer(static_cast<std::size_t>(S_ISREG(info.st_mode) ? info.st_size : 0) + 65536);
-  std::size_t filled = 0;
-  bool ok = true;
-  while (true) {
+  while (filled < limit) {
     if (filled == bytes.Capacity()) {
-      ByteBuffer larger(bytes.Capacity() * 2);
+      ByteBuffer larger(std::min(limit, bytes.Capacity() * 2));
       std::memcpy(larger.Data(), bytes.Data(), filled);
       bytes = std::move(larger);
     }
@@ -88,6 +59,19 @@ bool ReadWholeFile(const std::string& path, ByteBuffer& bytes, std::string& erro
   std::fclose(file);
   bytes.SetSize(filled);
   return ok;
+}
+
+bool ReadUpTo(const std::string& path, std::size_t limit, std::string& bytes, std::string& error) {
+  ByteBuffer buffer;
+  const bool ok = ReadUpTo(path, limit, buffer, error);
+  bytes.assign(buffer.Data() == nullptr ? "" : buffer.Data(), buffer.Size());
+  return ok;
+}
+
+}  // namespace
+
+bool ReadWholeFile(const std::string& path, ByteBuffer& bytes, std::string& error) {
+  return ReadUpTo(path, static_cast<std::size_t>(-1), bytes, error);
 }
 
 bool FileExists(const std::string& path) {
