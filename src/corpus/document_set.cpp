@@ -1,6 +1,7 @@
 #include "corpus/document_set.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "common/file_io.h"
@@ -95,7 +96,10 @@ void DocumentSet::SetDocuments(const std::vector<std::vector<std::string>>& docu
       columns_[f][d] = store_.Store(row[f]);
     }
   }
-  sourcePath_ = ".";  // the table came from no file: the program's working folder stands in
+  // The table came from no file: the program's own folder stands in.
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  sourcePath_ = error ? std::string(".") : program.parent_path().string();
 }
 
 void DocumentSet::ResetTable(int fieldCount, DocIndex rows) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "corpus/corpus_fixtures.h"
 #include "corpus/document_set.h"
 
@@ -84,6 +86,7 @@ TEST(DocumentSetAccess, SetDocumentsUsesTheFormatLayout) {
   EXPECT_EQ(set.FieldName(12), "Link URL");
   EXPECT_EQ(set.Text(2, 2), "t3");
   EXPECT_EQ(set.Text(2, 3), "");
+  EXPECT_TRUE(std::filesystem::is_directory(set.FilePath())) << set.FilePath();
 }
 
 }  // namespace
