@@ -1,0 +1,196 @@
+// Assigning the corpus text to an index and preprocessing it into tokens.
+
+#include <gtest/gtest.h>
+
+#include "index_fixtures.h"
+#include "indexing/term_document_matrix.h"
+
+namespace sylvora {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+struct PreprocessCase {
+  const char* what;
+  std::string text;
+  bool tokeniseOnly;
+  bool keepAbbrevs;
+  std::uint8_t minLen;
+  bool porter;
+  std::string expected;
+};
+
+TEST(Preprocess, TurnsTextIntoCleanTokens) {
+  testing::TempDir dir;
+  const std::string stop = testing::WriteStopList(dir, {"the", "and", "with"});
+  const PreprocessCase cases[] = {
+      {"punctuation and digits separate; the lone t goes", "Don't stop-believing!! 2011", false,
+       false, 3, false, "don stop believing"},
+      {"accented letters separate", "Caf\u00E9 racer", false, false, 3, false, "caf racer"},
+      {"abbreviations kept", "UK uk Uk", false, true, 3, false, "UK"},
+      {"abbreviations folded", "UK uk Uk", false, false, 2, false, "uk uk uk"},
+      {"15 letters kept, 16 removed", "abcdefghijklmno abcdefghijklmnop", false, false, 3, false,
+       "abcdefghijklmno"},
+      {"stop words removed after folding", "The storm and THE flood", false, false, 3, false,
+       "storm flood"},
+      {"tokenise only keeps case and punctuation", "Hello,  World", true, false, 3, false,
+       "Hello, World"},
+      {"tokenise only drops 1-character tokens", "a bc d", true, false, 3, false, "bc"},
+      {"tokenise only ignores the minimum length", "ab abc", true, false, 3, false, "ab abc"},
+      {"stemming", "Flooding roads closed", false, false, 3, true, "flood road close"},
+      {"stemming leaves abbreviations", "NASA launches", false, true, 3, true, "NASA launch"},
+      {"empty text", "", false, true, 3, true, ""},
+      {"no letters", "2011 -- !!", false, true, 3, false, ""},
+      {"minimum 2 keeps two letters", "go to sea", false, false, 2, false, "go to sea"},
+  };
+  for (const PreprocessCase& c : cases) {
+    const DocumentSet corpus = testing::TextCorpus({c.text});
+    TermDocumentMatrix index;
+    DocIndex count = 1;
+    ASSERT_TRUE(index.AssignText(corpus, count, false));
+    ASSERT_TRUE(index.Preprocess(c.tokeniseOnly, c.keepAbbrevs, c.minLen, stop, c.porter));
+    EXPECT_EQ(index.Text(1), c.expected) << c.what;
+    EXPECT_EQ(index.IsStemmed(), c.porter) << c.what;
+  }
+}
+
+TEST(AssignText, JoinsTheExpressedFieldsWithSpaces) {
+  DocumentSet corpus;
+  corpus.SetDocuments({{"d", " ann ", "first  text ", "x", "", ""}, {"d", "bob", "", "", "", ""}},
+                      7, 2);
+  corpus.SetFieldExpressionPattern("0110");
+  TermDocumentMatrix index;
+  DocIndex count = 2;
+  EXPECT_FALSE(index.TextAssigned());
+  index.AssignText(corpus, count, false);
+  EXPECT_TRUE(index.TextAssigned());
+  EXPECT_EQ(index.DocCount(), 2);
+  // " " + " ann " + " " + "first  text " trimmed; inner spaces stay.
+  EXPECT_EQ(testing::Texts(index), (Strings{"ann  first  text", "bob"}));
+  EXPECT_EQ(index.Text(0), "");
+  EXPECT_EQ(index.Text(3), "");
+}
+
+TEST(AssignText, LowersTooLargeADocumentCountForTheCaller) {
+  const DocumentSet corpus = testing::TextCorpus({"one", "two", "three"});
+  TermDocumentMatrix index;
+  DocIndex count = 10;
+  index.AssignText(corpus, count, false);
+  EXPECT_EQ(count, 3);
+  EXPECT_EQ(index.DocCount(), 3);
+
+  TermDocumentMatrix part;
+  DocIndex two = 2;
+  part.AssignText(corpus, two, false);
+  EXPECT_EQ(testing::Texts(part), (Strings{"one", "two"}));
+
+  TermDocumentMatrix none;
+  DocIndex negative = -4;
+  none.AssignText(corpus, negative, false);
+  EXPECT_EQ(negative, 0);
+  EXPECT_FALSE(none.TextAssigned());
+}
+
+TEST(AssignText, AssignsOnlyOnce) {
+  const DocumentSet first = testing::TextCorpus({"first"});
+  const DocumentSet second = testing::TextCorpus({"second", "more", "texts"});
+  TermDocumentMatrix index;
+  DocIndex count = 1;
+  index.AssignText(first, count, false);
+  index.SetVersion(7);
+  count = 99;
+  index.AssignText(second, count, true);
+  EXPECT_EQ(count, 3);  // still clamped
+  EXPECT_TRUE(index.IsURLIndex());
+  EXPECT_EQ(testing::Texts(index), Strings{"first"});
+  EXPECT_EQ(index.Version(), 7);  // the rest of the assignment did not run again
+}
+
+TEST(AssignText, ALinkIndexLosesEverySchemePrefix) {
+  const DocumentSet corpus = testing::TextCorpus(
+      {"http://t.co/a https://example.org/b", "see https://x.io/https://y", "no link"});
+  TermDocumentMatrix index;
+  DocIndex count = 3;
+  index.AssignText(corpus, count, true);
+  EXPECT_TRUE(index.IsURLIndex());
+  EXPECT_EQ(testing::Texts(index), (Strings{"t.co/a example.org/b", "see x.io/y", "no link"}));
+}
+
+TEST(AssignText, BasePathIsTheCorpusPathUpToItsFirstDot) {
+  testing::TempDir dir;
+  std::filesystem::create_directory(dir.Path() / "data.old");
+  const DocumentSet corpus = testing::TextCorpusFile(dir, "data.old/tweets.txt", {"text", "more"});
+  TermDocumentMatrix index;
+  DocIndex count = 1;
+  index.AssignText(corpus, count, false);
+  EXPECT_EQ(index.BasePath(), (dir.Path() / "data").string());
+  EXPECT_EQ(index.FilePath(), (dir.Path() / "data_0.tdm").string());
+}
+
+TEST(AssignText, APathWithoutADotGetsTemp) {
+  DocumentSet corpus;
+  corpus.SetDocuments({{"", "", "text", "", "", ""}}, 7, 1);
+  ASSERT_EQ(corpus.FilePath().find('.'), std::string::npos) << corpus.FilePath();
+  TermDocumentMatrix index;
+  DocIndex count = 1;
+  index.AssignText(corpus, count, false);
+  EXPECT_EQ(index.BasePath(), "/temp");
+  EXPECT_EQ(index.Version(), 0);
+}
+
+TEST(Preprocess, WithoutTextOnlyMarksStemming) {
+  TermDocumentMatrix index;
+  EXPECT_TRUE(index.Preprocess(false, true, 3, "/no/such/stop/list", true));
+  EXPECT_TRUE(index.IsStemmed());
+  EXPECT_EQ(index.StopWordCount(), 0);
+}
+
+TEST(Preprocess, AMissingStopListIsAnErrorAndTheTextStaysUnprocessed) {
+  const DocumentSet corpus = testing::TextCorpus({"The Storm, again!"});
+  TermDocumentMatrix index;
+  DocIndex count = 1;
+  index.AssignText(corpus, count, false);
+  EXPECT_THROW(index.Preprocess(false, true, 3, "/no/such/stop/list.txt", true), StopListError);
+  EXPECT_EQ(index.Text(1), "The Storm, again!");
+  EXPECT_FALSE(index.IsStemmed());
+  // Splitting at spaces needs no stop list.
+  EXPECT_TRUE(index.Preprocess(true, false, 3, "/no/such/stop/list.txt", false));
+  EXPECT_EQ(index.Text(1), "The Storm, again!");
+}
+
+TEST(Preprocess, LoadsTheStopListOnceWithTheFirstMinimumLength) {
+  testing::TempDir dir;
+  const std::string stop = testing::WriteStopList(dir, {"to", "the"});
+  const DocumentSet corpus = testing::TextCorpus({"to the sea"});
+  TermDocumentMatrix index;
+  DocIndex count = 1;
+  index.AssignText(corpus, count, false);
+  index.Preprocess(false, false, 2, stop, false);
+  EXPECT_EQ(index.StopWordCount(), 2);
+  EXPECT_EQ(index.Text(1), "sea");
+  // A second run reads no file: the path no longer exists and the words stay.
+  std::filesystem::remove(stop);
+  EXPECT_TRUE(index.Preprocess(false, false, 3, stop, false));
+  EXPECT_EQ(index.StopWordCount(), 2);
+}
+
+TEST(Preprocess, ACancelLeavesTheTextAsItWas) {
+  std::vector<std::string> texts(10000, "Some Words Here");
+  const DocumentSet corpus = testing::TextCorpus(texts);
+  TermDocumentMatrix index;
+  DocIndex count = corpus.DocumentCount();
+  index.AssignText(corpus, count, false);
+  int calls = 0;
+  const ProgressCallback cancel = [&](std::string_view, std::int64_t, std::int64_t) {
+    ++calls;
+    return false;
+  };
+  EXPECT_FALSE(index.Preprocess(true, false, 3, "", true, cancel));
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(index.Text(1), "Some Words Here");
+  EXPECT_EQ(index.Text(10000), "Some Words Here");
+  EXPECT_FALSE(index.IsStemmed());
+}
+
+}  // namespace
+}  // namespace sylvora

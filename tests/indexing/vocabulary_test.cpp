@@ -1,0 +1,140 @@
+// Term numbering by first-letter bucket and first appearance, and the per-bucket slot limit.
+
+#include <gtest/gtest.h>
+
+#include "index_fixtures.h"
+#include "indexing/term_document_matrix.h"
+
+namespace sylvora {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+TEST(BuildVocab, NumbersTermsByBucketThenFirstAppearance) {
+  const TermDocumentMatrix index = testing::SpaceIndex({"cat dog", "dog eel"});
+  EXPECT_EQ(testing::Terms(index), (Strings{"cat", "dog", "eel"}));
+  EXPECT_EQ(index.LetterStart(0), 1);
+  EXPECT_EQ(index.LetterStart(3), 1);  // c
+  EXPECT_EQ(index.LetterStart(4), 2);  // d
+  EXPECT_EQ(index.LetterStart(5), 3);  // e
+  EXPECT_EQ(index.LetterStart(6), 4);  // empty buckets point at the next free number
+  EXPECT_EQ(index.LetterStart(26), 4);
+  EXPECT_EQ(index.LetterStart(27), 4);
+  EXPECT_EQ(index.LetterStart(28), 0);
+  EXPECT_EQ(index.LetterStart(-1), 0);
+}
+
+TEST(BuildVocab, OrderIsNotAlphabetical) {
+  const TermDocumentMatrix index =
+      testing::SpaceIndex({"zoo banana apple", "Zebra 9lives avocado _x", "apple cherry"});
+  // Bucket 0 (anything not starting with a..z) first, in order of appearance.
+  EXPECT_EQ(testing::Terms(index),
+            (Strings{"Zebra", "9lives", "_x", "apple", "avocado", "banana", "cherry", "zoo"}));
+  EXPECT_EQ(index.LetterStart(1), 4);
+  EXPECT_EQ(index.LetterStart(2), 6);
+  EXPECT_EQ(index.LetterStart(3), 7);
+  EXPECT_EQ(index.LetterStart(26), 8);
+  EXPECT_EQ(index.LetterStart(27), 9);
+}
+
+TEST(BuildVocab, AFullBucketDropsNewTermsSilently) {
+  // Two slots per bucket: "ax" and "ay" fill bucket a; "az" and later "aw" are dropped, while
+  // bucket b still takes its two.
+  const TermDocumentMatrix index =
+      testing::SpaceIndex({"ax ay az", "bx ax aw", "by bz ay"}, 1, true);
+  EXPECT_EQ(testing::Terms(index), (Strings{"ax", "ay", "bx", "by"}));
+  EXPECT_EQ(index.DocFreq(1), 2);  // ax
+  EXPECT_EQ(index.DocFreq(2), 2);  // ay
+  // The dropped tokens are not counted anywhere.
+  EXPECT_EQ(index.Matrix().Vector(1)->NZElementCount(), 2);
+  EXPECT_EQ(index.Matrix().Vector(3)->NZElementCount(), 2);
+}
+
+TEST(BuildVocab, AThousandSlotsPerBucketAtMost) {
+  std::string text;
+  for (int i = 0; i < 1200; ++i) text += "w" + std::to_string(i) + " ";
+  text += "x1 w5";
+  const TermDocumentMatrix index = testing::SpaceIndex({text}, 999);
+  EXPECT_EQ(index.TermCount(), 1001);
+  EXPECT_EQ(index.Term(1000), "w999");
+  EXPECT_EQ(index.Term(1001), "x1");
+  EXPECT_EQ(index.TermIndex("w1000"), -1);
+}
+
+TEST(BuildVocab, NoTokensGiveThePlaceholderFoo) {
+  for (const Strings& texts : {Strings{""}, Strings{"", " "}, Strings{"a b c"}}) {
+    const TermDocumentMatrix index = testing::SpaceIndex(texts);
+    EXPECT_EQ(testing::Terms(index), Strings{"foo"});
+    EXPECT_EQ(index.LetterStart(6), 1);
+    EXPECT_EQ(index.LetterStart(7), 2);
+    EXPECT_EQ(index.LetterStart(27), 2);
+  }
+}
+
+TEST(BuildVocab, AnotherGramLengthBuildsOnlyThePlaceholder) {
+  const DocumentSet corpus = testing::TextCorpus({"cat foo dog", "foo foo"});
+  TermDocumentMatrix index;
+  DocIndex count = 2;
+  index.AssignText(corpus, count, false);
+  ASSERT_TRUE(index.BuildVocab(3, 999));
+  EXPECT_EQ(testing::Terms(index), Strings{"foo"});
+  // The placeholder is matched like any term when the text holds it.
+  ASSERT_TRUE(index.BuildTDM(1, 10));
+  EXPECT_EQ(index.DocFreq(1), 2);
+  EXPECT_EQ(index.GlobalFreq(1), 3);
+}
+
+TEST(BuildVocab, NoSlotsAtAllStillGiveFoo) {
+  const TermDocumentMatrix index = testing::SpaceIndex({"cat dog"}, -1, true);
+  EXPECT_EQ(testing::Terms(index), Strings{"foo"});
+  EXPECT_EQ(index.DocFreq(1), 0);
+}
+
+TEST(BuildVocab, CalledAgainStartsOver) {
+  const DocumentSet corpus = testing::TextCorpus({"cat dog", "dog eel"});
+  TermDocumentMatrix index;
+  DocIndex count = 2;
+  index.AssignText(corpus, count, false);
+  index.BuildVocab(0, 999);
+  index.BuildVocab(0, 0);  // one slot per bucket
+  EXPECT_EQ(testing::Terms(index), (Strings{"cat", "dog", "eel"}));
+  index.BuildVocab(0, 999);
+  EXPECT_EQ(index.TermCount(), 3);
+}
+
+TEST(TermIndex, FindsTermsAndStemsTheQueryOfAStemmedIndex) {
+  testing::TempDir dir;
+  const std::string stop = testing::WriteStopList(dir, {"the"});
+  const DocumentSet corpus = testing::TextCorpus({"The flooding continues", "flooded roads"});
+  TermDocumentMatrix index;
+  DocIndex count = 2;
+  index.AssignText(corpus, count, false);
+  index.Preprocess(false, true, 3, stop, true);
+  index.BuildVocab(0, 999);
+  ASSERT_EQ(testing::Terms(index), (Strings{"continu", "flood", "road"}));
+  EXPECT_EQ(index.TermIndex("flood"), 2);
+  EXPECT_EQ(index.TermIndex("flooding"), 2);
+  EXPECT_EQ(index.TermIndex("floods"), 2);
+  EXPECT_EQ(index.TermIndex("roads"), 3);
+  EXPECT_EQ(index.TermIndex("Flood"), -1);  // case-sensitive
+  EXPECT_EQ(index.TermIndex(""), -1);
+
+  const TermDocumentMatrix plain = testing::SpaceIndex({"flooding roads"});
+  EXPECT_EQ(plain.TermIndex("flooding"), 1);
+  EXPECT_EQ(plain.TermIndex("flood"), -1);
+}
+
+TEST(Term, OutOfRangeGivesTheEmptyText) {
+  const TermDocumentMatrix index = testing::SpaceIndex({"cat dog"});
+  EXPECT_EQ(index.Term(0), "");
+  EXPECT_EQ(index.Term(-5), "");
+  EXPECT_EQ(index.Term(3), "");
+  EXPECT_EQ(index.Term(2), "dog");
+  const TermDocumentMatrix empty;
+  EXPECT_EQ(empty.Term(1), "");
+  EXPECT_EQ(empty.TermIndex("x"), -1);
+  EXPECT_EQ(empty.TermCount(), 0);
+}
+
+}  // namespace
+}  // namespace sylvora
