@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/index_command.h"
 #include "cli/load_command.h"
 
 namespace {
@@ -12,6 +13,7 @@ constexpr const char* kUsage =
     "usage: sylvora-cli COMMAND [ARGS]\n"
     "commands:\n"
     "  load FILE    load a tweet export and print a summary of the corpus\n"
+    "  index FILE   load a tweet export, build its five term indexes and print their top terms\n"
     "run 'sylvora-cli COMMAND --help' for a command's options\n";
 
 }  // namespace
@@ -25,6 +27,7 @@ int main(int argc, char** argv) {
   const std::string command = arguments[0];
   arguments.erase(arguments.begin());
   if (command == "load") return sylvora::cli::RunLoadCommand(arguments, std::cout, std::cerr);
+  if (command == "index") return sylvora::cli::RunIndexCommand(arguments, std::cout, std::cerr);
   std::cerr << "Unknown command \"" << command << "\"\n" << kUsage;
   return 2;
 }

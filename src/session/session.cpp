@@ -11,4 +11,35 @@ std::string_view CorpusFormatName(CorpusFormat format) {
   return "";
 }
 
+TermDocumentMatrix& Session::Index(IndexKind kind) {
+  return const_cast<TermDocumentMatrix&>(static_cast<const Session&>(*this).Index(kind));
+}
+
+const TermDocumentMatrix& Session::Index(IndexKind kind) const {
+  switch (kind) {
+    case IndexKind::kWords: return words_;
+    case IndexKind::kLinks: return links_;
+    case IndexKind::kHashtags: return hashtags_;
+    case IndexKind::kMentions: return mentions_;
+    case IndexKind::kUsers: return users_;
+  }
+  return words_;
+}
+
+void Session::ClearIndexes() {
+  for (const IndexKind kind : kIndexKinds) Index(kind) = TermDocumentMatrix();
+  indexed_ = false;
+}
+
+std::string_view IndexKindName(IndexKind kind) {
+  switch (kind) {
+    case IndexKind::kWords: return "words";
+    case IndexKind::kLinks: return "links";
+    case IndexKind::kHashtags: return "hashtags";
+    case IndexKind::kMentions: return "mentions";
+    case IndexKind::kUsers: return "users";
+  }
+  return "";
+}
+
 }  // namespace sylvora

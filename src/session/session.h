@@ -3,10 +3,13 @@
 // hands to each workflow (load, index, build models, build maps) in turn. A workflow runs on
 // a worker thread with exclusive use of the session and gives it back when it ends.
 
+#include <array>
 #include <string>
+#include <string_view>
 
 #include "common/numbering.h"
 #include "corpus/document_set.h"
+#include "indexing/term_document_matrix.h"
 
 namespace sylvora {
 
@@ -24,6 +27,12 @@ struct CorpusInfo {
   std::string filePath;
 };
 
+// The five term indexes of the indexing workflow, in the order it builds them.
+enum class IndexKind { kWords, kLinks, kHashtags, kMentions, kUsers };
+inline constexpr std::array<IndexKind, 5> kIndexKinds = {IndexKind::kWords, IndexKind::kLinks,
+                                                         IndexKind::kHashtags, IndexKind::kMentions,
+                                                         IndexKind::kUsers};
+
 class Session {
  public:
   DocumentSet& Documents() { return documents_; }
@@ -32,10 +41,41 @@ class Session {
   CorpusInfo& Corpus() { return corpus_; }
   const CorpusInfo& Corpus() const { return corpus_; }
 
+  // The term indexes over the corpus, replaced whole by every indexing run (BuildIndexes,
+  // corpus_index.h); empty (no terms) until the first run. They describe the corpus as it was
+  // indexed: a workflow that replaces the corpus calls ClearIndexes.
+  TermDocumentMatrix& WordIndex() { return words_; }
+  const TermDocumentMatrix& WordIndex() const { return words_; }
+  TermDocumentMatrix& HashtagIndex() { return hashtags_; }
+  const TermDocumentMatrix& HashtagIndex() const { return hashtags_; }
+  TermDocumentMatrix& LinkIndex() { return links_; }
+  const TermDocumentMatrix& LinkIndex() const { return links_; }
+  TermDocumentMatrix& MentionIndex() { return mentions_; }
+  const TermDocumentMatrix& MentionIndex() const { return mentions_; }
+  TermDocumentMatrix& UserIndex() { return users_; }
+  const TermDocumentMatrix& UserIndex() const { return users_; }
+  TermDocumentMatrix& Index(IndexKind kind);
+  const TermDocumentMatrix& Index(IndexKind kind) const;
+
+  // True once an indexing run has completed and until ClearIndexes.
+  bool Indexed() const { return indexed_; }
+  void SetIndexed(bool indexed) { indexed_ = indexed; }
+  // Replaces the five indexes by empty ones.
+  void ClearIndexes();
+
  private:
   DocumentSet documents_;
   CorpusInfo corpus_;
+  TermDocumentMatrix words_;
+  TermDocumentMatrix hashtags_;
+  TermDocumentMatrix links_;
+  TermDocumentMatrix mentions_;
+  TermDocumentMatrix users_;
+  bool indexed_ = false;
 };
+
+// "words", "links", "hashtags", "mentions" or "users".
+std::string_view IndexKindName(IndexKind kind);
 
 // "Twitter", "Twitter1.1" or "Radian 6".
 std::string_view CorpusFormatName(CorpusFormat format);

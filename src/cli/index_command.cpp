@@ -1,0 +1,203 @@
+#include "cli/index_command.h"
+
+#include <filesystem>
+#include <iomanip>
+
+#include "cli/command_line.h"
+#include "cli/stream_notifier.h"
+#include "common/file_io.h"
+#include "session/corpus_index.h"
+#include "session/corpus_load.h"
+
+namespace sylvora::cli {
+namespace {
+
+constexpr const char* kUsage =
+    "usage: sylvora-cli index FILE [--radian] [--unit s|n|h|d|ww] [--min-doc-len N]\n"
+    "                              [--max-docs N] [--min-df N] [--max-df N] [--min-chars N]\n"
+    "                              [--no-porter] [--no-abbrev] [--allow-numbers]\n"
+    "                              [--secondary-min-df N] [--stop-list PATH]\n";
+
+constexpr std::size_t kTopTerms = 20;
+
+// The indexes in the order of the window's term-list tabs.
+constexpr IndexKind kPrintOrder[] = {IndexKind::kWords, IndexKind::kHashtags, IndexKind::kLinks,
+                                     IndexKind::kMentions, IndexKind::kUsers};
+
+const char* Heading(IndexKind kind) {
+  switch (kind) {
+    case IndexKind::kWords:
+      return "Words";
+    case IndexKind::kHashtags:
+      return "Tags";
+    case IndexKind::kLinks:
+      return "Links";
+    case IndexKind::kMentions:
+      return "Mentions";
+    case IndexKind::kUsers:
+      return "Users";
+  }
+  return "";
+}
+
+void PrintIndex(std::ostream& out, IndexKind kind, const TermDocumentMatrix& index) {
+  out << Heading(kind) << " (" << index.TermCount() << " terms)\n";
+  out << "  " << std::setw(7) << "DF"
+      << "  " << std::setw(7) << "GF"
+      << "  term\n";
+  for (const std::int32_t t : TermsByDocumentFrequency(index, kTopTerms)) {
+    out << "  " << std::setw(7) << index.DocFreq(t) << "  " << std::setw(7) << index.GlobalFreq(t)
+        << "  " << index.Term(t) << '\n';
+  }
+}
+
+void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages) {
+  out << "Stage times:\n";
+  double total = 0;
+  const auto line = [&](const std::string& stage, double seconds) {
+    out << "  " << std::left << std::setw(22) << stage << std::right << std::fixed
+        << std::setprecision(3) << seconds << " s\n";
+  };
+  for (const auto& stage : stages) {
+    line(stage.stage, stage.seconds);
+    total += stage.seconds;
+  }
+  line("total", total);
+  out.unsetf(std::ios::fixed);
+}
+
+struct ParsedOptions {
+  LoadOptions load;
+  IndexOptions index;
+};
+
+// False, with a message on `err`, when a flag is out of range.
+bool ReadOptions(CommandLine& line, ParsedOptions& options, std::ostream& err) {
+  options.load.path = line.Positional()[0];
+  options.load.radian = line.Has("radian");
+  options.load.unitCode = line.Value("unit", "h");
+  const auto minDocLen = line.Number("min-doc-len", 64);
+  const auto maxDocs = line.Number("max-docs", 0);
+  const auto minChars = line.Number("min-chars", 3);
+  const auto secondary = line.Number("secondary-min-df", 2);
+  const auto minDF = line.Number("min-df", -1);
+  const auto maxDF = line.Number("max-df", -1);
+  if (!minDocLen || !maxDocs || !minChars || !secondary || !minDF || !maxDF) {
+    err << line.Error() << '\n';
+    return false;
+  }
+  if (*minChars < 0 || *minChars > 255) {
+    err << "--min-chars takes a whole number from 0 to 255\n";
+    return false;
+  }
+  for (const auto& [name, value] : {std::pair{"min-doc-len", *minDocLen},
+                                    {"max-docs", *maxDocs},
+                                    {"secondary-min-df", *secondary},
+                                    {"min-df", *minDF},
+                                    {"max-df", *maxDF}}) {
+    if (line.Has(name) && (value < 0 || value > INT32_MAX)) {
+      err << "--" << name << " takes a whole number from 0 to " << INT32_MAX << '\n';
+      return false;
+    }
+  }
+  options.load.minDocLen = static_cast<int>(*minDocLen);
+  options.load.maxDocCount = static_cast<int>(*maxDocs);
+  options.index.minChars = static_cast<int>(*minChars);
+  options.index.secondaryMinDocFrequency = static_cast<std::int32_t>(*secondary);
+  if (line.Has("min-df")) options.index.minDocFrequency = static_cast<std::int32_t>(*minDF);
+  if (line.Has("max-df")) options.index.maxDocFrequency = static_cast<double>(*maxDF);
+  options.index.porter = !line.Has("no-porter");
+  options.index.abbreviations = !line.Has("no-abbrev");
+  options.index.allowNumbers = line.Has("allow-numbers");
+  options.index.stopListPath = line.Value("stop-list", DefaultStopListPath());
+  return true;
+}
+
+const char* OnOff(bool on) { return on ? "on" : "off"; }
+
+}  // namespace
+
+std::string DefaultStopListPath() {
+  namespace fs = std::filesystem;
+  std::vector<fs::path> candidates;
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  if (!error) candidates.push_back(program.parent_path() / "common_words.txt");
+  candidates.push_back(fs::current_path(error) / "data" / "common_words.txt");
+#ifdef SYLVORA_SOURCE_DIR
+  candidates.push_back(fs::path(SYLVORA_SOURCE_DIR) / "data" / "common_words.txt");
+#endif
+  for (const fs::path& candidate : candidates) {
+    if (FileExists(candidate.string())) return candidate.lexically_normal().string();
+  }
+  return {};
+}
+
+int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out,
+                    std::ostream& err) {
+  const std::set<std::string> valueOptions = {
+      "unit",   "min-doc-len", "max-docs",         "min-df",
+      "max-df", "min-chars",   "secondary-min-df", "stop-list"};
+  const std::set<std::string> switches = {"radian",    "yes",       "help",
+                                          "no-porter", "no-abbrev", "allow-numbers"};
+  CommandLine line(valueOptions, switches);
+  const bool parsed = line.Parse(arguments);
+  if (parsed && line.Has("help")) {
+    out << kUsage;
+    return 0;
+  }
+  if (!parsed || line.Positional().size() != 1) {
+    err << (line.Error().empty() ? "index takes one corpus file" : line.Error()) << '\n' << kUsage;
+    return 2;
+  }
+  ParsedOptions options;
+  if (!ReadOptions(line, options, err)) {
+    err << kUsage;
+    return 2;
+  }
+  if (options.index.stopListPath.empty()) {
+    err << "Error: no stop list found (looked for common_words.txt beside the program, in ./data "
+           "and in the source tree); name one with --stop-list PATH\n";
+    return 1;
+  }
+  if (options.index.allowNumbers) {
+    err << "Note: --allow-numbers changes nothing: digits always separate tokens\n";
+  }
+
+  Session session;
+  StreamNotifier notifier(err, line.Has("yes"));
+  const LoadReport load = LoadCorpus(session, options.load, notifier);
+  if (!load.loaded) {
+    err << "Error: " << load.error << '\n';
+    return 1;
+  }
+  for (const auto& warning : load.warnings) err << "Warning: " << warning << '\n';
+
+  const IndexReport report = BuildIndexes(session, options.index);
+  if (!report.indexed) {
+    err << "Error: " << report.error << '\n';
+    return 1;
+  }
+
+  out << "Corpus:    " << session.Documents().FilePath() << '\n';
+  out << "Documents: " << session.Documents().DocumentCount() << '\n';
+  out << "Stop list: " << options.index.stopListPath << '\n';
+  out << "Word index: " << report.wordDocuments << " documents, Min DF " << report.minDocFrequency
+      << ", Max DF " << report.maxDocFrequency << ", Min Chars " << options.index.minChars
+      << ", Porter stemming " << OnOff(options.index.porter) << ", abbreviations "
+      << OnOff(options.index.abbreviations) << '\n';
+  out << "Other indexes: Min DF " << options.index.secondaryMinDocFrequency << '\n';
+  for (const IndexKind kind : kPrintOrder) {
+    out << '\n';
+    PrintIndex(out, kind, session.Index(kind));
+  }
+  out << '\n';
+  std::vector<StageTiming> stages;
+  for (const StageTiming& stage : load.stages)
+    stages.push_back({"load: " + stage.stage, stage.seconds});
+  stages.insert(stages.end(), report.stages.begin(), report.stages.end());
+  PrintStages(out, stages);
+  return 0;
+}
+
+}  // namespace sylvora::cli
