@@ -42,9 +42,8 @@ int CharacterCode(char32_t cp) {
   return code >= 0 ? code : static_cast<int>(cp);
 }
 
-bool IsAsciiSeparator(unsigned char byte) { return IsSeparatorCode(byte); }
-
 bool IsTokenSeparator(char32_t cp) {
+  if (cp < 0x80) return IsAsciiSeparator(static_cast<unsigned char>(cp));
   if (cp < kTableSize) return SeparatorTable()[cp];
   return IsSeparatorCode(Windows1252Code(cp));
 }

@@ -7,6 +7,7 @@
 //
 // All functions are pure, cheap (a table look-up for ASCII) and never fail.
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -20,8 +21,17 @@ int CharacterCode(char32_t cp);
 // 0, the letters A-Z and a-z, "ÿ" (255) and every character outside the code page are not.
 bool IsTokenSeparator(char32_t cp);
 
-// Separator test for one byte of ASCII (below 0x80).
-bool IsAsciiSeparator(unsigned char byte);
+// Separator test for one byte of ASCII (below 0x80), by table.
+inline bool IsAsciiSeparator(unsigned char byte) {
+  static constexpr std::array<bool, 128> kTable = [] {
+    std::array<bool, 128> table{};
+    for (int c = 1; c < 128; ++c) {
+      table[static_cast<std::size_t>(c)] = c <= 64 || (c >= 91 && c <= 96) || c >= 123;
+    }
+    return table;
+  }();
+  return kTable[byte & 0x7F];
+}
 
 // The lower-case form of a character: A-Z, the upper-case letters of the code page (À..Þ,
 // Š, Œ, Ž, Ÿ), and outside it the upper-case letters of Latin Extended-A, basic Greek,

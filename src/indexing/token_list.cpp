@@ -64,6 +64,11 @@ namespace {
 
 // The code of the character at byte `pos` and its byte length.
 int CodeAt(std::string_view token, std::size_t pos, std::size_t& length) {
+  const auto byte = static_cast<unsigned char>(token[pos]);
+  if (byte < 0x80) {
+    length = 1;
+    return byte;
+  }
   return CharacterCode(DecodeUtf8At(token, pos, length));
 }
 
