@@ -87,13 +87,20 @@ TEST(LowerCase, NeverChangesTheUtf8LengthOfAnyBmpCharacter) {
 
 TEST(FirstLetterBucket, LettersAToZAreBuckets1To26AndAllElseBucket0) {
   const std::pair<const char*, int> cases[] = {
-      {"apple", 1},   {"cat", 3},     {"zebra", 26}, {"Apple", 0},
-      {"9lives", 0},  {"", 0},        {"_x", 0},     {"\u00E9t\u00E9", 0},  // é is code 233
-      {"\u0161", 0},                   // š is code 154, not 0x61
-      {"\u0161", 0},  {"\u0461x", 1},  // a code point outside the code page: its low 8 bits (0x61,
-                                       // "a")
-      {"\u03C9", 0},                   // ω: low 8 bits 0xC9
-      {"\u00FFa", 0},                  // ÿ is code 255
+      {"apple", 1},
+      {"cat", 3},
+      {"zebra", 26},
+      {"Apple", 0},
+      {"9lives", 0},
+      {"", 0},
+      {"_x", 0},
+      {"\u00E9t\u00E9", 0},  // é is code 233
+      {"\u0161", 0},         // š is code 154, not 0x61
+      {"\u0161", 0},
+      {"\u0461x", 1},  // a code point outside the code page: its low 8 bits (0x61,
+                       // "a")
+      {"\u03C9", 0},   // ω: low 8 bits 0xC9
+      {"\u00FFa", 0},  // ÿ is code 255
   };
   for (const auto& [term, bucket] : cases) EXPECT_EQ(FirstLetterBucket(term), bucket) << term;
 }

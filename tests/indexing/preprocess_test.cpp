@@ -107,13 +107,15 @@ TEST(AssignText, AssignsOnlyOnce) {
 }
 
 TEST(AssignText, ALinkIndexLosesEverySchemePrefix) {
-  const DocumentSet corpus = testing::TextCorpus(
-      {"http://t.co/a https://example.org/b", "see https://x.io/https://y", "no link"});
+  // "http://" goes first, then "https://": removing the first can make the second.
+  const DocumentSet corpus =
+      testing::TextCorpus({"http://t.co/a https://example.org/b", "see https://x.io/https://y",
+                           "no link", "htthttp://ps://z"});
   TermDocumentMatrix index;
-  DocIndex count = 3;
+  DocIndex count = 4;
   index.AssignText(corpus, count, true);
   EXPECT_TRUE(index.IsURLIndex());
-  EXPECT_EQ(testing::Texts(index), (Strings{"t.co/a example.org/b", "see x.io/y", "no link"}));
+  EXPECT_EQ(testing::Texts(index), (Strings{"t.co/a example.org/b", "see x.io/y", "no link", "z"}));
 }
 
 TEST(AssignText, BasePathIsTheCorpusPathUpToItsFirstDot) {

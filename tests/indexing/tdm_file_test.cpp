@@ -68,6 +68,20 @@ TEST(SaveTDM, WritesWeightsInTheGeneralNumberForm) {
   EXPECT_NE(text.find("bb\t1.38629436111989\t0\t0\t0\r\n"), std::string::npos) << text;
 }
 
+TEST(SaveTDM, WritesSmallAndLargeWeightsInExponentForm) {
+  testing::TempDir dir;
+  dir.WriteFile("tweets_0.tdm",
+                "1\t4\tWeight=0\tNormalise=False\r\nterm\t1E-05\t0.25\t3\t2251799813685248\r\n");
+  TermDocumentMatrix index = EmptyIndex(dir, 4);
+  index.LoadTDM(false);
+  index.SetVersion(1);
+  ASSERT_TRUE(index.SaveTDM(0, false, false, false));
+  // The cells are floats: 1E-05 is stored as 9.99999974737875E-06; 2^51 is exact.
+  EXPECT_EQ(testing::ReadFile(Path(dir, "tweets_1.tdm")),
+            "1\t4\tWeight=0\tNormalise=False\r\nterm\t9.99999974737875E-06\t0.25\t3\t2."
+            "25179981368525E+15\r\n");
+}
+
 TEST(SaveTDM, DenseWritesTheHeaderOnly) {
   testing::TempDir dir;
   TermDocumentMatrix index = BuiltIndex(dir);

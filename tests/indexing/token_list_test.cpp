@@ -103,6 +103,13 @@ struct LengthCase {
   Strings tokens;
 };
 
+TEST(FoldCase, AbbreviationsAreTokensWhoseSecondCodeIsBelow97) {
+  TokenList tokens;
+  SplitOnSpaces("X`Y Xa\u00FF XaY", tokens);  // codes 96, 97 and 97
+  FoldCase(tokens, true);
+  EXPECT_EQ(tokens.Strings(), (Strings{"X`Y", "xa\u00FF", "xay"}));
+}
+
 TEST(FilterTokenLength, AppliesTheMinimumToLowerCaseStartsAndTheMaximumToAll) {
   const LengthCase cases[] = {
       {"to tea UK Ok", 3, {"", "tea", "UK", "Ok"}},
@@ -120,6 +127,14 @@ TEST(FilterTokenLength, AppliesTheMinimumToLowerCaseStartsAndTheMaximumToAll) {
     FilterTokenLength(tokens, c.minLen);
     EXPECT_EQ(tokens.Strings(), c.tokens) << c.text << " minLen " << c.minLen;
   }
+}
+
+TEST(FilterTokenLength, TheMinimumStartsAtCode97) {
+  // Tokens split at spaces may start with any character: "`" (code 96) is exempt, "a" (97) not.
+  TokenList tokens;
+  SplitOnSpaces("`x ax Ax", tokens);
+  FilterTokenLength(tokens, 3);
+  EXPECT_EQ(tokens.Strings(), (Strings{"`x", "", "Ax"}));
 }
 
 TEST(FilterTokenLength, CountsCharactersForTheMaximum) {

@@ -50,6 +50,32 @@ TEST(TermWeight, WeighsByTheScheme) {
   }
 }
 
+TEST(TermWeight, NormalisesByARunningMaximumRoundedAtEachNewHigh) {
+  // Cells of document 1 in term order: 2.4 (maximum 2), 2.45 (above 2: rounds to 2 again),
+  // 2.6 (above 2: maximum 3). Document 2 holds 0.4 only: its maximum rounds to 0.
+  testing::TempDir dir;
+  const DocumentSet corpus = testing::TextCorpusFile(dir, "n.txt", {"x", "y"});
+  dir.WriteFile("n_0.tdm",
+                "3\t2\tWeight=0\tNormalise=True\r\n"
+                "a\t2.4\t0.4\r\nb\t2.45\t0\r\nc\t2.6\t0\r\n");
+  TermDocumentMatrix index;
+  DocIndex count = 2;
+  index.AssignText(corpus, count, false);
+  index.LoadTDM(false);
+  EXPECT_DOUBLE_EQ(index.TermWeight(1, 1, 0, true), static_cast<double>(2.4f / 3.0f));
+  EXPECT_DOUBLE_EQ(index.TermWeight(3, 1, 0, true), static_cast<double>(2.6f / 3.0f));
+  EXPECT_EQ(index.TermWeight(1, 2, 0, true), 0.0);
+
+  // With 2.4 and then 2.45 alone the maximum stays 2.
+  dir.WriteFile("n_1.tdm", "2\t1\tWeight=0\tNormalise=True\r\na\t2.4\r\nb\t2.45\r\n");
+  TermDocumentMatrix second;
+  DocIndex two = 2;
+  second.AssignText(corpus, two, false);
+  second.SetVersion(1);
+  second.LoadTDM(false);
+  EXPECT_DOUBLE_EQ(second.TermWeight(2, 1, 0, true), static_cast<double>(2.45f / 2.0f));
+}
+
 TEST(TermWeight, NormalisingAnEmptyDocumentGivesZero) {
   const TermDocumentMatrix index = testing::SpaceIndex({"aa", ""}, 999, true, 1, 2);
   EXPECT_EQ(index.TermWeight(1, 2, 0, true), 0.0);
