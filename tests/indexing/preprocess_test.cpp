@@ -36,6 +36,7 @@ TEST(Preprocess, TurnsTextIntoCleanTokens) {
       {"tokenise only keeps case and punctuation", "Hello,  World", true, false, 3, false,
        "Hello, World"},
       {"tokenise only drops 1-character tokens", "a bc d", true, false, 3, false, "bc"},
+      {"a 1-character token of 2 bytes is dropped too", "\u00E9 bc", true, false, 3, false, "bc"},
       {"tokenise only ignores the minimum length", "ab abc", true, false, 3, false, "ab abc"},
       {"stemming", "Flooding roads closed", false, false, 3, true, "flood road close"},
       {"stemming leaves abbreviations", "NASA launches", false, true, 3, true, "NASA launch"},

@@ -28,6 +28,7 @@ TEST(StopList, ReadsOneWordPerLineWithAnyLineEnd) {
       {"no trimming, no case change", " the\nThe \n", 3, {" the", "The "}},
       {"empty file", "", 3, {}},
       {"UTF-8 kept", "caf\u00E9\n", 3, {"caf\u00E9"}},
+      {"lengths in characters", "\u00E9a\n\u00E9ab\n", 3, {"\u00E9ab"}},
       {"Windows-1252 decoded", "caf\xE9\n", 3, {"caf\u00E9"}},
   };
   for (const StopListCase& c : cases) {
