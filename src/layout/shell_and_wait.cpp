@@ -1,0 +1,167 @@
+#include "layout/shell_and_wait.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+extern char** environ;
+
+namespace sylvora {
+namespace {
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+// posix_spawn attributes and file actions, released on every path out.
+class SpawnSetup {
+ public:
+  SpawnSetup() {
+    attrOk_ = posix_spawnattr_init(&attr_) == 0;
+    actionsOk_ = posix_spawn_file_actions_init(&actions_) == 0;
+  }
+  ~SpawnSetup() {
+    if (attrOk_) posix_spawnattr_destroy(&attr_);
+    if (actionsOk_) posix_spawn_file_actions_destroy(&actions_);
+  }
+  SpawnSetup(const SpawnSetup&) = delete;
+  SpawnSetup& operator=(const SpawnSetup&) = delete;
+
+  // Own process group (so that a time-out can stop the program's children too), default
+  // signal mask, and the three standard streams on /dev/null.
+  bool Prepare() {
+    if (!attrOk_ || !actionsOk_) return false;
+    sigset_t none;
+    sigemptyset(&none);
+    sigset_t defaults;
+    sigemptyset(&defaults);
+    sigaddset(&defaults, SIGPIPE);
+    sigaddset(&defaults, SIGINT);
+    sigaddset(&defaults, SIGTERM);
+    short flags = POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+    if (posix_spawnattr_setflags(&attr_, flags) != 0) return false;
+    if (posix_spawnattr_setpgroup(&attr_, 0) != 0) return false;
+    if (posix_spawnattr_setsigmask(&attr_, &none) != 0) return false;
+    if (posix_spawnattr_setsigdefault(&attr_, &defaults) != 0) return false;
+    if (posix_spawn_file_actions_addopen(&actions_, 0, "/dev/null", O_RDONLY, 0) != 0) return false;
+    if (posix_spawn_file_actions_addopen(&actions_, 1, "/dev/null", O_WRONLY, 0) != 0) return false;
+    return posix_spawn_file_actions_addopen(&actions_, 2, "/dev/null", O_WRONLY, 0) == 0;
+  }
+
+  const posix_spawnattr_t* Attributes() const { return &attr_; }
+  const posix_spawn_file_actions_t* Actions() const { return &actions_; }
+
+ private:
+  posix_spawnattr_t attr_{};
+  posix_spawn_file_actions_t actions_{};
+  bool attrOk_ = false;
+  bool actionsOk_ = false;
+};
+
+enum class SliceEnd { kEnded, kTimedOut, kFailed };
+
+// Waits up to one slice for `pid` to end, polling waitpid with growing naps (1 ms .. 20 ms) so
+// that a quick program is noticed quickly and a slow one costs little.
+SliceEnd WaitSlice(pid_t pid) {
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + std::chrono::milliseconds(kShellWaitSliceMs);
+  auto nap = std::chrono::milliseconds(1);
+  for (;;) {
+    int status = 0;
+    const pid_t got = ::waitpid(pid, &status, WNOHANG);
+    if (got == pid) return SliceEnd::kEnded;
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      return SliceEnd::kFailed;
+    }
+    const auto now = Clock::now();
+    if (now >= end) return SliceEnd::kTimedOut;
+    std::this_thread::sleep_for(std::min<Clock::duration>(nap, end - now));
+    nap = std::min(nap * 2, std::chrono::milliseconds(20));
+  }
+}
+
+// Stops the program and everything it started, then reaps it.
+void KillAndReap(pid_t pid) {
+  ::kill(-pid, SIGKILL);
+  ::kill(pid, SIGKILL);
+  int status = 0;
+  while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> SplitCommandLine(std::string_view commandLine) {
+  std::vector<std::string> arguments;
+  std::string current;
+  bool inArgument = false;
+  bool quoted = false;
+  for (const char c : commandLine) {
+    if (c == '"') {
+      quoted = !quoted;
+      inArgument = true;
+      continue;
+    }
+    if (!quoted && IsBlank(c)) {
+      if (inArgument) arguments.push_back(std::move(current));
+      current.clear();
+      inArgument = false;
+      continue;
+    }
+    current.push_back(c);
+    inArgument = true;
+  }
+  if (inArgument) arguments.push_back(std::move(current));
+  return arguments;
+}
+
+std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs,
+                          std::int32_t windowStyle, std::int32_t breakOption,
+                          const ProgressCallback& progress) {
+  const auto first = commandLine.find_first_not_of(' ');
+  if (first == std::string_view::npos || timeLimitMs < 0) return kShellInvalidArgument;
+  if (breakOption < 0 || breakOption > 2) return kShellInvalidArgument;
+  if (windowStyle < 0 || windowStyle == 5 || windowStyle > 6) return kShellInvalidArgument;
+
+  std::vector<std::string> arguments = SplitCommandLine(commandLine);
+  if (arguments.empty() || arguments.front().empty()) return kShellNotStarted;
+  std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
+  for (auto& argument : arguments) argv.push_back(argument.data());
+  argv.push_back(nullptr);
+
+  SpawnSetup setup;
+  if (!setup.Prepare()) return kShellNotStarted;
+  pid_t pid = 0;
+  const bool searchPath = arguments.front().find('/') == std::string::npos;
+  const int spawned =
+      searchPath ? ::posix_spawnp(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(),
+                                  environ)
+                 : ::posix_spawn(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(),
+                                 environ);
+  if (spawned != 0 || pid <= 0) return kShellNotStarted;
+
+  std::int64_t elapsed = 0;
+  for (;;) {
+    const SliceEnd slice = WaitSlice(pid);
+    if (slice == SliceEnd::kEnded || slice == SliceEnd::kFailed) return kShellEnded;
+    if (progress && !progress("Waiting for Graphviz", elapsed, timeLimitMs)) {
+      KillAndReap(pid);
+      return kShellAbandoned;
+    }
+    elapsed += kShellWaitSliceMs;
+    if (timeLimitMs > 0 && elapsed > timeLimitMs) {
+      KillAndReap(pid);
+      return kShellTimedOut;
+    }
+  }
+}
+
+}  // namespace sylvora

@@ -1,0 +1,247 @@
+#include "layout/spatial.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "support/recording_notifier.h"
+#include "support/temp_dir.h"
+
+namespace sylvora {
+namespace {
+
+using testing::RecordingNotifier;
+using testing::TempDir;
+
+// DOT text as the network export writes it: CR LF line ends, none after the brace.
+std::string Dot(std::string_view edgeLines) {
+  return "graph G {\r\n\tnode [shape=plaintext,height=.0,width=.0];\r\n\tedge [weight=1.0];\r\n" +
+         std::string(edgeLines) + "}";
+}
+
+TEST(LayoutCommandLineTest, NamesTheProgramAndBothFiles) {
+  EXPECT_EQ(LayoutCommandLine("/usr/bin", "sfdp", "/tmp/w"),
+            "\"/usr/bin/sfdp\" \"/tmp/w/gvin.txt\" -Tplain -o\"/tmp/w/gvout.txt\"");
+  EXPECT_EQ(LayoutCommandLine("/gv", "neato", "/f"),
+            "\"/gv/neato\" \"/f/gvin.txt\" -Tplain -o\"/f/gvout.txt\"");
+  EXPECT_EQ(LayoutCommandLine("/gv", "fdp", "/f").rfind("\"/gv/fdp\" ", 0), 0u);
+  // Any other name runs sfdp; names are compared exactly.
+  EXPECT_EQ(LayoutCommandLine("/gv", "dot", "/f").rfind("\"/gv/sfdp\" ", 0), 0u);
+  EXPECT_EQ(LayoutCommandLine("/gv", "FDP", "/f").rfind("\"/gv/sfdp\" ", 0), 0u);
+  EXPECT_EQ(LayoutCommandLine("/gv", "", "/f").rfind("\"/gv/sfdp\" ", 0), 0u);
+}
+
+TEST(SetGraphFromDotTest, ReadsEdgeLinesBetweenTheHeadersAndTheBrace) {
+  Spatial spatial;
+  ASSERT_TRUE(spatial.SetGraphFromDot(
+      Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.50000];\r\n\t2 -- 4 [len=1.00000];\r\n"), 1));
+  ASSERT_EQ(spatial.EdgeCount(), 3);
+  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.25f, 0, 1}));
+  EXPECT_EQ(spatial.Edge(1), (EdgeRecord{0.5f, 1, 2}));
+  EXPECT_EQ(spatial.Edge(2), (EdgeRecord{1.0f, 1, 3}));
+  EXPECT_EQ(spatial.Edge(3), EdgeRecord{});
+  EXPECT_EQ(spatial.Edge(-1), EdgeRecord{});
+  EXPECT_EQ(spatial.NodeDegree(0), 1);  // a leaf
+  EXPECT_EQ(spatial.NodeDegree(1), 3);
+  EXPECT_EQ(spatial.NodeDegree(3), 1);
+  EXPECT_EQ(spatial.NodeDegree(4), 0);
+  EXPECT_EQ(spatial.NodeDegree(-1), 0);
+}
+
+TEST(SetGraphFromDotTest, FirstNodeZeroKeepsNumbersAndLineFeedsAlone) {
+  Spatial spatial;
+  const std::string dot = "graph G {\n node;\n edge;\n 0 -- 7 [len=0.125];\n}";
+  ASSERT_TRUE(spatial.SetGraphFromDot(dot, 0));
+  ASSERT_EQ(spatial.EdgeCount(), 1);
+  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.125f, 0, 7}));
+}
+
+TEST(SetGraphFromDotTest, GraphWithoutEdgesHasNone) {
+  Spatial spatial;
+  ASSERT_TRUE(spatial.SetGraphFromDot(Dot(""), 1));
+  EXPECT_EQ(spatial.EdgeCount(), 0);
+  ASSERT_TRUE(spatial.SetGraphFromDot("", 1));
+  EXPECT_EQ(spatial.EdgeCount(), 0);
+  EXPECT_EQ(spatial.NodeDegree(0), 0);
+}
+
+TEST(SetGraphFromDotTest, ANewTextReplacesTheEdges) {
+  Spatial spatial;
+  ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.5];\r\n"), 1));
+  ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t3 -- 4 [len=0.75000];\r\n"), 1));
+  ASSERT_EQ(spatial.EdgeCount(), 1);
+  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.75f, 2, 3}));
+  EXPECT_EQ(spatial.NodeDegree(0), 0);
+}
+
+TEST(SetGraphFromDotTest, MalformedLineStopsTheReadingAndKeepsEarlierEdges) {
+  Spatial spatial;
+  EXPECT_FALSE(spatial.SetGraphFromDot(
+      Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -> 3 [len=0.5];\r\n\t3 -- 4 [len=1];\r\n"), 1));
+  ASSERT_EQ(spatial.EdgeCount(), 1);
+  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.25f, 0, 1}));
+  EXPECT_FALSE(spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=abc];\r\n"), 1));
+  EXPECT_EQ(spatial.EdgeCount(), 0);
+}
+
+class LoadGVPlainTest : public ::testing::Test {
+ protected:
+  bool Load(std::string_view text, std::int32_t firstNode, std::int32_t nodeCount) {
+    path_ = dir_.WriteFile("gvout.txt", text);
+    error_.clear();
+    return spatial_.LoadGVPlain(path_, firstNode, nodeCount, error_);
+  }
+
+  TempDir dir_;
+  std::string path_;
+  std::string error_;
+  Spatial spatial_;
+};
+
+TEST_F(LoadGVPlainTest, ReadsScaleAndNodePositions) {
+  ASSERT_TRUE(Load("graph 1 3.5 2.25\n"
+                   "node 2 1.5 0.75 0.5 0.25 2 solid plaintext black lightgrey\n"
+                   "node 1 0.5 2 0.5 0.25 1 solid plaintext black lightgrey\n"
+                   "edge 1 2 4 0.5 2 0.8 1.5 1.1 1.2 1.5 0.75 solid black\n"
+                   "stop\n",
+                   1, 2))
+      << error_;
+  EXPECT_EQ(spatial_.NodeCount(), 2);
+  EXPECT_FLOAT_EQ(spatial_.ScaleX(), 3.5f);
+  EXPECT_FLOAT_EQ(spatial_.ScaleY(), 2.25f);
+  EXPECT_FLOAT_EQ(spatial_.X(0), 0.5f);
+  EXPECT_FLOAT_EQ(spatial_.Y(0), 2.0f);
+  EXPECT_FLOAT_EQ(spatial_.X(1), 1.5f);
+  EXPECT_FLOAT_EQ(spatial_.Y(1), 0.75f);
+  EXPECT_EQ(spatial_.X(2), 0.0f);
+  EXPECT_EQ(spatial_.Y(-1), 0.0f);
+}
+
+TEST_F(LoadGVPlainTest, AbsentNodesGoAlongTheBottomEdgeInNodeOrder) {
+  // Nodes 1 and 2 are linked; node 3 has no link, so Graphviz never saw it.
+  ASSERT_TRUE(Load("graph 1 6 3\r\nnode 1 1 1 0.1 0.1 1\r\nnode 2 2 2 0.1 0.1 2\r\nstop\r\n", 1, 3))
+      << error_;
+  EXPECT_FLOAT_EQ(spatial_.X(2), 2.0f / 3.0f * 6.0f);
+  EXPECT_FLOAT_EQ(spatial_.Y(2), 3.0f / 1000.0f);
+  EXPECT_FLOAT_EQ(spatial_.X(1), 2.0f);
+}
+
+TEST_F(LoadGVPlainTest, FirstNodeZeroCountsFromZero) {
+  ASSERT_TRUE(Load("graph 1 4 4\nnode 0 1 2 a\nnode 1 3 4 b\n", 0, 3)) << error_;
+  EXPECT_FLOAT_EQ(spatial_.X(0), 1.0f);
+  EXPECT_FLOAT_EQ(spatial_.X(1), 3.0f);
+  EXPECT_FLOAT_EQ(spatial_.X(2), 2.0f / 3.0f * 4.0f);
+}
+
+TEST_F(LoadGVPlainTest, NumbersThatShareDigitsAreNotConfused) {
+  // "node 1 " must not match the line of node 11 or node 21.
+  ASSERT_TRUE(Load("graph 1 9 9\nnode 11 5 5\nnode 21 6 6\nnode 1 7 8\n", 1, 1)) << error_;
+  EXPECT_FLOAT_EQ(spatial_.X(0), 7.0f);
+  EXPECT_FLOAT_EQ(spatial_.Y(0), 8.0f);
+}
+
+TEST_F(LoadGVPlainTest, FirstOccurrenceWinsAnywhereInTheText) {
+  ASSERT_TRUE(Load("graph 1 9 9\nedge a b label node 1 4 5\nnode 1 7 8\n", 1, 1)) << error_;
+  EXPECT_FLOAT_EQ(spatial_.X(0), 4.0f);
+  EXPECT_FLOAT_EQ(spatial_.Y(0), 5.0f);
+}
+
+TEST_F(LoadGVPlainTest, ExponentAndNegativeNumbersRead) {
+  ASSERT_TRUE(Load("graph 1 1e2 50\nnode 1 -2.5 1.25e1\n", 1, 1)) << error_;
+  EXPECT_FLOAT_EQ(spatial_.ScaleX(), 100.0f);
+  EXPECT_FLOAT_EQ(spatial_.X(0), -2.5f);
+  EXPECT_FLOAT_EQ(spatial_.Y(0), 12.5f);
+}
+
+struct MalformedCase {
+  std::string name;
+  std::string text;
+};
+
+class LoadGVPlainMalformedTest : public LoadGVPlainTest,
+                                 public ::testing::WithParamInterface<MalformedCase> {};
+
+TEST_P(LoadGVPlainMalformedTest, FailsWithAReason) {
+  EXPECT_FALSE(Load(GetParam().text, 1, 2));
+  EXPECT_NE(error_.find(path_), std::string::npos) << error_;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, LoadGVPlainMalformedTest,
+    ::testing::Values(MalformedCase{"Empty", ""}, MalformedCase{"NoGraphLine", "node 1 1 1\n"},
+                      MalformedCase{"ShortHeader", "graph 1 2\nnode 1 1 1\n"},
+                      MalformedCase{"TextWidth", "graph 1 wide 2\nnode 1 1 1\n"},
+                      MalformedCase{"DoubleSpace", "graph 1  2 3\n"},
+                      MalformedCase{"NodeWithoutY", "graph 1 2 3\nnode 1 1\n"},
+                      MalformedCase{"NodeWithText", "graph 1 2 3\nnode 2 1 y\n"},
+                      MalformedCase{"CommaDecimal", "graph 1 2 3\nnode 1 1,5 2\n"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(LoadGVPlainTest, MissingFileFails) {
+  EXPECT_FALSE(spatial_.LoadGVPlain((dir_.Path() / "absent.txt").string(), 1, 2, error_));
+  EXPECT_NE(error_.find("absent.txt"), std::string::npos);
+  EXPECT_EQ(spatial_.NodeCount(), 2);
+  EXPECT_EQ(spatial_.X(1), 0.0f);
+}
+
+TEST_F(LoadGVPlainTest, ProgressCanCancel) {
+  path_ = dir_.WriteFile("gvout.txt", "graph 1 2 3\nnode 1 1 1\n");
+  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
+  EXPECT_FALSE(spatial_.LoadGVPlain(path_, 1, 5000, error_, stop));
+}
+
+TEST(SpatialExtremesTest, StartAtPlusAndMinusOneHundred) {
+  TempDir dir;
+  Spatial spatial;
+  std::string error;
+  EXPECT_EQ(spatial.MinX(), 100.0f);
+  EXPECT_EQ(spatial.MaxX(), -100.0f);
+  EXPECT_EQ(spatial.MinY(), 100.0f);
+  EXPECT_EQ(spatial.MaxY(), -100.0f);
+  ASSERT_TRUE(spatial.LoadGVPlain(
+      dir.WriteFile("a", "graph 1 900 900\nnode 1 150 -150\nnode 2 300 -120\n"), 1, 2, error));
+  EXPECT_EQ(spatial.MinX(), 100.0f);  // every x is above 100
+  EXPECT_EQ(spatial.MaxX(), 300.0f);
+  EXPECT_EQ(spatial.MinY(), -150.0f);
+  EXPECT_EQ(spatial.MaxY(), -100.0f);  // every y is below -100
+  ASSERT_TRUE(spatial.LoadGVPlain(dir.WriteFile("b", "graph 1 9 9\nnode 1 1 2\nnode 2 3 -4\n"), 1,
+                                  2, error));
+  EXPECT_EQ(spatial.MinX(), 1.0f);
+  EXPECT_EQ(spatial.MaxX(), 3.0f);
+  EXPECT_EQ(spatial.MinY(), -4.0f);
+  EXPECT_EQ(spatial.MaxY(), 2.0f);
+}
+
+TEST(SpatialTextTest, Copy2ClipHasOneLinePerNode) {
+  TempDir dir;
+  Spatial spatial;
+  std::string error;
+  EXPECT_EQ(spatial.Copy2Clip(), "");
+  ASSERT_TRUE(
+      spatial.LoadGVPlain(dir.WriteFile("a", "graph 1 4 2\nnode 1 1.5 0.25\n"), 1, 2, error));
+  EXPECT_EQ(spatial.Copy2Clip(), "1.5\t0.25\r\n2\t0.002\r\n");
+}
+
+TEST(SpatialTextTest, GraphFromFileEndsEveryLineWithCrLf) {
+  TempDir dir;
+  EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("a", "a\nb\r\nc\rd")), "a\r\nb\r\nc\r\nd\r\n");
+  EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("b", "x\n\ny\n")), "x\r\n\r\ny\r\n");
+  EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("c", "")), "");
+  EXPECT_EQ(Spatial::GraphFromFile((dir.Path() / "absent").string()), "");
+}
+
+TEST(SpatialProximityTest, EuclideanDistancesBothHalves) {
+  TempDir dir;
+  Spatial spatial;
+  std::string error;
+  EXPECT_TRUE(spatial.GetProximityMatrix().empty());
+  ASSERT_TRUE(spatial.LoadGVPlain(
+      dir.WriteFile("a", "graph 1 9 9\nnode 1 0 0\nnode 2 3 4\nnode 3 3 0\n"), 1, 3, error));
+  const auto d = spatial.GetProximityMatrix();
+  ASSERT_EQ(d.size(), 9u);
+  EXPECT_EQ(d, (std::vector<float>{0, 5, 3, 5, 0, 4, 3, 4, 0}));
+}
+
+}  // namespace
+}  // namespace sylvora
