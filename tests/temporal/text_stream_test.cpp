@@ -1,0 +1,366 @@
+// The interval model: bounds, gaps and empty intervals, TIFM cells, the one-interval failure,
+// date-time bounds, term spans, the interval similarity model and events.
+
+#include "temporal/text_stream.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "common/errors.h"
+#include "stream_fixtures.h"
+#include "support/recording_notifier.h"
+
+namespace sylvora {
+namespace {
+
+using testing::kElapsedField;
+using testing::MakeStreamCorpus;
+using testing::RecordingNotifier;
+using testing::StreamCorpus;
+using testing::StreamDoc;
+
+std::vector<StreamDoc> AtTimes(const std::vector<std::int64_t>& times) {
+  std::vector<StreamDoc> docs;
+  for (const std::int64_t t : times) docs.push_back({t, "aa bb"});
+  return docs;
+}
+
+bool Build(StreamCorpus& c, std::int32_t length, Notifier& notifier = DefaultNotifier()) {
+  return c.stream->BuildTermIntervalFrequencyModel(kElapsedField, length, notifier);
+}
+
+struct CountCase {
+  std::vector<std::int64_t> times;
+  std::int32_t length;
+  std::int32_t intervals;
+  std::vector<std::int32_t> docCounts;  // intervals 1..IntervalCount
+};
+
+TEST(TextStreamIntervals, CountsAndDocumentsPerInterval) {
+  const std::vector<CountCase> cases = {
+      {{0, 10, 47}, 24, 2, {2, 1}},         // 0..23 and 24..47
+      {{0, 23, 24, 48}, 24, 3, {2, 1, 1}},  // the third holds only the value 48
+      {{0, 1, 2, 3}, 1, 4, {1, 1, 1, 1}},
+      {{5, 6, 7, 15}, 5, 3, {3, 0, 1}},  // base 5: 5..9, 10..14, 15..19
+      {{0, 0, 0, 9}, 3, 4, {3, 0, 0, 1}},
+  };
+  for (const CountCase& test : cases) {
+    StreamCorpus c = MakeStreamCorpus(AtTimes(test.times));
+    ASSERT_TRUE(Build(c, test.length));
+    const TextStream& s = *c.stream;
+    ASSERT_EQ(s.IntervalCount(), test.intervals);
+    EXPECT_EQ(s.IntervalLength(), test.length);
+    std::int32_t largest = 0;
+    for (std::int32_t i = 1; i <= s.IntervalCount(); ++i) {
+      EXPECT_EQ(s.IntervalDocCount(i), test.docCounts[static_cast<std::size_t>(i) - 1])
+          << "interval " << i << " of length " << test.length;
+      largest = std::max(largest, s.IntervalDocCount(i));
+    }
+    EXPECT_EQ(s.MaxIntervalDocCount(), largest);
+    EXPECT_EQ(s.TIFM().ColCount(), test.intervals);
+  }
+}
+
+TEST(TextStreamIntervals, BoundsAreInclusiveAndStartAtTheFirstValue) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({5, 6, 40}));
+  ASSERT_TRUE(Build(c, 10));
+  const TextStream& s = *c.stream;
+  EXPECT_EQ(s.BaseValue(), 5);
+  EXPECT_EQ(s.LastValue(), 40);
+  EXPECT_EQ(s.IntervalCount(), 4);  // (40 - 5) \ 10 + 1
+  EXPECT_EQ(s.IntervalLBound(1), 5);
+  EXPECT_EQ(s.IntervalUBound(1), 14);
+  EXPECT_EQ(s.IntervalLBound(4), 35);
+  EXPECT_EQ(s.IntervalUBound(4), 44);
+  for (std::int32_t i = 1; i < s.IntervalCount(); ++i) {
+    EXPECT_EQ(s.IntervalUBound(i) + 1, s.IntervalLBound(i + 1));
+  }
+}
+
+TEST(TextStreamIntervals, AGapClosesEveryEmptyIntervalItSpans) {
+  StreamCorpus c = MakeStreamCorpus({{0, "aa bb"}, {1, "aa"}, {100, "cc"}});
+  ASSERT_TRUE(Build(c, 10));
+  const TextStream& s = *c.stream;
+  ASSERT_EQ(s.IntervalCount(), 11);
+  EXPECT_EQ(s.IntervalDocCount(1), 2);
+  EXPECT_EQ(s.FirstDocumentIndex(1), 0);
+  EXPECT_EQ(s.LastDocumentIndex(1), 1);
+  for (std::int32_t i = 2; i <= 10; ++i) {
+    EXPECT_EQ(s.IntervalDocCount(i), 0) << i;
+    EXPECT_EQ(s.FirstDocumentIndex(i), 2) << i;
+    EXPECT_EQ(s.LastDocumentIndex(i), 1) << i;
+    EXPECT_EQ(s.TIFM().Vector(i)->NZElementCount(), 0) << i;
+  }
+  EXPECT_EQ(s.IntervalDocCount(11), 1);
+  EXPECT_EQ(s.FirstDocumentIndex(11), 2);
+  EXPECT_EQ(s.LastDocumentIndex(11), 2);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("cc"), 11), 1.0f);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("cc"), 1), 0.0f);
+}
+
+TEST(TextStreamTIFM, CellsAreTheShareOfTheIntervalsDocumentsHoldingTheTerm) {
+  // Interval 1 (0..9): four documents, "aa" in three, "bb" in one (twice, counted once).
+  // Interval 2 (10..19): four documents, "aa" in three, "cc" in all four.
+  StreamCorpus c = MakeStreamCorpus({{0, "aa bb bb"},
+                                     {1, "aa"},
+                                     {2, "aa"},
+                                     {3, "dd"},
+                                     {10, "aa cc"},
+                                     {11, "cc"},
+                                     {12, "aa cc"},
+                                     {19, "aa cc"}});
+  ASSERT_TRUE(Build(c, 10));
+  const TextStream& s = *c.stream;
+  ASSERT_EQ(s.IntervalCount(), 2);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("aa"), 1), 0.75f);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("aa"), 2), 0.75f);  // also in the last interval
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("bb"), 1), 0.25f);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("bb"), 2), 0.0f);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("cc"), 2), 1.0f);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(c.Term("dd"), 1), 0.25f);
+  EXPECT_EQ(s.TIFM().RowCount(), c.index->TermCount());
+  EXPECT_EQ(s.TIFM().Vector(1)->NZElementCount(), 3);
+  EXPECT_EQ(s.TIFM().Vector(2)->NZElementCount(), 2);
+  EXPECT_EQ(s.TIFM().Vector(1)->DimensionCount(), c.index->TermCount());
+}
+
+TEST(TextStreamTIFM, ThirdsAreRoundedOnceToSinglePrecision) {
+  StreamCorpus c = MakeStreamCorpus({{0, "aa"}, {0, "bb"}, {0, "bb"}, {10, "aa"}});
+  ASSERT_TRUE(Build(c, 10));
+  EXPECT_EQ(c.stream->IntervalFrequency(c.Term("aa"), 1), static_cast<float>(1.0 / 3.0));
+  EXPECT_EQ(c.stream->IntervalFrequency(c.Term("bb"), 1), static_cast<float>(2.0 / 3.0));
+}
+
+TEST(TextStreamTIFM, StoredZeroWeightsDoNotCount) {
+  // "aa" is in every document: tf-idf leaves it a stored weight of 0, so it is never present.
+  StreamCorpus c = MakeStreamCorpus({{0, "aa bb"}, {1, "aa"}, {10, "aa cc"}});
+  c.index->WeightMatrixValues(TermDocumentMatrix::kInverseDocumentFrequency);
+  ASSERT_TRUE(Build(c, 10));
+  EXPECT_FLOAT_EQ(c.stream->IntervalFrequency(c.Term("aa"), 1), 0.0f);
+  EXPECT_FLOAT_EQ(c.stream->IntervalFrequency(c.Term("bb"), 1), 0.5f);
+  EXPECT_FLOAT_EQ(c.stream->IntervalFrequency(c.Term("cc"), 2), 1.0f);
+}
+
+TEST(TextStreamTIFM, DocumentsBeyondTheIndexHaveNoTerms) {
+  StreamCorpus c = MakeStreamCorpus({{0, "aa"}, {1, "aa"}, {10, "aa"}, {11, "aa"}});
+  // An index over the first two documents only.
+  TermDocumentMatrix partial;
+  DocIndex count = 2;
+  partial.AssignText(*c.corpus, count, false);
+  partial.Preprocess(true, false, 1, "", false);
+  partial.BuildVocab(0, 999);
+  partial.BuildTDM(1, 1000);
+  c.stream->SetTermDocumentMatrix(partial);
+  ASSERT_TRUE(Build(c, 10));
+  EXPECT_EQ(c.stream->IntervalDocCount(2), 2);
+  EXPECT_FLOAT_EQ(c.stream->IntervalFrequency(1, 1), 1.0f);
+  EXPECT_FLOAT_EQ(c.stream->IntervalFrequency(1, 2), 0.0f);
+}
+
+TEST(TextStreamFailures, ACorpusInOneIntervalShowsTheMessageAndReturnsFalse) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 5, 23}));
+  RecordingNotifier notifier;
+  EXPECT_FALSE(Build(c, 24, notifier));
+  ASSERT_EQ(notifier.Messages().size(), 1u);
+  EXPECT_EQ(notifier.Messages()[0].text,
+            "Only one interval - reduce intervals or increase data period");
+  EXPECT_EQ(notifier.Messages()[0].title, "Exiting Build TIFM");
+  EXPECT_EQ(notifier.Messages()[0].icon, MessageIcon::kCritical);
+  const TextStream& s = *c.stream;
+  EXPECT_EQ(s.IntervalCount(), 1);
+  EXPECT_EQ(s.IntervalDocCount(1), 0);  // sized and zero
+  EXPECT_EQ(s.TIFM().ColCount(), 1);
+  EXPECT_EQ(s.TIFM().RowCount(), c.index->TermCount());
+  EXPECT_EQ(s.TIFM().Vector(1)->NZElementCount(), 0);
+}
+
+TEST(TextStreamFailures, LengthsBelowOneAreRefused) {
+  for (const std::int32_t length : {0, -1, -24}) {
+    StreamCorpus c = MakeStreamCorpus(AtTimes({0, 50}));
+    EXPECT_THROW(Build(c, length), RangeError) << length;
+  }
+}
+
+TEST(TextStreamFailures, TooManyIntervalsAreRefused) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 2'000'000'000}));
+  EXPECT_THROW(Build(c, 1), RangeError);
+}
+
+TEST(TextStreamFailures, AnUnboundStreamCannotBuild) {
+  TextStream stream;
+  EXPECT_THROW(stream.BuildTermIntervalFrequencyModel(0, 1), RangeError);
+}
+
+TEST(TextStreamFailures, AccessorsRefuseIntervalsOutOfRange) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10}));
+  ASSERT_TRUE(Build(c, 10));
+  const TextStream& s = *c.stream;
+  EXPECT_EQ(s.IntervalDocCount(0), 0);
+  EXPECT_EQ(s.IntervalDocCount(-3), 0);
+  EXPECT_THROW(s.IntervalDocCount(3), RangeError);
+  EXPECT_NO_THROW(s.FirstDocumentIndex(0));
+  EXPECT_THROW(s.FirstDocumentIndex(3), RangeError);
+  EXPECT_THROW(s.LastDocumentIndex(-1), RangeError);
+  EXPECT_THROW(s.Events(3), RangeError);
+  EXPECT_FLOAT_EQ(s.IntervalFrequency(1, 3), 0.0f);  // a matrix read outside is 0
+}
+
+TEST(TextStreamFailures, AnUnsortedCorpusIsCountedWhereTheRowsFall) {
+  // Row 1 (value 2) lies below interval 2's bounds: counted in interval 2. Row 3 (value 99)
+  // lies past the last interval: counted in the last one.
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 15, 2, 99, 25}));
+  ASSERT_TRUE(Build(c, 10));
+  const TextStream& s = *c.stream;
+  ASSERT_EQ(s.IntervalCount(), 3);
+  EXPECT_EQ(s.IntervalDocCount(1), 1);
+  EXPECT_EQ(s.IntervalDocCount(2), 2);
+  EXPECT_EQ(s.IntervalDocCount(3), 2);
+  EXPECT_EQ(s.LastDocumentIndex(3), 4);
+
+  // The last row earlier than the first: no interval to speak of.
+  StreamCorpus backwards = MakeStreamCorpus(AtTimes({40, 20, 0}));
+  RecordingNotifier notifier;
+  EXPECT_FALSE(Build(backwards, 10, notifier));
+  EXPECT_EQ(notifier.Messages().size(), 1u);
+  EXPECT_EQ(backwards.stream->IntervalCount(), 0);
+}
+
+TEST(TextStreamFailures, ACancelEmptiesTheModel) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10, 20, 30}));
+  int calls = 0;
+  const ProgressCallback cancel = [&](std::string_view, std::int64_t, std::int64_t) {
+    return ++calls < 2;
+  };
+  EXPECT_FALSE(c.stream->BuildTermIntervalFrequencyModel(kElapsedField, 10, DefaultNotifier(),
+                                                         cancel));
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(c.stream->IntervalCount(), 0);
+  EXPECT_EQ(c.stream->TIFM().ColCount(), 0);
+}
+
+TEST(TextStreamTerms, FirstAndLastIntervalsOfATerm) {
+  StreamCorpus c = MakeStreamCorpus(
+      {{0, "aa"}, {10, "bb"}, {20, "aa bb"}, {30, "cc"}, {40, "cc"}});
+  ASSERT_TRUE(Build(c, 10));
+  const TextStream& s = *c.stream;
+  EXPECT_EQ(s.FirstTermInterval(c.Term("aa")), 1);
+  EXPECT_EQ(s.LastTermInterval(c.Term("aa")), 3);
+  EXPECT_EQ(s.FirstTermInterval(c.Term("bb")), 2);
+  EXPECT_EQ(s.LastTermInterval(c.Term("bb")), 3);
+  EXPECT_EQ(s.FirstTermInterval(c.Term("cc")), 4);
+  EXPECT_EQ(s.LastTermInterval(c.Term("cc")), 5);
+  // A term number that no interval holds.
+  EXPECT_EQ(s.FirstTermInterval(99), 6);
+  EXPECT_EQ(s.LastTermInterval(99), 0);
+
+  const TextStream::TermSpans spans = s.TermIntervalSpans();
+  ASSERT_EQ(spans.first.size(), static_cast<std::size_t>(c.index->TermCount()) + 1);
+  for (std::int32_t t = 1; t <= c.index->TermCount(); ++t) {
+    EXPECT_EQ(spans.first[static_cast<std::size_t>(t)], s.FirstTermInterval(t)) << t;
+    EXPECT_EQ(spans.last[static_cast<std::size_t>(t)], s.LastTermInterval(t)) << t;
+  }
+}
+
+TEST(TextStreamTerms, WithoutIntervalsFirstIsOneAndLastIsTheCount) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 1}));
+  EXPECT_EQ(c.stream->FirstTermInterval(1), 1);
+  EXPECT_EQ(c.stream->LastTermInterval(1), 0);
+  const TextStream::TermSpans spans = c.stream->TermIntervalSpans();
+  EXPECT_EQ(spans.first.size(), 1u);
+}
+
+TEST(TextStreamDates, IntervalBoundsFollowEachOther) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 30, 100}));
+  ASSERT_TRUE(Build(c, 24));
+  const TextStream& s = *c.stream;
+  const auto first = s.IntervalDateTimeBounds(1, "h");
+  EXPECT_EQ(first[0], "2013-09-02 00:00:00");
+  EXPECT_EQ(first[1], "2013-09-03 00:00:00");
+  for (std::int32_t i = 1; i < s.IntervalCount(); ++i) {
+    EXPECT_EQ(s.IntervalDateTimeBounds(i, "h")[1], s.IntervalDateTimeBounds(i + 1, "h")[0]);
+  }
+  EXPECT_EQ(s.IntervalDateTimeBounds(3, "n")[0], "2013-09-02 00:48:00");
+  EXPECT_EQ(s.IntervalDateTimeBounds(1, "years")[0], "");
+}
+
+TEST(TextStreamDates, QuotesAroundTheFirstDateAreIgnored) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 30}));
+  c.corpus->SetText(0, testing::kDateField, "\"02/09/13 06:30:00\"");
+  ASSERT_TRUE(Build(c, 24));
+  EXPECT_EQ(c.stream->IntervalDateTimeBounds(2, "h")[0], "2013-09-03 06:30:00");
+}
+
+TEST(TextStreamDates, IntervalOfADateTimeRoundsHalfToEven) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 100}));
+  ASSERT_TRUE(Build(c, 4));
+  const TextStream& s = *c.stream;
+  struct Case {
+    const char* when;
+    std::int32_t interval;
+  };
+  for (const Case& test : {Case{"2013-09-02 00:00:00", 0}, Case{"2013-09-02 02:00:00", 0},
+                           Case{"2013-09-02 03:00:00", 1}, Case{"2013-09-02 06:00:00", 2},
+                           Case{"2013-09-02 10:00:00", 2}, Case{"2013-09-02 14:00:00", 4},
+                           Case{"03/09/13 00:00:00", 6}, Case{"2013-09-01 20:00:00", -1}}) {
+    EXPECT_EQ(s.IntervalFromDateTime(test.when, "h"), test.interval) << test.when;
+  }
+  EXPECT_EQ(s.IntervalFromDateTime("not a date", "h"), std::nullopt);
+  EXPECT_EQ(s.IntervalFromDateTime("2013-09-02 10:00:00", "x"), std::nullopt);
+}
+
+TEST(TextStreamSimilarity, NMIsSymmetricWithOnesOnTheDiagonal) {
+  StreamCorpus c = MakeStreamCorpus({{0, "aa bb"},
+                                     {1, "aa"},
+                                     {10, "aa bb"},
+                                     {11, "aa"},
+                                     {20, "cc dd"},
+                                     {30, "aa cc"}});
+  ASSERT_TRUE(Build(c, 10));
+  c.stream->BuildIntervalSimilarityModel(9999);
+  const SparseMatrixSingle& nm = c.stream->NM();
+  ASSERT_EQ(nm.ColCount(), 4);
+  ASSERT_EQ(nm.RowCount(), 4);
+  for (std::int32_t i = 1; i <= 4; ++i) {
+    EXPECT_FLOAT_EQ(nm.Value(i, i), 1.0f);
+    for (std::int32_t k = 1; k <= 4; ++k) EXPECT_EQ(nm.Value(i, k), nm.Value(k, i));
+  }
+  // Intervals 1 and 2 hold the same terms in the same proportions.
+  EXPECT_FLOAT_EQ(nm.Value(2, 1), 1.0f);
+  // Intervals 1 and 3 share nothing.
+  EXPECT_FLOAT_EQ(nm.Value(3, 1), 0.0f);
+  // Interval 1 = (aa 1, bb .5), interval 4 = (aa 1, cc 1): 1 / (sqrt(1.25) sqrt(2)).
+  EXPECT_NEAR(nm.Value(4, 1), 1.0 / std::sqrt(2.5), 1e-6);
+}
+
+TEST(TextStreamSimilarity, TruncationKeepsTheStrongestTermsOfEachInterval) {
+  // With one term per interval kept, interval 1 keeps "aa" (1.0) and interval 2 keeps "bb"
+  // (1.0): they no longer share anything.
+  StreamCorpus c = MakeStreamCorpus({{0, "aa bb"}, {1, "aa"}, {10, "aa bb"}, {11, "bb"}});
+  ASSERT_TRUE(Build(c, 10));
+  c.stream->BuildIntervalSimilarityModel(0);
+  EXPECT_GT(c.stream->NM().Value(2, 1), 0.5f);
+  c.stream->BuildIntervalSimilarityModel(1);
+  EXPECT_FLOAT_EQ(c.stream->NM().Value(2, 1), 0.0f);
+  EXPECT_FLOAT_EQ(c.stream->NM().Value(1, 1), 1.0f);
+  // TIFM itself is not truncated.
+  EXPECT_FLOAT_EQ(c.stream->IntervalFrequency(c.Term("bb"), 1), 0.5f);
+}
+
+TEST(TextStreamEvents, DescriptionsAreAppendedAfterABar) {
+  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10, 20}));
+  ASSERT_TRUE(Build(c, 10));
+  TextStream& s = *c.stream;
+  EXPECT_EQ(s.Events(2), "");
+  s.SetEvents(2, "A");
+  s.SetEvents(2, "B");
+  EXPECT_EQ(s.Events(2), "|A|B");
+  EXPECT_EQ(s.Events(1), "");
+  EXPECT_THROW(s.SetEvents(4, "C"), RangeError);
+  // A rebuild forgets them.
+  ASSERT_TRUE(Build(c, 10));
+  EXPECT_EQ(s.Events(2), "");
+}
+
+}  // namespace
+}  // namespace sylvora
