@@ -51,6 +51,8 @@ void PrintIndex(std::ostream& out, IndexKind kind, const TermDocumentMatrix& ind
   }
 }
 
+}  // namespace
+
 void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages) {
   out << "Stage times:\n";
   double total = 0;
@@ -66,13 +68,7 @@ void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages) {
   out.unsetf(std::ios::fixed);
 }
 
-struct ParsedOptions {
-  LoadOptions load;
-  IndexOptions index;
-};
-
-// False, with a message on `err`, when a flag is out of range.
-bool ReadOptions(CommandLine& line, ParsedOptions& options, std::ostream& err) {
+bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& err) {
   options.load.path = line.Positional()[0];
   options.load.radian = line.Has("radian");
   options.load.unitCode = line.Value("unit", "h");
@@ -113,6 +109,8 @@ bool ReadOptions(CommandLine& line, ParsedOptions& options, std::ostream& err) {
   return true;
 }
 
+namespace {
+
 const char* OnOff(bool on) { return on ? "on" : "off"; }
 
 }  // namespace
@@ -133,14 +131,18 @@ std::string DefaultStopListPath() {
   return {};
 }
 
+std::set<std::string> CorpusValueOptions() {
+  return {"unit",   "min-doc-len", "max-docs",         "min-df",
+          "max-df", "min-chars",   "secondary-min-df", "stop-list"};
+}
+
+std::set<std::string> CorpusSwitches() {
+  return {"radian", "yes", "help", "no-porter", "no-abbrev", "allow-numbers"};
+}
+
 int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out,
                     std::ostream& err) {
-  const std::set<std::string> valueOptions = {
-      "unit",   "min-doc-len", "max-docs",         "min-df",
-      "max-df", "min-chars",   "secondary-min-df", "stop-list"};
-  const std::set<std::string> switches = {"radian",    "yes",       "help",
-                                          "no-porter", "no-abbrev", "allow-numbers"};
-  CommandLine line(valueOptions, switches);
+  CommandLine line(CorpusValueOptions(), CorpusSwitches());
   const bool parsed = line.Parse(arguments);
   if (parsed && line.Has("help")) {
     out << kUsage;
@@ -150,8 +152,8 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
     err << (line.Error().empty() ? "index takes one corpus file" : line.Error()) << '\n' << kUsage;
     return 2;
   }
-  ParsedOptions options;
-  if (!ReadOptions(line, options, err)) {
+  CorpusOptions options;
+  if (!ReadCorpusOptions(line, options, err)) {
     err << kUsage;
     return 2;
   }

@@ -4,8 +4,14 @@
 // count and its twenty terms of highest document frequency, then the time of every stage.
 
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
+
+#include "cli/command_line.h"
+#include "common/stopwatch.h"
+#include "session/corpus_index.h"
+#include "session/corpus_load.h"
 
 namespace sylvora::cli {
 
@@ -19,5 +25,20 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
 // run from the source tree), and data/common_words.txt of the source tree the program was built
 // from (a run from a build folder). "" when none exists.
 std::string DefaultStopListPath();
+
+// The load and index flags of "sylvora-cli index", for the commands that load and index a
+// corpus the same way before doing more (their own flags are added to these sets).
+struct CorpusOptions {
+  LoadOptions load;
+  IndexOptions index;
+};
+std::set<std::string> CorpusValueOptions();
+std::set<std::string> CorpusSwitches();
+// Reads those flags (the corpus file is the first positional argument). False, with a message
+// on `err`, when a flag is out of range.
+bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& err);
+
+// "Stage times:" and one line per stage with its seconds, then the total.
+void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages);
 
 }  // namespace sylvora::cli
