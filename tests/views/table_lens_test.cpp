@@ -1,0 +1,529 @@
+// TableLens on the offscreen platform: layout rules, each cell style's pixels, marking,
+// filtering, scrolling and the cell cursor, driven through QTest.
+
+#include "views/table_lens.h"
+
+#include <QFontMetricsF>
+#include <QImage>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+
+#include <cmath>
+#include <memory>
+
+#include "support/recording_notifier.h"
+#include "view_test_support.h"
+#include "views/picture_device.h"
+
+namespace sylvora {
+namespace {
+
+using testing::ColourNear;
+using testing::CountColour;
+using testing::DarkestLevel;
+using testing::PixelAt;
+
+const QColor kHeaderBack(180, 225, 245);
+const QColor kMarkedHeader(255, 128, 64);
+const QColor kCursor(0, 128, 128);
+const QColor kBlack(0, 0, 0);
+const QColor kWhite(255, 255, 255);
+
+// rows x cols, cell (r, c) = r * 100 + c unless listed in `zeros`.
+SparseMatrixSingle NumberedTable(std::int32_t rows, std::int32_t cols) {
+  SparseMatrixSingle table;
+  table.Reset(rows, cols);
+  for (std::int32_t c = 1; c <= cols; ++c) {
+    for (std::int32_t r = 1; r <= rows; ++r) table.SetValue(r, c, static_cast<float>(r * 100 + c));
+  }
+  return table;
+}
+
+// A window with a lens filling it, and optional scroll bars.
+struct LensWindow {
+  explicit LensWindow(QSize size = QSize(800, 400), bool withBars = false) {
+    form = std::make_unique<QWidget>();
+    form->resize(size);
+    if (withBars) {
+      horizontal = new QScrollBar(Qt::Horizontal, form.get());
+      vertical = new QScrollBar(Qt::Vertical, form.get());
+    }
+    lens = std::make_unique<TableLens>(notifier);
+    lens->InitializeTLCtl(form.get(), nullptr, horizontal, vertical);
+    form->show();
+  }
+  QWidget* Surface() const { return lens->TLContainer(); }
+  QPoint CellCentre(std::int32_t slot, std::int32_t column) const {
+    return lens->CellRect(slot, column).center().toPoint();
+  }
+
+  testing::RecordingNotifier notifier;
+  std::unique_ptr<QWidget> form;
+  QScrollBar* horizontal = nullptr;
+  QScrollBar* vertical = nullptr;
+  std::unique_ptr<TableLens> lens;
+};
+
+}  // namespace
+
+class TableLensTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initializeCreatesNamedSurfaceAndCapacity() {
+    LensWindow window;
+    QWidget* surface = window.Surface();
+    QVERIFY(surface != nullptr);
+    QCOMPARE(surface->objectName(), QStringLiteral("TargetPictureBox"));
+    QCOMPARE(surface->parentWidget(), window.form.get());
+    QCOMPARE(surface->size(), QSize(800, 400));
+    QFont font(QStringLiteral("Courier New"), 8);
+    font.setStyleHint(QFont::TypeWriter);
+    const QFontMetricsF metrics(font, &MeasuringDevice());
+    QCOMPARE(window.lens->MaxVisibleRows(),
+             static_cast<int>(std::nearbyint(400.0 / metrics.height() - 1.0)));
+    QCOMPARE(window.lens->MaxVisibleColumns(), 800);
+    QVERIFY(window.lens->NormedCellValues());
+  }
+
+  void givenSurfaceIsUsed() {
+    QWidget form;
+    form.resize(600, 300);
+    auto* box = new QWidget(&form);
+    box->setObjectName(QStringLiteral("TIFMView"));
+    box->setGeometry(10, 10, 400, 200);
+    TableLens lens;
+    QVERIFY(lens.InitializeTLCtl(&form, box));
+    QCOMPARE(lens.TLContainer(), box);
+    QVERIFY(!lens.InitializeTLCtl(&form, box));  // bound once
+  }
+
+  void firstVisibleCounts_data() {
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<int>("cols");
+    QTest::addColumn<int>("visibleRows");
+    QTest::addColumn<int>("visibleColumns");
+    QTest::newRow("5 x 30") << 5 << 30 << 5 << 10;
+    QTest::newRow("5 x 8") << 5 << 8 << 5 << 8;
+    QTest::newRow("5 x 9") << 5 << 9 << 5 << 9;
+    QTest::newRow("19 x 10") << 19 << 10 << 19 << 10;
+    QTest::newRow("20 x 10") << 20 << 10 << 20 << 10;
+    QTest::newRow("500 x 3") << 500 << 3 << 20 << 3;
+  }
+  void firstVisibleCounts() {
+    QFETCH(int, rows);
+    QFETCH(int, cols);
+    QFETCH(int, visibleRows);
+    QFETCH(int, visibleColumns);
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(rows, cols);
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.lens->VisibleRows(), visibleRows);
+    QCOMPARE(window.lens->VisibleColumns(), visibleColumns);
+    QCOMPARE(window.lens->RowName(rows), QStringLiteral("R%1").arg(rows));
+    QCOMPARE(window.lens->ColumnName(cols), QStringLiteral("C%1").arg(cols));
+    QCOMPARE(window.lens->CursorRow(), 1);
+    QCOMPARE(window.lens->CursorColumn(), 1);
+  }
+
+  void visibleColumnsPullsLeftColumnBack() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(5, 30);
+    window.lens->SetNumDataTable(table);
+    window.lens->SetVisibleColumns(3);
+    window.lens->HorizontalScroll(24);
+    QCOMPARE(window.lens->LeftColumn(), 25);
+    window.lens->SetVisibleColumns(10);
+    QCOMPARE(window.lens->LeftColumn(), 21);
+    window.lens->SetVisibleColumns(0);  // ignored
+    QCOMPARE(window.lens->VisibleColumns(), 10);
+    window.lens->SetVisibleRows(-3);
+    QCOMPARE(window.lens->VisibleRows(), 5);
+  }
+
+  void headerWidensToSevenCharacters() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(5, 200);
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.lens->HeaderWidth(), 0.0f);  // ten wide columns hold "abcdefg"
+    window.lens->SetVisibleColumns(100);
+    QVERIFY(window.lens->HeaderWidth() < 0.0f);
+    // Measured on the plain grid of 101 columns over 800 pixels, then the grid is widened.
+    QFont font(QStringLiteral("Courier New"), 8);
+    font.setStyleHint(QFont::TypeWriter);
+    const QFontMetricsF metrics(font, &MeasuringDevice());
+    const double expected = 1.0 - metrics.horizontalAdvance(QStringLiteral("abcdefg")) * 101.0 / 800.0;
+    QVERIFY(std::abs(window.lens->HeaderWidth() - expected) < 1e-4);
+    const QRectF header = window.lens->CellRect(1, 0);
+    QCOMPARE(header.left(), 0.0);
+  }
+
+  void decimalsFollowColumnWidth() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(5, 200);
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.lens->Decimals(), static_cast<std::int16_t>(5));
+    // Each decimal count printed must fit one column, one more must not (below 5).
+    int previous = 5;
+    for (int columns : {12, 16, 20, 25, 30, 40, 60, 100}) {
+      window.lens->SetVisibleColumns(columns);
+      const int decimals = window.lens->Decimals();
+      QVERIFY(decimals <= previous);
+      previous = decimals;
+    }
+    QCOMPARE(previous, 0);
+  }
+
+  void styleSwitchesAutomatically() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(5, 200);
+    window.lens->SetNumDataTable(table);
+    QSignalSpy changed(window.lens.get(), &TableLens::CellStyleChanged);
+    window.lens->SetVisibleColumns(100);  // not even "1.23" fits
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kTile});
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toInt(), 1);
+    window.lens->SetCellStyle(TableLens::kLine);  // Line stays on narrow columns
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kLine});
+    QCOMPARE(changed.count(), 1);
+    window.lens->SetVisibleColumns(5);  // wide again: three decimals fit
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kText});
+    QCOMPARE(changed.count(), 2);
+    QCOMPARE(changed.at(1).at(0).toInt(), 0);
+  }
+
+  void renderWithoutTableReportsError() {
+    LensWindow window;
+    window.lens->SetCellStyle(TableLens::kTile);
+    QCOMPARE(window.notifier.Messages().size(), std::size_t{1});
+    const auto& message = window.notifier.Messages()[0];
+    QCOMPARE(QString::fromStdString(message.text),
+             QStringLiteral("Cannot render view. A data table not yet been assigned"));
+    QCOMPARE(QString::fromStdString(message.title), QStringLiteral("Render error"));
+    QVERIFY(message.icon == MessageIcon::kExclamation);
+    // Input without a table does nothing.
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, QPoint(400, 200));
+    QTest::keyClick(window.Surface(), Qt::Key_Down);
+    QCOMPARE(window.lens->CursorRow(), 1);
+  }
+
+  // Column 1 holds 3 and 4 (magnitude 5) and row 3 is empty: values 0.6, 0.8, 0.
+  void tileStyleGreys() {
+    LensWindow window(QSize(800, 400));
+    SparseMatrixSingle table;
+    table.Reset(3, 40);
+    table.SetValue(1, 1, 3.0f);
+    table.SetValue(2, 1, 4.0f);
+    window.lens->SetNumDataTable(table);
+    window.lens->SetVisibleColumns(40);
+    window.lens->SetCellStyle(TableLens::kTile);
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kTile});
+    const QImage& picture = window.lens->Picture();
+    testing::MaybeSaveSnapshot(window.lens->Snapshot(), "lens_tile");
+    QCOMPARE(PixelAt(picture, window.CellCentre(1, 1)), QColor(153, 153, 153));
+    QCOMPARE(PixelAt(picture, window.CellCentre(2, 1)), QColor(204, 204, 204));
+    QCOMPARE(PixelAt(picture, window.CellCentre(3, 1)), kBlack);  // zero is black in Tile
+    QCOMPARE(PixelAt(picture, window.CellCentre(1, 2)), kBlack);  // empty column
+  }
+
+  void barStylesFillTheValueShare() {
+    LensWindow window(QSize(800, 400));
+    SparseMatrixSingle table;
+    table.Reset(2, 40);
+    table.SetValue(1, 1, 3.0f);  // 0.6 of the column
+    table.SetValue(2, 1, 4.0f);  // 0.8
+    window.lens->SetNumDataTable(table);
+    window.lens->SetVisibleColumns(40);
+
+    window.lens->SetCellStyle(TableLens::kHorizontalBar);
+    const QRectF cell = window.lens->CellRect(1, 1);
+    QImage picture = window.lens->Picture();
+    testing::MaybeSaveSnapshot(picture, "lens_hbar");
+    const double y = cell.center().y();
+    QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.3 * cell.width(), y)), kBlack);
+    QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.55 * cell.width(), y)), kBlack);
+    QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.7 * cell.width(), y)), kWhite);
+
+    window.lens->SetCellStyle(TableLens::kVerticalBar);
+    picture = window.lens->Picture();
+    testing::MaybeSaveSnapshot(picture, "lens_vbar");
+    const QRectF cell2 = window.lens->CellRect(2, 1);  // 0.8 from the bottom
+    const double x = cell2.center().x();
+    QCOMPARE(PixelAt(picture, QPointF(x, cell2.bottom() - 0.7 * cell2.height())), kBlack);
+    QCOMPARE(PixelAt(picture, QPointF(x, cell2.bottom() - 0.9 * cell2.height())), kWhite);
+    QCOMPARE(PixelAt(picture, QPointF(x, cell.bottom() - 0.5 * cell.height())), kBlack);
+    QCOMPARE(PixelAt(picture, QPointF(x, cell.bottom() - 0.7 * cell.height())), kWhite);
+  }
+
+  void lineStyleDrawsTheRowProfile() {
+    LensWindow window(QSize(800, 400));
+    SparseMatrixSingle table;
+    table.Reset(2, 40);
+    table.SetValue(1, 2, 1.0f);  // the only value of column 2: 1 after norming
+    window.lens->SetNumDataTable(table);
+    window.lens->SetVisibleColumns(40);
+    window.lens->SetCellStyle(TableLens::kLine);
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kLine});
+    const QImage& picture = window.lens->Picture();
+    testing::MaybeSaveSnapshot(picture, "lens_line");
+    // Column 1 is 0: a black segment along the bottom of the row from x 1 to 1.5.
+    const QRectF cell = window.lens->CellRect(1, 1);
+    QVERIFY(ColourNear(picture, QPointF(cell.left() + 0.25 * cell.width(), cell.bottom()), kBlack));
+    // Column 2 is 1: the profile climbs to the top of the row; a value of 1 is drawn white.
+    const QRectF cell2 = window.lens->CellRect(1, 2);
+    QVERIFY(!ColourNear(picture, QPointF(cell2.left(), cell2.center().y()), kBlack, 1));
+    // Column 3 is 0 again: a black segment from the top of column 2 down to its bottom.
+    const QRectF cell3 = window.lens->CellRect(1, 3);
+    QVERIFY(ColourNear(picture, QPointF(cell3.left(), cell3.center().y()), kBlack));
+    // Nothing above the row's cells outside the line.
+    QCOMPARE(PixelAt(picture, QPointF(cell.center().x(), cell.top() + 2)), kWhite);
+  }
+
+  void textStyleNumbersAndGreyZeros() {
+    LensWindow window(QSize(800, 400));
+    SparseMatrixSingle table;
+    table.Reset(2, 3);
+    table.SetValue(1, 1, 3.0f);
+    table.SetValue(2, 1, 4.0f);
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kText});
+    const QImage& picture = window.lens->Picture();
+    testing::MaybeSaveSnapshot(picture, "lens_text");
+    QVERIFY(DarkestLevel(picture, window.lens->CellRect(1, 1)) < 60);  // black digits
+    const int zeroDarkest = DarkestLevel(picture, window.lens->CellRect(1, 2));
+    QCOMPARE(zeroDarkest, 150);  // zero cells in grey
+    // The column header shows the column's name on the header colour.
+    QVERIFY(CountColour(picture, window.lens->CellRect(0, 1), kHeaderBack) > 50);
+    QVERIFY(CountColour(picture, window.lens->CellRect(1, 0), kHeaderBack) > 50);
+  }
+
+  void normedTextDiffersFromRawText() {
+    LensWindow window(QSize(800, 400));
+    SparseMatrixSingle table;
+    table.Reset(1, 2);
+    table.SetValue(1, 1, 7.0f);
+    window.lens->SetNumDataTable(table);
+    const QImage normed = window.lens->Picture().copy(window.lens->CellRect(1, 1).toAlignedRect());
+    window.lens->SetNormedCellValues(false);
+    const QImage raw = window.lens->Picture().copy(window.lens->CellRect(1, 1).toAlignedRect());
+    QVERIFY(normed != raw);  // "1.00000" against "7.00000"
+  }
+
+  void longRowNamesAreShortened() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(3, 50);
+    window.lens->SetNumDataTable(table);
+    window.lens->SetVisibleColumns(50);
+    window.lens->SetRowName(1, QStringLiteral("abcdefghijklmno"));
+    window.lens->SetRowName(2, QStringLiteral("storm"));
+    QCOMPARE(window.lens->RowHeaderText(1), QStringLiteral("abcdef.."));
+    QCOMPARE(window.lens->RowHeaderText(2), QStringLiteral("storm"));
+    window.lens->SetRowName(99, QStringLiteral("ignored"));
+    QCOMPARE(window.lens->RowName(99), QString());
+  }
+
+  void clickingRowHeaderMarksAndUnmarks() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(6, 5);
+    window.lens->SetNumDataTable(table);
+    const QPoint header = window.CellCentre(2, 0);
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, header);
+    QVERIFY(window.lens->RowMarked(2));
+    QCOMPARE(window.lens->MarkedRowCount(), 1);
+    QVERIFY(CountColour(window.lens->Picture(), window.lens->CellRect(2, 0), kMarkedHeader) > 50);
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, header);
+    QVERIFY(!window.lens->RowMarked(2));
+    QCOMPARE(window.lens->MarkedRowCount(), 0);
+    QCOMPARE(CountColour(window.lens->Picture(), window.lens->CellRect(2, 0), kMarkedHeader), 0);
+    // Right button and the column header do nothing.
+    QTest::mouseClick(window.Surface(), Qt::RightButton, {}, header);
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.CellCentre(0, 2));
+    QCOMPARE(window.lens->MarkedRowCount(), 0);
+  }
+
+  void rowMarkCountsEveryWrite() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(6, 5);
+    window.lens->SetNumDataTable(table);
+    window.lens->SetRowMarked(3, true);
+    window.lens->SetRowMarked(3, true);
+    QCOMPARE(window.lens->MarkedRowCount(), 2);
+    window.lens->SetRowMarked(4, false);
+    QCOMPARE(window.lens->MarkedRowCount(), 1);
+    window.lens->SetRowMarked(0, true);   // ignored
+    window.lens->SetRowMarked(99, true);  // ignored
+    QCOMPARE(window.lens->MarkedRowCount(), 1);
+  }
+
+  void filteringShowsOnlyMarkedRows() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(30, 5);
+    window.lens->SetNumDataTable(table);
+    window.lens->VerticalScroll(5);  // the filtered view ignores the top row
+    window.lens->SetRowMarked(4, true);
+    window.lens->SetRowMarked(17, true);
+    window.lens->SetFilterRows(true);
+    QCOMPARE(window.lens->SlotRow(1), 4);
+    QCOMPARE(window.lens->SlotRow(2), 17);
+    QCOMPARE(window.lens->SlotRow(3), 0);
+    const QImage& picture = window.lens->Picture();
+    testing::MaybeSaveSnapshot(picture, "lens_filtered");
+    QVERIFY(CountColour(picture, window.lens->CellRect(1, 0), kMarkedHeader) > 50);
+    QVERIFY(CountColour(picture, window.lens->CellRect(2, 0), kMarkedHeader) > 50);
+    QCOMPARE(DarkestLevel(picture, window.lens->CellRect(3, 0)), 255);
+    QCOMPARE(DarkestLevel(picture, window.lens->CellRect(3, 2)), 255);
+    // A click below the last filled slot is ignored.
+    QSignalSpy clicks(window.lens.get(), &TableLens::CellMouseClick);
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.CellCentre(5, 2));
+    QCOMPARE(clicks.count(), 0);
+    // A click on a filtered slot reports the data row shown there.
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.CellCentre(2, 3));
+    QCOMPARE(clicks.count(), 1);
+    QCOMPARE(clicks.at(0).at(0).toInt(), 17);
+    window.lens->SetFilterRows(false);
+    QCOMPARE(window.lens->SlotRow(1), 6);
+  }
+
+  void scrollBarsMoveTheView() {
+    LensWindow window(QSize(800, 400), true);
+    const SparseMatrixSingle table = NumberedTable(100, 30);
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.horizontal->maximum(), 30);
+    QCOMPARE(window.vertical->maximum(), 100);
+    QCOMPARE(window.horizontal->pageStep(), 10);
+    QCOMPARE(window.vertical->pageStep(), 20);
+    const QImage before = window.lens->Picture();
+    window.horizontal->setValue(4);
+    QCOMPARE(window.lens->LeftColumn(), 5);
+    QVERIFY(window.lens->Picture() != before);
+    window.horizontal->setValue(30);  // past the end: the last ten columns
+    QCOMPARE(window.lens->LeftColumn(), 21);
+    window.vertical->setValue(50);
+    QCOMPARE(window.lens->TopRow(), 51);
+    window.vertical->setValue(95);
+    QCOMPARE(window.lens->TopRow(), 81);
+  }
+
+  void cursorFollowsClicksAndRaisesEvents() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(30, 30);
+    window.lens->SetNumDataTable(table);
+    window.lens->HorizontalScroll(2);  // left column 3
+    QSignalSpy clicks(window.lens.get(), &TableLens::CellMouseClick);
+    const QImage picture = window.lens->Picture();
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.CellCentre(4, 2));
+    QCOMPARE(clicks.count(), 1);
+    QCOMPARE(clicks.at(0).at(0).toInt(), 4);  // row
+    QCOMPARE(clicks.at(0).at(1).toInt(), 4);  // column: 2 + 3 - 1
+    QCOMPARE(clicks.at(0).at(2).value<Qt::MouseButton>(), Qt::LeftButton);
+    QCOMPARE(window.lens->CursorRow(), 4);
+    QCOMPARE(window.lens->CursorColumn(), 4);
+    // The cursor is drawn on the overlay only: the grid picture is untouched.
+    QCOMPARE(window.lens->Picture(), picture);
+    const QImage seen = window.Surface()->grab().toImage();
+    testing::MaybeSaveSnapshot(seen, "lens_cursor");
+    const QRectF cell = window.lens->CellRect(4, 2);
+    QVERIFY(ColourNear(seen, QPointF(cell.left(), cell.center().y()), kCursor));
+    QVERIFY(ColourNear(seen, QPointF(cell.center().x(), cell.bottom()), kCursor));
+    const QRectF old = window.lens->CellRect(1, 1);
+    QVERIFY(!ColourNear(seen, QPointF(old.left(), old.center().y()), kCursor));
+  }
+
+  void hoverReportsCellAndTooltip() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(30, 30);
+    window.lens->SetNumDataTable(table);
+    window.lens->SetRowName(3, QStringLiteral("storm"));
+    window.lens->SetColumnName(2, QStringLiteral("02/09"));
+    QSignalSpy over(window.lens.get(), &TableLens::CellMouseOver);
+    QTest::mouseMove(window.Surface(), window.CellCentre(3, 2));
+    QTRY_COMPARE(over.count(), 1);
+    QCOMPARE(over.at(0).at(0).toInt(), 2);  // column first
+    QCOMPARE(over.at(0).at(1).toInt(), 3);
+    QCOMPARE(window.lens->HoverRow(), 3);
+    QCOMPARE(window.lens->HoverColumn(), 2);
+    QCOMPARE(window.Surface()->toolTip(), QStringLiteral("storm(R3) , 02/09(C2): 302.000"));
+    QTest::mouseMove(window.Surface(), window.CellCentre(0, 2));  // header: no event
+    QTest::qWait(20);
+    QCOMPARE(over.count(), 1);
+  }
+
+  void arrowKeysMoveCursorAndScroll() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(30, 30);
+    window.lens->SetNumDataTable(table);
+    QWidget* surface = window.Surface();
+    QTest::keyClick(surface, Qt::Key_Left);
+    QTest::keyClick(surface, Qt::Key_Up);
+    QCOMPARE(window.lens->CursorRow(), 1);  // clamped
+    QCOMPARE(window.lens->CursorColumn(), 1);
+    for (int i = 0; i < 9; ++i) QTest::keyClick(surface, Qt::Key_Right);
+    QCOMPARE(window.lens->CursorColumn(), 10);
+    QCOMPARE(window.lens->LeftColumn(), 1);
+    const QImage before = window.lens->Picture();
+    QTest::keyClick(surface, Qt::Key_Right);  // off the last visible column: scroll one
+    QCOMPARE(window.lens->CursorColumn(), 11);
+    QCOMPARE(window.lens->LeftColumn(), 2);
+    QVERIFY(window.lens->Picture() != before);
+    QTest::keyClick(surface, Qt::Key_Down);
+    QCOMPARE(window.lens->CursorRow(), 2);
+    QCOMPARE(window.lens->TopRow(), 1);
+    for (int i = 0; i < 19; ++i) QTest::keyClick(surface, Qt::Key_Down);
+    QCOMPARE(window.lens->CursorRow(), 21);
+    QCOMPARE(window.lens->TopRow(), 2);
+    for (int i = 0; i < 30; ++i) QTest::keyClick(surface, Qt::Key_Down);
+    QCOMPARE(window.lens->CursorRow(), 30);  // clamped to RowCount
+    QCOMPARE(window.lens->TopRow(), 11);
+    // Moving back left of the left column makes it follow.
+    for (int i = 0; i < 10; ++i) QTest::keyClick(surface, Qt::Key_Left);
+    QCOMPARE(window.lens->CursorColumn(), 1);
+    QCOMPARE(window.lens->LeftColumn(), 1);
+    // Other keys change nothing.
+    QTest::keyClick(surface, Qt::Key_A);
+    QCOMPARE(window.lens->CursorColumn(), 1);
+    const QImage seen = window.lens->Snapshot();
+    const QRectF cell = window.lens->CellRect(20, 1);
+    QVERIFY(ColourNear(seen, QPointF(cell.left(), cell.center().y()), kCursor));
+  }
+
+  void moveCursorSetsPositiveValues() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(30, 30);
+    window.lens->SetNumDataTable(table);
+    window.lens->MoveCursor(5, 0);
+    QCOMPARE(window.lens->CursorRow(), 5);
+    QCOMPARE(window.lens->CursorColumn(), 1);
+    window.lens->MoveCursor(-1, 7);
+    QCOMPARE(window.lens->CursorRow(), 5);
+    QCOMPARE(window.lens->CursorColumn(), 7);
+  }
+
+  void emptyTableDrawsHeadersOnly() {
+    LensWindow window;
+    SparseMatrixSingle table;
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.lens->VisibleRows(), 0);
+    QCOMPARE(window.lens->VisibleColumns(), 0);
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, QPoint(700, 300));
+    QTest::keyClick(window.Surface(), Qt::Key_Right);
+    QVERIFY(window.notifier.Messages().empty());
+  }
+
+  void offscreenLensRendersWithoutWindow() {
+    TableLens lens;
+    lens.SetPictureSize(QSize(640, 320));
+    const SparseMatrixSingle table = NumberedTable(12, 60);
+    lens.SetNumDataTable(table);
+    lens.SetVisibleColumns(60);
+    QCOMPARE(lens.Snapshot().size(), QSize(640, 320));
+    QVERIFY(lens.TLContainer() == nullptr);
+    QVERIFY(lens.MaxVisibleRows() > 10);
+  }
+};
+
+}  // namespace sylvora
+
+QTEST_MAIN(sylvora::TableLensTest)
+#include "table_lens_test.moc"

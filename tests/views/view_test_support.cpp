@@ -1,0 +1,60 @@
+#include "view_test_support.h"
+
+#include <QDir>
+#include <QString>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace sylvora::testing {
+
+QColor PixelAt(const QImage& image, QPointF at) {
+  const int x = static_cast<int>(std::floor(at.x()));
+  const int y = static_cast<int>(std::floor(at.y()));
+  if (!image.valid(x, y)) return QColor(0, 0, 0);
+  return QColor(image.pixel(x, y));
+}
+
+bool ColourNear(const QImage& image, QPointF at, const QColor& colour, int radius) {
+  const int cx = static_cast<int>(std::floor(at.x()));
+  const int cy = static_cast<int>(std::floor(at.y()));
+  for (int y = cy - radius; y <= cy + radius; ++y) {
+    for (int x = cx - radius; x <= cx + radius; ++x) {
+      if (image.valid(x, y) && QColor(image.pixel(x, y)).rgb() == colour.rgb()) return true;
+    }
+  }
+  return false;
+}
+
+int CountColour(const QImage& image, const QRectF& rect, const QColor& colour) {
+  const QRect area = rect.toAlignedRect().intersected(image.rect());
+  int count = 0;
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) {
+      if (QColor(image.pixel(x, y)).rgb() == colour.rgb()) ++count;
+    }
+  }
+  return count;
+}
+
+int DarkestLevel(const QImage& image, const QRectF& rect) {
+  const QRect area = rect.toAlignedRect().intersected(image.rect());
+  int darkest = 255;
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) {
+      const QColor c(image.pixel(x, y));
+      darkest = std::min({darkest, c.red(), c.green(), c.blue()});
+    }
+  }
+  return darkest;
+}
+
+void MaybeSaveSnapshot(const QImage& image, const char* name) {
+  const char* folder = std::getenv("SYLVORA_VIEW_SNAPSHOTS");
+  if (folder == nullptr || *folder == '\0') return;
+  QDir().mkpath(QString::fromLocal8Bit(folder));
+  image.save(QStringLiteral("%1/%2.png").arg(QString::fromLocal8Bit(folder), QString::fromLatin1(name)));
+}
+
+}  // namespace sylvora::testing
