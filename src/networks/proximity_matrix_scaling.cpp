@@ -1,0 +1,346 @@
+// Network scaling: nearest neighbours, the minimum spanning tree, Pathfinder networks and
+// geodesic distances. Each works on the upper triangle (i < j) and writes both cells of a
+// pair, so every result is symmetric.
+
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <string>
+
+#include "common/stopwatch.h"
+#include "networks/proximity_matrix.h"
+#include "sparse/sorting_helpers.h"
+
+namespace sylvora {
+
+namespace {
+
+constexpr const char* kEmptyMatrix = "The proximity matrix is empty";
+constexpr const char* kCancelled = "Cancelled";
+
+// Union-find over the nodes, by size with path halving.
+class NodeSets {
+ public:
+  explicit NodeSets(std::int32_t n) : parent_(static_cast<std::size_t>(n)), size_(parent_.size(), 1) {
+    std::iota(parent_.begin(), parent_.end(), 0);
+  }
+  std::int32_t Find(std::int32_t x) {
+    while (parent_[static_cast<std::size_t>(x)] != x) {
+      auto& p = parent_[static_cast<std::size_t>(x)];
+      p = parent_[static_cast<std::size_t>(p)];
+      x = p;
+    }
+    return x;
+  }
+  // False when both are already in one set.
+  bool Join(std::int32_t a, std::int32_t b) {
+    a = Find(a);
+    b = Find(b);
+    if (a == b) return false;
+    if (size_[static_cast<std::size_t>(a)] < size_[static_cast<std::size_t>(b)]) std::swap(a, b);
+    parent_[static_cast<std::size_t>(b)] = a;
+    size_[static_cast<std::size_t>(a)] += size_[static_cast<std::size_t>(b)];
+    return true;
+  }
+
+ private:
+  std::vector<std::int32_t> parent_;
+  std::vector<std::int32_t> size_;
+};
+
+}  // namespace
+
+NetworkResult ProximityMatrix::Transform2KNN(std::int32_t k) const {
+  Stopwatch watch;
+  if (type_ == kEmpty) {
+    trace_.Line("Transform2KNN failed - matrix is empty");
+    return NetworkResult::Failure(kEmptyMatrix);
+  }
+  ProximityMatrix result;
+  result.InitMatrix(n_, type_);
+  result.trace_ = trace_;
+  const bool descending = HoldsSimilarities();
+  for (std::int32_t i = 0; i < n_; ++i) {
+    const std::span<const float> row(values_.data() + At(i, 0), static_cast<std::size_t>(n_));
+    std::int32_t count = k;
+    const std::vector<std::int32_t> picks = SelectTopK(row, i, count, descending, 0);
+    for (const std::int32_t m : picks) {
+      if (m < 0) continue;  // nothing left to pick
+      const float v = values_[At(i, m)];
+      result.values_[At(i, m)] = v;
+      result.values_[At(m, i)] = v;
+    }
+  }
+  trace_.Line("KNN computed in ", watch.Lap(), " secs");
+  return NetworkResult(std::move(result));
+}
+
+// Growing the tree from the start edge and always taking the first edge in sorted order with
+// exactly one end in the tree is Prim's rule with the sorted position as the key. Positions
+// are all different, so the spanning tree of the start node's component under that key is
+// unique, and Kruskal's pass over the same order (join the ends of every edge that links two
+// different sets) finds it without rescanning the list for every node.
+NetworkResult ProximityMatrix::Transform2MST(std::int32_t startNode,
+                                             const ProgressCallback& progress) const {
+  Stopwatch watch;
+  if (type_ == kEmpty || n_ == 0) return NetworkResult::Failure(kEmptyMatrix);
+  if (startNode < -1 || startNode >= n_) {
+    return NetworkResult::Failure("The start node " + std::to_string(startNode) +
+                                  " is outside 0.." + std::to_string(n_ - 1));
+  }
+
+  std::vector<EdgeRecord> edges = GetEdgeList(0.0f, 1.0f);
+  trace_.Line("edgecount = ", edges.size());
+  bool cancelled = false;
+  const ProgressCallback sortProgress = [&](std::string_view stage, std::int64_t done,
+                                            std::int64_t total) {
+    if (progress && !progress(stage, done, total)) cancelled = true;
+    return !cancelled;
+  };
+  SortEdges(edges, HoldsSimilarities(), sortProgress);
+  if (cancelled) return NetworkResult::Failure(kCancelled);
+  if (edges.empty()) {
+    return NetworkResult::Failure("The matrix has no links with values between 0 and 1");
+  }
+
+  std::size_t start = 0;
+  if (startNode != -1) {
+    while (start < edges.size() && edges[start].FromNode != startNode &&
+           edges[start].ToNode != startNode) {
+      ++start;
+    }
+    if (start == edges.size()) {
+      return NetworkResult::Failure("The start node " + std::to_string(startNode) +
+                                    " has no links with values between 0 and 1");
+    }
+  }
+
+  NodeSets sets(n_);
+  std::vector<EdgeRecord> forest;
+  forest.reserve(static_cast<std::size_t>(n_ - 1));
+  ProgressReporter reporter(progress, "Spanning tree", n_ - 1);
+  for (const EdgeRecord& edge : edges) {
+    if (!sets.Join(edge.FromNode, edge.ToNode)) continue;
+    forest.push_back(edge);
+    if (!reporter.Step()) return NetworkResult::Failure(kCancelled);
+    if (forest.size() + 1 == static_cast<std::size_t>(n_)) break;
+  }
+
+  ProximityMatrix result;
+  result.InitMatrix(n_, type_);
+  result.trace_ = trace_;
+  const std::int32_t root = sets.Find(edges[start].FromNode);
+  for (const EdgeRecord& edge : forest) {
+    if (sets.Find(edge.FromNode) != root) continue;
+    result.values_[At(edge.FromNode, edge.ToNode)] = edge.Weight;
+    result.values_[At(edge.ToNode, edge.FromNode)] = edge.Weight;
+  }
+
+  std::int32_t missing = 0;
+  for (std::int32_t node = 0; node < n_; ++node) missing += sets.Find(node) != root;
+  std::string message;
+  if (missing > 0) {
+    trace_.Line("MST failed, could not add ", missing, " vertices");
+    for (std::int32_t node = 0; node < n_; ++node) {
+      if (sets.Find(node) != root) trace_.Line("MST missing node ", node);
+    }
+    message = "The network is not connected: the spanning tree leaves out " +
+              std::to_string(missing) + " of " + std::to_string(n_) + " nodes";
+  }
+  trace_.Line("MST computed in ", watch.Lap(), " secs");
+  return NetworkResult(std::move(result), std::move(message));
+}
+
+bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::int32_t q,
+                                      bool ascending, const ProgressCallback& progress) {
+  const std::int32_t n = d.n_;
+  const auto stride = static_cast<std::size_t>(n);
+  float* values = d.values_.data();
+  std::int32_t* links = d.linkCounts_.data();
+  const double power = r;
+  const double root = 1.0 / power;
+  // A pair may take a path only through at most q links (no limit when q < 0).
+  const auto allowed = [q](std::int64_t pathLinks) { return q < 0 || pathLinks <= q; };
+  const auto replace = [&](std::size_t i, std::size_t k, std::size_t j, float p) {
+    const std::int64_t pathLinks =
+        static_cast<std::int64_t>(links[i * stride + k]) + links[k * stride + j];
+    if (!allowed(pathLinks)) return false;
+    values[i * stride + j] = p;
+    values[j * stride + i] = p;
+    links[i * stride + j] = static_cast<std::int32_t>(pathLinks);
+    links[j * stride + i] = static_cast<std::int32_t>(pathLinks);
+    return true;
+  };
+
+  // For r other than 0 and 1: D(k, j)^r of row k, kept current as row k changes, and the
+  // smallest value whose r-th power is safely inside the float range, above which the path
+  // length is never below max(a, b) by more than rounding.
+  std::vector<double> rowPowers;
+  const double smallestSafe = std::pow(1e-30, root);
+  constexpr float kRoundingSlack = 1.0f - 1e-6f;
+
+  for (std::int32_t step = 0; step < n; ++step) {
+    const auto k = static_cast<std::size_t>(ascending ? step : n - 1 - step);
+    const float* rowK = values + k * stride;
+    if (r > 1) {
+      rowPowers.resize(stride);
+      for (std::size_t j = 0; j < stride; ++j) rowPowers[j] = std::pow(rowK[j], power);
+    }
+    for (std::size_t i = 0; i + 1 < stride; ++i) {
+      float* rowI = values + i * stride;
+      const float a = rowI[k];
+      if (r == 0) {
+        for (std::size_t j = i + 1; j < stride; ++j) {
+          const float b = rowK[j];
+          const float p = a > b ? a : b;
+          if (rowI[j] > p) replace(i, k, j, p);
+        }
+      } else if (r == 1) {
+        for (std::size_t j = i + 1; j < stride; ++j) {
+          const auto p = static_cast<float>(static_cast<double>(a) + rowK[j]);
+          if (rowI[j] > p) replace(i, k, j, p);
+        }
+      } else {
+        const auto aPower = static_cast<float>(std::pow(a, power));
+        for (std::size_t j = i + 1; j < stride; ++j) {
+          const float b = rowK[j];
+          const float dij = rowI[j];
+          // With both ends non-negative and the larger one safely representable as a power,
+          // the path is at least max(a, b) less rounding: a cell not above that keeps.
+          const float larger = a > b ? a : b;
+          if (a >= 0.0f && b >= 0.0f && larger >= smallestSafe && dij <= larger * kRoundingSlack) {
+            continue;
+          }
+          const auto p = static_cast<float>(std::pow(aPower + rowPowers[j], root));
+          if (dij > p && replace(i, k, j, p)) {
+            // Row k changes when the pair is (k, j) or (i, k).
+            if (i == k) rowPowers[j] = std::pow(p, power);
+            if (j == k) rowPowers[i] = std::pow(p, power);
+          }
+        }
+      }
+    }
+    if (progress && !progress("Pathfinder", step + 1, n)) return false;
+  }
+  return true;
+}
+
+NetworkResult ProximityMatrix::Transform2FastPF(std::uint8_t r, const ProgressCallback& progress) {
+  Stopwatch watch;
+  if (type_ == kEmpty) return NetworkResult::Failure(kEmptyMatrix);
+  if (HoldsSimilarities()) {
+    trace_.Line("Transform2FastPF - converting similarities to dissimilarites");
+    Sim2Dis();
+    trace_.Line("Done");
+  }
+  ProximityMatrix d = PathCopy(false);
+  if (!RelaxPathfinder(d, r, -1, true, progress)) return NetworkResult::Failure(kCancelled);
+  for (std::int32_t i = 0; i + 1 < n_; ++i) {
+    for (std::int32_t j = i + 1; j < n_; ++j) {
+      if (d.values_[At(i, j)] != values_[At(i, j)]) {
+        d.values_[At(i, j)] = kNoLink;
+        d.values_[At(j, i)] = kNoLink;
+      }
+    }
+  }
+  trace_.Line("PF completed in ", watch.Lap(), " secs");
+  return NetworkResult(std::move(d));
+}
+
+NetworkResult ProximityMatrix::FastPFQ(std::uint8_t r, std::int32_t q,
+                                       const ProgressCallback& progress) const {
+  if (type_ != kDocumentDissimilarities && type_ != kTermDissimilarities) {
+    trace_.Line("FastPFQ failed - matrix is empty or contains similarities");
+    return NetworkResult::Failure(type_ == kEmpty ? kEmptyMatrix
+                                                  : "The matrix does not hold dissimilarities");
+  }
+  ProximityMatrix d = PathCopy(false);
+  if (!RelaxPathfinder(d, r, q < 0 ? 0 : q, true, progress)) {
+    return NetworkResult::Failure(kCancelled);
+  }
+  for (std::int32_t i = 0; i + 1 < n_; ++i) {
+    for (std::int32_t j = i + 1; j < n_; ++j) {
+      if (d.values_[At(i, j)] != values_[At(i, j)]) {
+        d.values_[At(i, j)] = kNoLink;
+        d.values_[At(j, i)] = kNoLink;
+      }
+    }
+  }
+  return NetworkResult(std::move(d));
+}
+
+NetworkResult ProximityMatrix::FastPFQ2(std::uint8_t r, std::int32_t q,
+                                        const ProgressCallback& progress) const {
+  if (type_ != kDocumentDissimilarities && type_ != kTermDissimilarities) {
+    trace_.Line("FastPFQ failed - matrix is empty or contains similarities");
+    return NetworkResult::Failure(type_ == kEmpty ? kEmptyMatrix
+                                                  : "The matrix does not hold dissimilarities");
+  }
+  const std::int32_t limit = q < 0 ? 0 : q;
+  ProximityMatrix forward = PathCopy(false);
+  if (!RelaxPathfinder(forward, r, limit, true, progress)) {
+    return NetworkResult::Failure(kCancelled);
+  }
+  ProximityMatrix backward = PathCopy(false);
+  if (!RelaxPathfinder(backward, r, limit, false, progress)) {
+    return NetworkResult::Failure(kCancelled);
+  }
+  ProximityMatrix result = PathCopy(false);
+  for (std::int32_t i = 0; i + 1 < n_; ++i) {
+    for (std::int32_t j = i + 1; j < n_; ++j) {
+      const float source = values_[At(i, j)];
+      if (source != forward.values_[At(i, j)] || source != backward.values_[At(i, j)]) {
+        result.values_[At(i, j)] = kNoLink;
+        result.values_[At(j, i)] = kNoLink;
+      }
+    }
+  }
+  return NetworkResult(std::move(result));
+}
+
+NetworkResult ProximityMatrix::Transform2Geodesic(const ProgressCallback& progress) const {
+  Stopwatch watch;
+  if (type_ == kEmpty) {
+    trace_.Line("Transform2Geodesic failed - matrix is empty");
+    return NetworkResult::Failure(kEmptyMatrix);
+  }
+  if (HoldsSimilarities()) {
+    trace_.Line(
+        "This is a similarity matrix. Converting to dissimilarities before computing shortest "
+        "paths...");
+  }
+  ProximityMatrix d = PathCopy(HoldsSimilarities());
+  const auto stride = static_cast<std::size_t>(n_);
+  float* values = d.values_.data();
+  std::int32_t* links = d.linkCounts_.data();
+  for (std::size_t k = 0; k < stride; ++k) {
+    // Row and column k do not change while k is the intermediate node: going through k to
+    // reach k adds the diagonal's 0, which is never shorter.
+    const float* rowK = values + k * stride;
+    const std::int32_t* linksK = links + k * stride;
+    for (std::size_t i = 0; i + 1 < stride; ++i) {
+      float* rowI = values + i * stride;
+      const double a = rowI[k];
+      const std::int32_t linksIK = links[i * stride + k];
+      for (std::size_t j = i + 1; j < stride; ++j) {
+        const double sum = a + static_cast<double>(rowK[j]);
+        if (sum < rowI[j]) {
+          const auto p = static_cast<float>(sum);
+          rowI[j] = p;
+          values[j * stride + i] = p;
+          const std::int32_t pathLinks = linksIK + linksK[j];
+          links[i * stride + j] = pathLinks;
+          links[j * stride + i] = pathLinks;
+        }
+      }
+    }
+    if (progress && !progress("Geodesic - K=" + std::to_string(k), static_cast<std::int64_t>(k) + 1,
+                              n_)) {
+      return NetworkResult::Failure(kCancelled);
+    }
+  }
+  trace_.Line("Geodesic distances computed in ", watch.Lap(), " secs");
+  return NetworkResult(std::move(d));
+}
+
+}  // namespace sylvora

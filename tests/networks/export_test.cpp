@@ -1,0 +1,168 @@
+// Text forms of a proximity matrix, byte for byte: DOT, the comma-separated matrix, the
+// clipboard table and the upper-triangle vector.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "network_references.h"
+#include "networks/proximity_matrix.h"
+
+namespace sylvora {
+namespace {
+
+using testing::Cells;
+using testing::MakeMatrix;
+
+constexpr float N = ProximityMatrix::kNoLink;
+constexpr const char* kDotHeader =
+    "graph G {\r\n"
+    "\tnode [shape=plaintext,height=.0,width=.0];\r\n"
+    "\tedge [weight=1.0];\r\n";
+
+// A three-node chain 0 - 1 - 2 of distances 0.5 and 0.25.
+ProximityMatrix Chain() {
+  return MakeMatrix(3, 4,
+                    {
+                        N, 0.5f, N,      //
+                        0.5f, N, 0.25f,  //
+                        N, 0.25f, N,
+                    });
+}
+
+TEST(Matrix2Dot, WritesEdgesAscendingByLengthNumberedFromOne) {
+  ProximityMatrix m = Chain();
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) +
+                "\t2 -- 3 [len=0.25000];\r\n"
+                "\t1 -- 2 [len=0.50000];\r\n"
+                "}");
+}
+
+TEST(Matrix2Dot, FirstNodeZeroAndAboveOne) {
+  ProximityMatrix m = Chain();
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t1 -- 2 [len=0.25000];\r\n\t0 -- 1 [len=0.50000];\r\n}");
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 5, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t2 -- 3 [len=0.25000];\r\n\t1 -- 2 [len=0.50000];\r\n}");
+}
+
+TEST(Matrix2Dot, LengthPowerTwoAndZero) {
+  ProximityMatrix m = Chain();
+  EXPECT_EQ(m.Matrix2Dot(2.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t2 -- 3 [len=0.06250];\r\n\t1 -- 2 [len=0.25000];\r\n}");
+  EXPECT_EQ(m.Matrix2Dot(0.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t2 -- 3 [len=1.00000];\r\n\t1 -- 2 [len=1.00000];\r\n}");
+}
+
+TEST(Matrix2Dot, BandSelectsEdgesAndLabelsAreNotWritten) {
+  ProximityMatrix m = Chain();
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "a\tb\tc", 0.3f, 1.0f),
+            std::string(kDotHeader) + "\t1 -- 2 [len=0.50000];\r\n}");
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.6f, 1.0f), std::string(kDotHeader) + "}");
+}
+
+TEST(Matrix2Dot, ConvertsSimilaritiesInPlace) {
+  ProximityMatrix m = MakeMatrix(2, 2, {N, 0.75f, 0.75f, N});
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t1 -- 2 [len=0.25000];\r\n}");
+  EXPECT_EQ(m.CurrentMatrixType(), 4);
+  EXPECT_EQ(m.Value(0, 1), 0.25f);
+  // Already distances: a second call writes the same text and changes nothing.
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t1 -- 2 [len=0.25000];\r\n}");
+  EXPECT_EQ(m.CurrentMatrixType(), 4);
+}
+
+TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
+  // Five equal lengths and one shorter, listed (0,1) (0,2) (0,3) (1,2) (1,3) (2,3): the gap-3
+  // pass moves (1,2) to the front, and (0,1) after it.
+  ProximityMatrix m = MakeMatrix(4, 3,
+                                 {
+                                     N, 0.5f, 0.5f, 0.5f,  //
+                                     0.5f, N, 0.125f, 0.5f,  //
+                                     0.5f, 0.125f, N, 0.5f,  //
+                                     0.5f, 0.5f, 0.5f, N,
+                                 });
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f),
+            std::string(kDotHeader) +
+                "\t1 -- 2 [len=0.12500];\r\n"
+                "\t0 -- 2 [len=0.50000];\r\n"
+                "\t0 -- 3 [len=0.50000];\r\n"
+                "\t0 -- 1 [len=0.50000];\r\n"
+                "\t1 -- 3 [len=0.50000];\r\n"
+                "\t2 -- 3 [len=0.50000];\r\n"
+                "}");
+  // 0.000005 is written with its half rounded up.
+  ProximityMatrix tiny = MakeMatrix(2, 3, {N, 0.000005f, 0.000005f, N});
+  EXPECT_EQ(tiny.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) + "\t1 -- 2 [len=0.00001];\r\n}");
+}
+
+TEST(Matrix2Dot, EmptyMatrixGivesHeaderAndClosingBrace) {
+  ProximityMatrix m;
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) + "}");
+}
+
+TEST(Matrix2Dot, MapPathFromSimilaritiesToTreeToText) {
+  // Sim2Dis, the spanning tree from the best edge, and DOT with numbering from 1, as maps do.
+  ProximityMatrix m = MakeMatrix(4, 2,
+                                 {
+                                     N, 0.5f, 0.5f, 0.1f,  //
+                                     0.5f, N, 0.9f, 0.2f,  //
+                                     0.5f, 0.9f, N, 0.3f,  //
+                                     0.1f, 0.2f, 0.3f, N,
+                                 });
+  m.Sim2Dis();
+  NetworkResult tree = m.Transform2MST(-1);
+  ASSERT_TRUE(tree);
+  EXPECT_EQ(tree->Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
+            std::string(kDotHeader) +
+                "\t2 -- 3 [len=0.10000];\r\n"
+                "\t1 -- 3 [len=0.50000];\r\n"
+                "\t3 -- 4 [len=0.70000];\r\n"
+                "}");
+}
+
+TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {
+  const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.1f, 0.1f, 9999999.0f});
+  EXPECT_EQ(m.Matrix2IVCSparse(),
+            ",2,2\r"
+            "RowLabels,,\r"
+            "ColumnLabels,,\r"
+            "Data,\r"
+            "-1,0.1\r"
+            "0.1,9999999\r");
+  const ProximityMatrix small = MakeMatrix(1, 1, {0.00001f});
+  EXPECT_EQ(small.Matrix2IVCSparse(), ",1,1\rRowLabels,\rColumnLabels,\rData,\r1e-05\r");
+  EXPECT_EQ(ProximityMatrix().Matrix2IVCSparse(), ",0,0\rRowLabels\rColumnLabels\rData,\r");
+}
+
+TEST(Copy2Clip, RowsOfFixedFiveDecimalsJoinedByCrLf) {
+  const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.333333f, 0.333333f, 2.5f});
+  EXPECT_EQ(m.Copy2Clip(), "-1.00000\t0.33333\r\n0.33333\t2.50000");
+  EXPECT_EQ(ProximityMatrix().Copy2Clip(), "");
+}
+
+TEST(Matrix2Vector, UpperTriangleRowByRow) {
+  std::vector<float> values(16, N);
+  const auto set = [&](int i, int j, float v) {
+    values[static_cast<std::size_t>(i * 4 + j)] = v;
+    values[static_cast<std::size_t>(j * 4 + i)] = v;
+  };
+  set(0, 1, 1.0f);
+  set(0, 2, 2.0f);
+  set(0, 3, 3.0f);
+  set(1, 2, 4.0f);
+  set(1, 3, 5.0f);
+  set(2, 3, 6.0f);
+  const ProximityMatrix m = MakeMatrix(4, 1, values);
+  EXPECT_EQ(m.Matrix2Vector(), (std::vector<float>{1, 2, 3, 4, 5, 6}));
+  EXPECT_TRUE(MakeMatrix(1, 1, {N}).Matrix2Vector().empty());
+  EXPECT_TRUE(ProximityMatrix().Matrix2Vector().empty());
+  EXPECT_EQ(Cells(m), values);  // unchanged
+}
+
+}  // namespace
+}  // namespace sylvora

@@ -1,0 +1,213 @@
+// ProximityMatrix filling: a fresh object, AssignMatrix, Sim2Dis, Value and LinkCount ranges,
+// the diagnostic trace, and LoadMatrix on good and malformed files.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "common/errors.h"
+#include "network_references.h"
+#include "networks/proximity_matrix.h"
+#include "support/temp_dir.h"
+
+namespace sylvora {
+namespace {
+
+using testing::Cells;
+using testing::MakeMatrix;
+using testing::TempDir;
+
+constexpr float N = ProximityMatrix::kNoLink;
+
+TEST(ProximityMatrix, FreshObjectIsEmpty) {
+  const ProximityMatrix m;
+  EXPECT_EQ(m.CurrentMatrixType(), 0);
+  EXPECT_EQ(m.NodeCount(), 0);
+  EXPECT_TRUE(m.Values().empty());
+  EXPECT_THROW(m.Value(0, 0), RangeError);
+}
+
+TEST(ProximityMatrix, AssignMatrixChecksTheSize) {
+  ProximityMatrix m;
+  EXPECT_TRUE(m.AssignMatrix(std::vector<float>{N, 0.5f, 0.5f, N}, 2, 1));
+  EXPECT_EQ(m.NodeCount(), 2);
+  EXPECT_EQ(m.CurrentMatrixType(), 1);
+  EXPECT_EQ(m.Value(1, 0), 0.5f);
+  const std::vector<float> three(9, 0.25f);
+  EXPECT_FALSE(m.AssignMatrix(std::span<const float>(three), 2, 3));
+  EXPECT_FALSE(m.AssignMatrix(std::vector<float>{}, -1, 3));
+  EXPECT_EQ(m.NodeCount(), 2);  // unchanged
+  EXPECT_EQ(m.CurrentMatrixType(), 1);
+  EXPECT_TRUE(m.AssignMatrix(std::span<const float>(three), 3, 4));
+  EXPECT_EQ(m.Value(2, 2), 0.25f);
+}
+
+TEST(ProximityMatrix, ValueAndLinkCountRejectNodesOutOfRange) {
+  const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.5f, 0.5f, N});
+  EXPECT_THROW(m.Value(2, 0), RangeError);
+  EXPECT_THROW(m.Value(0, -1), RangeError);
+  EXPECT_THROW(m.LinkCount(0, 2), RangeError);
+}
+
+TEST(ProximityMatrix, LinkCountIsZeroUntilAPathTransformAndTraceSaysSo) {
+  std::vector<std::string> trace;
+  ProximityMatrix m = MakeMatrix(2, 3, {N, 0.5f, 0.5f, N});
+  m.SetTrace(DebugTrace([&](std::string_view line) { trace.emplace_back(line); }));
+  EXPECT_EQ(m.LinkCount(0, 1), 0);
+  EXPECT_EQ(trace, std::vector<std::string>{"Need to Transform2Geodesic first to count links"});
+}
+
+TEST(ProximityMatrix, TraceIsOffByDefault) {
+  const ProximityMatrix m = MakeMatrix(2, 3, {N, 0.5f, 0.5f, N});
+  EXPECT_FALSE(m.Trace().Enabled());
+  EXPECT_EQ(m.LinkCount(0, 1), 0);  // nothing to write to, nothing fails
+}
+
+TEST(Sim2Dis, TogglesValuesAndTypes) {
+  for (const std::int32_t type : {1, 2}) {
+    ProximityMatrix m = MakeMatrix(3, type,
+                                   {
+                                       N, 0.8f, N,     //
+                                       0.8f, N, 0.0f,  //
+                                       N, 0.0f, N,
+                                   });
+    m.Sim2Dis();
+    EXPECT_EQ(m.CurrentMatrixType(), type + 2);
+    EXPECT_EQ(m.Value(0, 1), 1.0f - 0.8f);
+    EXPECT_EQ(m.Value(1, 0), 1.0f - 0.8f);
+    EXPECT_EQ(m.Value(0, 2), N);
+    EXPECT_EQ(m.Value(1, 2), 1.0f);
+    EXPECT_EQ(m.Value(1, 1), N);  // the diagonal is not touched
+    m.Sim2Dis();
+    EXPECT_EQ(m.CurrentMatrixType(), type);
+    EXPECT_EQ(m.Value(0, 1), 0.8f);
+    EXPECT_EQ(m.Value(0, 2), N);
+    EXPECT_EQ(m.Value(1, 2), 0.0f);
+  }
+}
+
+TEST(Sim2Dis, LeavesValuesBelowMinusOneAndTheDiagonal) {
+  ProximityMatrix m = MakeMatrix(2, 3, {0.5f, -2.0f, -2.0f, 0.5f});
+  m.Sim2Dis();
+  EXPECT_EQ(m.CurrentMatrixType(), 1);
+  EXPECT_EQ(Cells(m), (std::vector<float>{0.5f, -2.0f, -2.0f, 0.5f}));
+}
+
+TEST(Sim2Dis, EmptyMatrixDoesNothingAndTraces) {
+  std::vector<std::string> trace;
+  ProximityMatrix m;
+  m.SetTrace(DebugTrace([&](std::string_view line) { trace.emplace_back(line); }));
+  m.Sim2Dis();
+  EXPECT_EQ(m.CurrentMatrixType(), 0);
+  EXPECT_EQ(trace, std::vector<std::string>{"Sim2DisFailed - matrix is empty"});
+}
+
+TEST(GetEdgeList, ListsTheUpperTriangleWithinTheBandInScanOrder) {
+  const ProximityMatrix m = MakeMatrix(3, 1,
+                                       {
+                                           N, 0.9f, 0.0f,  //
+                                           0.9f, N, 1.5f,  //
+                                           0.0f, 1.5f, N,
+                                       });
+  EXPECT_EQ(m.GetEdgeList(0.0f, 1.0f),
+            (std::vector<EdgeRecord>{{0.9f, 0, 1}, {0.0f, 0, 2}}));
+  EXPECT_EQ(m.GetEdgeList(-1.0f, 2.0f).size(), 3u);
+  EXPECT_TRUE(m.GetEdgeList(2.0f, 3.0f).empty());
+}
+
+// ---- LoadMatrix ----
+
+class LoadMatrix : public ::testing::Test {
+ protected:
+  std::string Write(std::string_view text) { return dir_.WriteFile("matrix.txt", text); }
+  TempDir dir_;
+};
+
+TEST_F(LoadMatrix, ReadsASquareMatrixWithCrLfAndATrailingTab) {
+  ProximityMatrix m;
+  ASSERT_TRUE(m.LoadMatrix(Write("0\t0.5\t0.25\t\r\n"
+                                 "9\t0\t0.75\t\r\n"
+                                 "9\t0.75\t0\t\r\n"),
+                           0, 2))
+      << m.LastLoadError();
+  EXPECT_EQ(m.NodeCount(), 3);
+  EXPECT_EQ(m.CurrentMatrixType(), 2);
+  EXPECT_EQ(Cells(m), (std::vector<float>{0, 0.5f, 0.25f, 0.5f, 0, 0.75f, 0.25f, 0.75f, 0}));
+  EXPECT_EQ(m.LinkCount(0, 1), 0);
+}
+
+TEST_F(LoadMatrix, LaterLinesDecideAPairAndFieldZeroOfLaterLinesIsIgnored) {
+  // Line 2 says (1, 2) = 0.1, line 3 says (2, 1) = 0.3: line 3 wins. The 7s in field 0 of lines
+  // 2 and 3 have no effect: column 0 comes from line 1.
+  ProximityMatrix m;
+  ASSERT_TRUE(m.LoadMatrix(Write("1\t0.2\t0.4\n"
+                                 "7\t2\t0.1\n"
+                                 "7\t0.3\t3\n"),
+                           0, 1));
+  EXPECT_EQ(Cells(m), (std::vector<float>{1, 0.2f, 0.4f, 0.2f, 2, 0.3f, 0.4f, 0.3f, 3}));
+}
+
+TEST_F(LoadMatrix, ReadsLeadingNumbersExponentsAndNonNumbersAsZero) {
+  ProximityMatrix m;
+  ASSERT_TRUE(m.LoadMatrix(Write("abc\t1E-05\n"
+                                 "x\t 2.5kg\n"),
+                           0, 3));
+  EXPECT_EQ(m.Value(0, 0), 0.0f);
+  EXPECT_EQ(m.Value(0, 1), 1e-05f);
+  EXPECT_EQ(m.Value(1, 1), 2.5f);
+  ASSERT_TRUE(m.LoadMatrix(Write("-0.5\t1.5e+2\n0\t1e999\n"), 0, 3));
+  EXPECT_EQ(m.Value(0, 0), -0.5f);
+  EXPECT_EQ(m.Value(0, 1), 150.0f);
+  EXPECT_TRUE(std::isinf(m.Value(1, 1)));
+}
+
+TEST_F(LoadMatrix, TrailingBlankLinesAreAllowed) {
+  ProximityMatrix m;
+  EXPECT_TRUE(m.LoadMatrix(Write("0\t1\n1\t0\n\r\n\n"), 0, 3));
+  EXPECT_EQ(m.NodeCount(), 2);
+}
+
+struct MalformedCase {
+  const char* name;
+  const char* text;
+  const char* error;  // the end of LastLoadError()
+};
+
+class LoadMatrixMalformed : public ::testing::TestWithParam<MalformedCase> {};
+
+TEST_P(LoadMatrixMalformed, FailsAndLeavesTheObjectAsItWas) {
+  const MalformedCase& c = GetParam();
+  TempDir dir;
+  const std::string path = dir.WriteFile("bad.txt", c.text);
+  ProximityMatrix m = MakeMatrix(1, 4, {0.5f});
+  EXPECT_FALSE(m.LoadMatrix(path, 0, 2));
+  EXPECT_TRUE(m.LastLoadError().ends_with(c.error)) << m.LastLoadError();
+  EXPECT_EQ(m.NodeCount(), 1);
+  EXPECT_EQ(m.CurrentMatrixType(), 4);
+  EXPECT_EQ(m.Value(0, 0), 0.5f);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, LoadMatrixMalformed,
+    ::testing::Values(
+        MalformedCase{"EmptyFile", "", "the first line holds no values"},
+        MalformedCase{"EmptyFirstLine", "\r\n0\t1\r\n", "the first line holds no values"},
+        MalformedCase{"TooFewLines", "0\t1\t2\n1\t0\t3\n", "3 nodes need 3 lines, the file has 2"},
+        MalformedCase{"ShortRow", "0\t1\t2\n1\t0\n2\t3\t0\n",
+                      "line 2: 2 fields where the matrix has 3 columns"},
+        MalformedCase{"ExtraLines", "0\t1\n1\t0\n5\t5\n",
+                      "line 3: more lines than the 2 rows of the matrix"}),
+    [](const ::testing::TestParamInfo<MalformedCase>& info) { return info.param.name; });
+
+TEST_F(LoadMatrix, UnknownLayoutAndMissingFileFail) {
+  ProximityMatrix m;
+  EXPECT_FALSE(m.LoadMatrix(Write("0\t1\n1\t0\n"), 1, 3));
+  EXPECT_EQ(m.LastLoadError(), "Unknown matrix file layout 1");
+  EXPECT_FALSE(m.LoadMatrix((dir_.Path() / "absent.txt").string(), 0, 3));
+  EXPECT_NE(m.LastLoadError().find("absent.txt"), std::string::npos);
+  EXPECT_EQ(m.CurrentMatrixType(), 0);
+}
+
+}  // namespace
+}  // namespace sylvora
