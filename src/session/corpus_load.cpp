@@ -99,6 +99,7 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
   info = CorpusInfo{};
   info.format = *format;
   info.filePath = options.path;
+  info.elapsedTimeUnit = options.unitCode;
   SetRoles(documents, info);
   documents.Clear();
 

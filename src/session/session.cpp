@@ -29,6 +29,14 @@ const TermDocumentMatrix& Session::Index(IndexKind kind) const {
 void Session::ClearIndexes() {
   for (const IndexKind kind : kIndexKinds) Index(kind) = TermDocumentMatrix();
   indexed_ = false;
+  ClearModels();
+}
+
+void Session::ClearModels() {
+  for (TextStream& model : models_) model = TextStream();
+  modelsBuilt_ = false;
+  intervalLength_ = 0;
+  intervalUnit_.clear();
 }
 
 std::string_view IndexKindName(IndexKind kind) {

@@ -10,6 +10,7 @@
 #include "common/numbering.h"
 #include "corpus/document_set.h"
 #include "indexing/term_document_matrix.h"
+#include "temporal/text_stream.h"
 
 namespace sylvora {
 
@@ -24,6 +25,8 @@ struct CorpusInfo {
   FieldIndex sentimentNegativeField = 4;
   // True when the elapsed-time column was derived and the documents are in time order.
   bool elapsedTimeDerived = false;
+  // The unit code ("s", "n", "h", "d", "ww") the elapsed-time column was derived in.
+  std::string elapsedTimeUnit = "h";
   std::string filePath;
 };
 
@@ -60,8 +63,29 @@ class Session {
   // True once an indexing run has completed and until ClearIndexes.
   bool Indexed() const { return indexed_; }
   void SetIndexed(bool indexed) { indexed_ = indexed; }
-  // Replaces the five indexes by empty ones.
+  // Replaces the five indexes by empty ones (and the interval models built on them).
   void ClearIndexes();
+
+  // The interval models of the "(Re)Build Views" workflow (BuildModels, interval_models.h),
+  // one per index, each over Documents() and Index(kind); replaced whole by every build and
+  // unbuilt (IntervalCount 0) until the first. They point into this session: a session that
+  // holds built models must not be moved.
+  TextStream& Model(IndexKind kind) { return models_[static_cast<std::size_t>(kind)]; }
+  const TextStream& Model(IndexKind kind) const { return models_[static_cast<std::size_t>(kind)]; }
+  TextStream& WordModel() { return Model(IndexKind::kWords); }
+  const TextStream& WordModel() const { return Model(IndexKind::kWords); }
+  // True once a model build has completed and until ClearModels.
+  bool ModelsBuilt() const { return modelsBuilt_; }
+  void SetModelsBuilt(bool built) { modelsBuilt_ = built; }
+  // The interval length and unit code of the last completed build (0 and "" before).
+  std::int32_t IntervalLength() const { return intervalLength_; }
+  const std::string& IntervalUnit() const { return intervalUnit_; }
+  void SetIntervalSettings(std::int32_t length, std::string unit) {
+    intervalLength_ = length;
+    intervalUnit_ = std::move(unit);
+  }
+  // Replaces the five models by empty ones.
+  void ClearModels();
 
  private:
   DocumentSet documents_;
@@ -72,6 +96,10 @@ class Session {
   TermDocumentMatrix mentions_;
   TermDocumentMatrix users_;
   bool indexed_ = false;
+  std::array<TextStream, 5> models_;  // by IndexKind
+  bool modelsBuilt_ = false;
+  std::int32_t intervalLength_ = 0;
+  std::string intervalUnit_;
 };
 
 // "words", "links", "hashtags", "mentions" or "users".

@@ -1,0 +1,317 @@
+// The model building of the "(Re)Build Views" workflow: the length checks with their messages
+// and questions, the five models, the TrunK choice, events and the sentiment model.
+
+#include "session/interval_models.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "session/corpus_index.h"
+#include "session/corpus_load.h"
+#include "support/recording_notifier.h"
+#include "support/temp_dir.h"
+
+namespace sylvora {
+namespace {
+
+using testing::RecordedMessage;
+using testing::RecordingNotifier;
+using testing::TempDir;
+
+struct Tweet {
+  int hour = 0;  // hours after 2013-09-02 00:00 (UTC)
+  std::string text;
+  std::string pos = "2";
+  std::string neg = "-1";
+  std::string user = "ann";
+};
+
+// One line of the sixteen-column export.
+std::string Line(const Tweet& t) {
+  const int day = 2 + t.hour / 24;
+  char date[64];
+  std::snprintf(date, sizeof date, "Mon Sep %02d %02d:00:00 +0000 2013", day, t.hour % 24);
+  std::string line;
+  for (const std::string& cell :
+       {std::string(date), t.user, t.text, std::string("123"), "Real " + t.user,
+        std::string("10"), std::string("20"), std::string("0"), std::string("UTC"),
+        std::string(""), std::string("99"), std::string("0"), std::string(""), t.pos, t.neg,
+        std::string("1")}) {
+    line += (line.empty() ? "" : "\t") + cell;
+  }
+  return line + "\n";
+}
+
+class IntervalModels : public ::testing::Test {
+ protected:
+  // Loads and indexes the tweets (every term kept).
+  void Prepare(const std::vector<Tweet>& tweets) {
+    std::string content;
+    for (const Tweet& t : tweets) content += Line(t);
+    LoadOptions load;
+    load.path = dir_.WriteFile("corpus.txt", content);
+    load.minDocLen = 0;
+    RecordingNotifier quiet;
+    const LoadReport loaded = LoadCorpus(session_, load, quiet);
+    ASSERT_TRUE(loaded.loaded) << loaded.error;
+    IndexOptions index;
+    index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+    index.minDocFrequency = 1;
+    index.maxDocFrequency = 1e9;
+    index.secondaryMinDocFrequency = 1;
+    const IndexReport indexed = BuildIndexes(session_, index);
+    ASSERT_TRUE(indexed.indexed) << indexed.error;
+  }
+
+  ModelReport Build(const std::string& length, const ModelOptions& base = {}) {
+    ModelOptions options = base;
+    options.intervalLength = length;
+    return BuildModels(session_, options, notifier_);
+  }
+
+  const std::vector<RecordedMessage>& Messages() const { return notifier_.Messages(); }
+
+  TempDir dir_;
+  Session session_;
+  RecordingNotifier notifier_;
+};
+
+// Tweets every two hours over 48 hours: hours 0, 2, ..., 48.
+std::vector<Tweet> EveryTwoHours() {
+  std::vector<Tweet> tweets;
+  for (int h = 0; h <= 48; h += 2) {
+    tweets.push_back({h, h < 24 ? "harbour storm warning #storm @port" : "power outage street",
+                      h % 4 == 0 ? "3" : "1", h < 24 ? "-2" : "-4", h % 6 == 0 ? "bob" : "ann"});
+  }
+  return tweets;
+}
+
+TEST_F(IntervalModels, BuildsTheFiveModelsOverTheSameIntervals) {
+  Prepare(EveryTwoHours());
+  const ModelReport report = Build("4");
+  ASSERT_TRUE(report.built) << report.error;
+  EXPECT_TRUE(Messages().empty());
+  EXPECT_TRUE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.IntervalLength(), 4);
+  EXPECT_EQ(session_.IntervalUnit(), "h");
+  EXPECT_EQ(report.intervalCount, 13);  // 48 \ 4 + 1
+  EXPECT_EQ(report.maxIntervalDocCount, 2);
+  for (const IndexKind kind : kIndexKinds) {
+    const TextStream& model = session_.Model(kind);
+    EXPECT_EQ(model.IntervalCount(), 13) << IndexKindName(kind);
+    EXPECT_EQ(model.TDM(), &session_.Index(kind));
+    EXPECT_EQ(model.Corpus(), &session_.Documents());
+    for (std::int32_t i = 1; i <= 13; ++i) {
+      EXPECT_EQ(model.IntervalDocCount(i), session_.WordModel().IntervalDocCount(i));
+      EXPECT_EQ(model.FirstDocumentIndex(i), session_.WordModel().FirstDocumentIndex(i));
+    }
+  }
+  const TextStream& words = session_.WordModel();
+  EXPECT_EQ(words.IntervalDocCount(13), 1);  // hour 48 alone
+  const std::int32_t storm = session_.WordIndex().TermIndex("storm");
+  ASSERT_GT(storm, 0);
+  EXPECT_FLOAT_EQ(words.IntervalFrequency(storm, 1), 1.0f);
+  EXPECT_FLOAT_EQ(words.IntervalFrequency(storm, 7), 0.0f);
+  // No interval has 26 distinct words.
+  EXPECT_EQ(report.trunK, 9999);
+  // NM was built; the sentiment model too (interval 1: hours 0 and 2, positive 3 and 1).
+  EXPECT_FLOAT_EQ(words.NM().Value(2, 1), 1.0f);
+  EXPECT_EQ(words.NM().ColCount(), 13);
+  std::int16_t positive = 1, negative = -1;
+  EXPECT_FLOAT_EQ(words.IntervalSentimentMean(1, positive), 2.0f);
+  EXPECT_FLOAT_EQ(words.IntervalSentimentMean(13, negative), 4.0f);
+  // Only the words model has similarity and sentiment models.
+  EXPECT_EQ(session_.Model(IndexKind::kHashtags).NM().ColCount(), 0);
+  EXPECT_EQ(session_.Model(IndexKind::kHashtags).SIFM().ColCount(), 0);
+  EXPECT_EQ(report.stages.size(), 7u);
+}
+
+TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
+  Prepare(EveryTwoHours());
+  ASSERT_TRUE(Build("4").built);
+  for (const std::string length : {"0", "-5", "abc", "", "0.4", "  -1"}) {
+    notifier_ = RecordingNotifier();
+    const ModelReport report = Build(length);
+    EXPECT_FALSE(report.built) << length;
+    EXPECT_FALSE(report.error.empty());
+    ASSERT_EQ(Messages().size(), 1u) << length;
+    EXPECT_EQ(Messages()[0].text, kIntervalLengthInvalidMessage);
+    EXPECT_EQ(Messages()[0].title, "Reset Interval Length");
+    EXPECT_EQ(Messages()[0].icon, MessageIcon::kExclamation);
+    // The models of the last build stay.
+    EXPECT_TRUE(session_.ModelsBuilt());
+    EXPECT_EQ(session_.WordModel().IntervalCount(), 13);
+  }
+  // A leading number is enough, and halves round to even.
+  EXPECT_EQ(Build("4 hours").intervalLength, 4);
+  EXPECT_EQ(Build("2.5").intervalLength, 2);
+}
+
+TEST_F(IntervalModels, ALengthGivingFewerThanTwoIntervalsStops) {
+  std::vector<Tweet> tweets = {{0, "storm"}, {10, "storm"}, {47, "storm"}};
+  Prepare(tweets);
+  const ModelReport report = Build("24");  // 47 / 24 < 2
+  EXPECT_FALSE(report.built);
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_EQ(Messages()[0].text,
+            "Interval length too long for this dataset. Length must be short enough to build a "
+            "model with at least two intervals");
+  EXPECT_EQ(Messages()[0].title, "Reset Interval Length");
+  EXPECT_FALSE(Messages()[0].question);
+  EXPECT_FALSE(session_.ModelsBuilt());
+}
+
+TEST_F(IntervalModels, TwoIntervalsGoOnAfterTheQuestion) {
+  Prepare({{0, "storm"}, {10, "storm"}, {48, "storm"}});
+  const ModelReport report = Build("24");  // 48 / 24 = 2
+  ASSERT_TRUE(report.built) << report.error;
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_TRUE(Messages()[0].question);
+  EXPECT_EQ(Messages()[0].text, "Model will have fewer than 10 intervals. Proceed anyway?");
+  EXPECT_EQ(Messages()[0].title, "Interval length warning");
+  EXPECT_EQ(report.intervalCount, 3);
+}
+
+TEST_F(IntervalModels, CancellingTheFewIntervalsQuestionKeepsTheOldModels) {
+  Prepare(EveryTwoHours());
+  ASSERT_TRUE(Build("4").built);
+  notifier_.QueueAnswer(Answer::kCancel);
+  const ModelReport report = Build("12");  // 48 / 12 = 4 intervals
+  EXPECT_FALSE(report.built);
+  EXPECT_TRUE(report.cancelled);
+  EXPECT_TRUE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.WordModel().IntervalCount(), 13);
+  EXPECT_EQ(session_.IntervalLength(), 4);
+}
+
+TEST_F(IntervalModels, ALargeIntervalAsksAndCancelEmptiesTheModels) {
+  std::vector<Tweet> tweets(2001, Tweet{0, "storm harbour"});
+  for (int h = 1; h <= 30; ++h) tweets.push_back({h, "calm"});
+  Prepare(tweets);
+  notifier_.QueueAnswer(Answer::kCancel);
+  const ModelReport report = Build("1");
+  EXPECT_FALSE(report.built);
+  EXPECT_TRUE(report.cancelled);
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_EQ(Messages()[0].title, "Warning");
+  EXPECT_EQ(Messages()[0].text.substr(0, 38), "Largest interval contains >2000 tweets");
+  EXPECT_FALSE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
+
+  // OK goes on.
+  const ModelReport again = Build("1");
+  ASSERT_TRUE(again.built) << again.error;
+  EXPECT_EQ(again.maxIntervalDocCount, 2001);
+}
+
+TEST_F(IntervalModels, TooManyIntervalsForTheTermTimeLineShowAnotice) {
+  Prepare(EveryTwoHours());
+  ModelOptions options;
+  options.maxVisibleColumns = 12;
+  options.applicationTitle = "Sylvora v1";
+  ASSERT_TRUE(Build("4", options).built);
+  ASSERT_EQ(Messages().size(), 1u);
+  EXPECT_EQ(Messages()[0].text.substr(0, 45), "Currently there are too many intervals to dis");
+  EXPECT_EQ(Messages()[0].title, "Sylvora v1");
+  EXPECT_EQ(Messages()[0].icon, MessageIcon::kInformation);
+  notifier_ = RecordingNotifier();
+  options.maxVisibleColumns = 13;
+  ASSERT_TRUE(Build("4", options).built);
+  EXPECT_TRUE(Messages().empty());
+}
+
+TEST_F(IntervalModels, EventsArePlacedInTheirIntervals) {
+  Prepare(EveryTwoHours());
+  ModelOptions options;
+  options.events = {{"2013-09-02 09:00:00", "landfall"},
+                    {"02/09/13 09:30:00", "surge"},
+                    {"2013-09-03 20:00:00", "power back"},
+                    {"2013-10-30 00:00:00", "far away"},
+                    {"someday", "unknown"}};
+  const ModelReport report = Build("4", options);
+  ASSERT_TRUE(report.built);
+  const TextStream& words = session_.WordModel();
+  // 9 hours / 4 = 2.25 -> 2; 44 / 4 = 11.
+  EXPECT_EQ(words.Events(2), "|landfall|surge");
+  EXPECT_EQ(words.Events(11), "|power back");
+  EXPECT_EQ(report.warnings.size(), 2u);
+}
+
+TEST_F(IntervalModels, ACorpusWithoutSentimentStillBuilds) {
+  std::vector<Tweet> tweets = EveryTwoHours();
+  for (Tweet& t : tweets) t.pos = t.neg = "";
+  Prepare(tweets);
+  ASSERT_TRUE(Build("4").built);
+  std::int16_t valence = 1;
+  EXPECT_EQ(session_.WordModel().IntervalSentimentMean(1, valence), 0.0f);
+  EXPECT_EQ(session_.WordModel().SIFM().Vector(1)->NZElementCount(), 0);
+}
+
+TEST_F(IntervalModels, NothingToModelBeforeIndexing) {
+  const ModelReport report = Build("4");
+  EXPECT_FALSE(report.built);
+  EXPECT_FALSE(report.error.empty());
+  EXPECT_TRUE(Messages().empty());
+}
+
+TEST_F(IntervalModels, AnUnknownUnitIsRefused) {
+  Prepare(EveryTwoHours());
+  ModelOptions options;
+  options.unitCode = "fortnight";
+  const ModelReport report = Build("4", options);
+  EXPECT_FALSE(report.built);
+  EXPECT_NE(report.error.find("fortnight"), std::string::npos);
+}
+
+TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
+  Prepare(EveryTwoHours());
+  ModelOptions options;
+  options.intervalLength = "4";
+  int calls = 0;
+  const ModelReport report =
+      BuildModels(session_, options, notifier_,
+                  [&](std::string_view stage, std::int64_t, std::int64_t) {
+                    EXPECT_EQ(stage.substr(0, 7), "words: ");
+                    return ++calls < 3;
+                  });
+  EXPECT_FALSE(report.built);
+  EXPECT_TRUE(report.cancelled);
+  EXPECT_FALSE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
+}
+
+TEST_F(IntervalModels, ClearingTheIndexesClearsTheModels) {
+  Prepare(EveryTwoHours());
+  ASSERT_TRUE(Build("4").built);
+  session_.ClearIndexes();
+  EXPECT_FALSE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
+  EXPECT_EQ(session_.IntervalLength(), 0);
+}
+
+// A words model whose intervals hold the given numbers of distinct terms.
+TextStream ModelWithDistinctTerms(const std::vector<std::int32_t>& counts) {
+  TextStream model;
+  model.TIFM().Reset(100, static_cast<std::int32_t>(counts.size()));
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    for (std::int32_t t = 1; t <= counts[i]; ++t) {
+      model.TIFM().SetValue(t, static_cast<std::int32_t>(i) + 1, 0.5f);
+    }
+  }
+  return model;
+}
+
+TEST(ChooseTrunK, TakesTheSmallestIntervalWithAtLeast26Terms) {
+  struct Case {
+    std::vector<std::int32_t> counts;
+    std::int32_t trunK;
+  };
+  for (const Case& test : {Case{{30, 27, 10, 40}, 27}, Case{{26, 25, 80}, 26},
+                           Case{{25, 3, 0}, 9999}, Case{{}, 9999}, Case{{99, 100}, 99}}) {
+    EXPECT_EQ(ChooseTrunK(ModelWithDistinctTerms(test.counts)), test.trunK);
+  }
+}
+
+}  // namespace
+}  // namespace sylvora
