@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <string>
+
+#include "support/temp_dir.h"
 
 namespace sylvora::testing {
 
@@ -55,6 +58,45 @@ void MaybeSaveSnapshot(const QImage& image, const char* name) {
   if (folder == nullptr || *folder == '\0') return;
   QDir().mkpath(QString::fromLocal8Bit(folder));
   image.save(QStringLiteral("%1/%2.png").arg(QString::fromLocal8Bit(folder), QString::fromLatin1(name)));
+}
+
+std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
+                                     const std::vector<std::pair<int, int>>& edges) {
+  const TempDir dir;
+  std::string plain = "graph 1 1 1\n";
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    plain += "node " + std::to_string(i + 1) + ' ' + std::to_string(positions[i].x()) + ' ' +
+             std::to_string(positions[i].y()) + " 0.1 0.1 n solid circle black lightgrey\n";
+  }
+  plain += "stop\n";
+  std::string dot = "graph G {\nnode [];\nedge [];\n";
+  for (const auto& [from, to] : edges) {
+    dot += std::to_string(from + 1) + " -- " + std::to_string(to + 1) + " [len=1];\n";
+  }
+  dot += "}";
+  auto spatial = std::make_unique<Spatial>();
+  std::string error;
+  spatial->LoadGVPlain(dir.WriteFile("gvout.txt", plain), 1,
+                       static_cast<std::int32_t>(positions.size()), error);
+  spatial->SetGraphFromDot(dot, 1);
+  return spatial;
+}
+
+int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour,
+                    int tolerance) {
+  const QRect area = rect.toAlignedRect().intersected(image.rect());
+  int count = 0;
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) {
+      const QColor c(image.pixel(x, y));
+      if (std::abs(c.red() - colour.red()) <= tolerance &&
+          std::abs(c.green() - colour.green()) <= tolerance &&
+          std::abs(c.blue() - colour.blue()) <= tolerance) {
+        ++count;
+      }
+    }
+  }
+  return count;
 }
 
 }  // namespace sylvora::testing

@@ -6,6 +6,13 @@
 #include <QPointF>
 #include <QRectF>
 
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "layout/spatial.h"
+
 namespace sylvora::testing {
 
 // RGB of the pixel at `at` (rounded to the pixel grid); black outside the image.
@@ -23,5 +30,15 @@ int DarkestLevel(const QImage& image, const QRectF& rect);
 // Saves `image` as PNG under $SYLVORA_VIEW_SNAPSHOTS/<name>.png when that variable is set, so
 // that a person can look at what the tests draw.
 void MaybeSaveSnapshot(const QImage& image, const char* name);
+
+// A Spatial holding `positions` (node i at positions[i]) and the links `edges` (0-based node
+// pairs, length 1), read through the plain-output and DOT readers as a layout run would.
+std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
+                                     const std::vector<std::pair<int, int>>& edges);
+
+// Pixels inside `rect` whose colour is within `tolerance` of `colour` in every channel
+// (antialiased text keeps only its glyph cores exactly in colour).
+int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour,
+                    int tolerance);
 
 }  // namespace sylvora::testing

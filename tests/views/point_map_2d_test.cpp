@@ -1,0 +1,730 @@
+// PointMap2D on the offscreen platform: fitting, node and link pixels, labels, the overlay
+// marks, and the mouse, key and timer interaction driven through QTest.
+
+#include "views/point_map_2d.h"
+
+#include <QImage>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+
+#include <cmath>
+#include <memory>
+
+#include "layout/spatial.h"
+#include "support/temp_dir.h"
+#include "view_test_support.h"
+
+namespace sylvora {
+namespace {
+
+using testing::ColourNear;
+using testing::CountColour;
+using testing::CountNearColour;
+using testing::MakeSpatial;
+using testing::PixelAt;
+
+const QColor kWhite(255, 255, 255);
+const QColor kBlack(0, 0, 0);
+const QColor kRed(255, 0, 0);
+const QColor kBlue(0, 0, 255);
+const QColor kGreen(0, 255, 0);
+const QColor kYellow(255, 255, 0);
+const QColor kLinkGrey(100, 100, 100);
+
+// A window with a map filling it.
+struct MapWindow {
+  explicit MapWindow(QSize size = QSize(600, 600)) {
+    form = std::make_unique<QWidget>();
+    form->resize(size);
+    map = std::make_unique<PointMap2D>();
+    map->InitializePM2DCtl(form.get());
+    form->show();
+  }
+  QWidget* Surface() const { return map->PM2DCtlObject(); }
+  QPoint At(std::int32_t node) const {
+    return map->ToPixels(map->NodeX(node), map->NodeY(node)).toPoint();
+  }
+  QPoint AtLayout(float x, float y) const { return map->ToPixels(x, y).toPoint(); }
+  // A mouse move with buttons held, as the window system sends it.
+  void MoveWithButtons(QPoint at, Qt::MouseButtons buttons) const {
+    QMouseEvent event(QEvent::MouseMove, QPointF(at), Surface()->mapToGlobal(QPointF(at)),
+                      Qt::NoButton, buttons, Qt::NoModifier);
+    QCoreApplication::sendEvent(Surface(), &event);
+  }
+  void MoveTo(QPoint at) const { MoveWithButtons(at, Qt::NoButton); }
+
+  std::unique_ptr<QWidget> form;
+  std::unique_ptr<PointMap2D> map;
+};
+
+// Four nodes on the corners of a 10 x 10 square and one in the middle, linked as a star.
+std::unique_ptr<Spatial> StarSpatial() {
+  return MakeSpatial({{0, 0}, {10, 0}, {0, 10}, {10, 10}, {5, 5}},
+                     {{4, 0}, {4, 1}, {4, 2}, {4, 3}});
+}
+
+}  // namespace
+
+class PointMap2DTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initializeCreatesSurfaceAndTicker() {
+    MapWindow window;
+    QWidget* surface = window.Surface();
+    QVERIFY(surface != nullptr);
+    QCOMPARE(surface->objectName(), QStringLiteral("PM2DMap"));
+    QCOMPARE(surface->size(), QSize(600, 600));
+    auto* ticker = window.form->findChild<QTimer*>(QStringLiteral("PM2DMap_ticker"));
+    QVERIFY(ticker != nullptr);
+    QCOMPARE(ticker->interval(), 16);
+    QVERIFY(ticker->isActive());
+    QCOMPARE(window.map->ClickedEdgeColor(), kYellow);
+    QCOMPARE(window.map->PointEdgeColor(), kWhite);
+    QCOMPARE(window.map->LabelColor(), kYellow);
+    QCOMPARE(window.map->GetClusterColor(4), QColor(128, 0, 0));
+    QCOMPARE(window.map->GetClusterColor(7), QColor(192, 192, 192));
+    QCOMPARE(window.map->GetClusterColor(16), kBlack);
+    QVERIFY(!window.map->IsSet());
+    QVERIFY(!window.map->NodeIsPulsing());
+  }
+
+  void givenSurfaceNamesTheTicker() {
+    QWidget form;
+    auto* box = new QWidget(&form);
+    box->setObjectName(QStringLiteral("TermSimVisContainer"));
+    box->resize(300, 200);
+    PointMap2D map;
+    QVERIFY(map.InitializePM2DCtl(&form, box));
+    QCOMPARE(map.PM2DCtlObject(), box);
+    QVERIFY(form.findChild<QTimer*>(QStringLiteral("TermSimVisContainer_ticker")) != nullptr);
+    QVERIFY(!map.InitializePM2DCtl(&form, box));
+  }
+
+  void setCoordinatesFitsTheView() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    QVERIFY(window.map->SetCoordinates(*spatial));
+    QCOMPARE(window.map->NodeCount(), 5);
+    QCOMPARE(window.map->DataWidth(), 10.0f);
+    QCOMPARE(window.map->View().left, -1.0f);
+    QCOMPARE(window.map->View().right, 11.0f);
+    QCOMPARE(window.map->View().top, -1.0f);
+    QCOMPARE(window.map->View().bottom, 11.0f);
+    // Four links of horizontal extent 5: base size 5 / 3.
+    QCOMPARE(window.map->BaseNodeSize(), 5.0f / 3.0f);
+    QCOMPARE(window.map->Weight(2), 1.0f);
+    QCOMPARE(window.map->NodeSize(2), 5.0f / 3.0f);
+    QCOMPARE(window.map->MeanNodeSize(), 5.0f / 3.0f);
+    QCOMPARE(window.map->NodeCluster(3), std::int16_t{0});
+    QCOMPARE(window.map->NodeLabel(3), QString());
+  }
+
+  void equalXGivesATenthWide() {
+    PointMap2D map;
+    map.SetPictureSize(QSize(200, 200));
+    const auto spatial = MakeSpatial({{3, 1}, {3, 4}}, {{0, 1}});
+    QVERIFY(map.SetCoordinates(*spatial));
+    QCOMPARE(map.DataWidth(), 0.1f);
+    QCOMPARE(map.DataHeight(), 3.0f);
+    QVERIFY(map.NodeVisible(0));
+    QVERIFY(!map.Picture().isNull());
+    // A vertical link has no horizontal extent: base size 0, nodes drawn as points.
+    QCOMPARE(map.BaseNodeSize(), 0.0f);
+  }
+
+  void spatialWithoutLinksTakesBaseFromWidth() {
+    PointMap2D map;
+    map.SetPictureSize(QSize(200, 200));
+    const auto spatial = MakeSpatial({{0, 0}, {8, 2}, {4, 6}}, {});
+    QVERIFY(map.SetCoordinates(*spatial));
+    QCOMPARE(map.BaseNodeSize(), 8.0f / 40.0f);
+    map.SetNodeWeightAsDegree();  // every degree 0: nothing drawn, nothing breaks
+    QCOMPARE(map.NodeSize(1), 0.0f);
+  }
+
+  void emptyMapDrawsNothing() {
+    MapWindow window;
+    Spatial empty;
+    QVERIFY(!window.map->SetCoordinates(empty));
+    QVERIFY(!window.map->IsSet());
+    window.map->RenderView(true, true);
+    window.map->SetHoverNode(3);
+    window.map->SetSelectedNode(-1);
+    window.map->ZoomTo(0, 100);
+    window.map->PulseNode(0, 2);
+    QVERIFY(!window.map->NodeIsPulsing());
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, QPoint(10, 10));
+    QTest::keyClick(window.Surface(), Qt::Key_6);
+    window.MoveTo(QPoint(20, 20));
+    window.map->Tick();
+    QCOMPARE(window.map->NodeX(7), 0.0f);
+    window.map->SetNodeLabel(9, QStringLiteral("x"));
+    QCOMPARE(window.map->NodeLabel(9), QString());
+  }
+
+  void nodesShowTheirClusterColours() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->SetNodeShape(3);
+    window.map->SetNodeCluster(0, 12);
+    window.map->SetNodeCluster(1, 9);
+    window.map->SetNodeCluster(2, 10);
+    window.map->SetSelectedNode(-1);
+    window.map->SetHoverNode(-1);
+    window.map->RenderView(true, false);
+    const QImage& picture = window.map->Picture();
+    testing::MaybeSaveSnapshot(picture, "map_clusters");
+    QCOMPARE(PixelAt(picture, window.At(0)), kRed);
+    QCOMPARE(PixelAt(picture, window.At(1)), kBlue);
+    QCOMPARE(PixelAt(picture, window.At(2)), kGreen);
+    QCOMPARE(PixelAt(picture, window.At(3)), kBlack);  // cluster 0
+  }
+
+  void shapes_data() {
+    QTest::addColumn<int>("shape");
+    QTest::addColumn<bool>("centreFilled");
+    QTest::addColumn<bool>("outlineDrawn");
+    QTest::newRow("square outline") << 0 << false << true;
+    QTest::newRow("solid square") << 1 << true << true;
+    QTest::newRow("circle outline") << 2 << false << true;
+    QTest::newRow("filled circle") << 3 << true << true;
+    QTest::newRow("no nodes") << 4 << false << false;
+  }
+  void shapes() {
+    QFETCH(int, shape);
+    QFETCH(bool, centreFilled);
+    QFETCH(bool, outlineDrawn);
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->SetNodeShape(static_cast<std::uint8_t>(shape));
+    window.map->SetNodeCluster(3, 12);
+    window.map->SetShowEdges(true);
+    window.map->SetShowNodeLabels(true);
+    window.map->SetLabelColor(QColor(0, 0, 160));
+    window.map->SetNodeLabel(4, QStringLiteral("MMMM"));
+    window.map->SetSelectedNode(-1);
+    window.map->SetHoverNode(-1);
+    window.map->RenderView(true, false);
+    const QImage& picture = window.map->Picture();
+    const QPointF centre = window.map->ToPixels(window.map->NodeX(3), window.map->NodeY(3));
+    const double radius = window.map->NodeSize(3) * 600.0 / 12.0;
+    QCOMPARE(PixelAt(picture, centre + QPointF(-radius / 3, -radius / 3)) == kRed, centreFilled);
+    // The left edge of the square or circle, at the node's height.
+    QCOMPARE(ColourNear(picture, centre - QPointF(radius, 0), kRed, 2), outlineDrawn);
+    // Links and labels are drawn whatever the shape.
+    const QPointF middle = (centre + window.map->ToPixels(5, 5)) / 2;
+    QVERIFY(ColourNear(picture, middle, kLinkGrey, 2));
+    const QPointF label = window.map->ToPixels(5, 5);
+    QVERIFY(CountNearColour(picture, QRectF(label, QSizeF(40, 14)), QColor(0, 0, 160), 40) > 5);
+  }
+
+  void selectedAndHoveredOutlinesOnTheOverlay() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->SetNodeShape(3);
+    for (int i = 0; i < 5; ++i) window.map->SetNodeCluster(i, 12);
+    window.map->SetSelectedNode(-1);
+    window.map->SetHoverNode(-1);
+    window.map->RenderView(true, false);
+    const QImage picture = window.map->Picture();
+    const double radius = window.map->NodeSize(0) * 600.0 / 12.0;
+    const QPointF rim0 = QPointF(window.At(0)) + QPointF(radius, 0);
+    const QPointF rim1 = QPointF(window.At(1)) - QPointF(radius, 0);
+    QVERIFY(ColourNear(picture, rim0, kRed, 1));
+
+    window.map->SetSelectedNode(0);
+    window.map->SetHoverNode(1);
+    QCOMPARE(window.map->Picture(), picture);  // the overlay only
+    const QImage seen = window.Surface()->grab().toImage();
+    testing::MaybeSaveSnapshot(seen, "map_marks");
+    QVERIFY(ColourNear(seen, rim0, kYellow, 1));
+    QVERIFY(!ColourNear(seen, rim0, kRed, 0));
+    QCOMPARE(PixelAt(seen, window.At(0)), kRed);  // filled with its cluster colour
+    QVERIFY(ColourNear(seen, rim1, kWhite, 0));
+    QVERIFY(!ColourNear(seen, rim1, kRed, 0));
+    QCOMPARE(PixelAt(seen, window.At(1)), kRed);
+    window.map->SetClickedEdgeColor(0, 0, 255);
+    QVERIFY(ColourNear(window.map->Snapshot(), rim0, kBlue, 1));
+  }
+
+  void temporalMaskGreysOrdinaryNodes() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->SetNodeShape(1);
+    for (int i = 0; i < 5; ++i) window.map->SetNodeCluster(i, 12);
+    window.map->SetTemporalMask(true);
+    window.map->SetSelectedNode(2);
+    window.map->SetHoverNode(-1);
+    window.map->RenderView(true, false);
+    QImage seen = window.map->Snapshot();
+    QCOMPARE(PixelAt(seen, window.At(0)), kBlack);
+    QCOMPARE(PixelAt(seen, window.At(2)), kYellow);  // solid square in the selection colour
+    window.map->SetShowEdges(true);
+    window.map->RenderView(true, false);
+    seen = window.map->Snapshot();
+    QCOMPARE(PixelAt(seen, window.At(0)), kLinkGrey);
+    window.map->SetTemporalMask(false);
+    window.map->RenderView(true, false);
+    QCOMPARE(PixelAt(window.map->Snapshot(), window.At(0)), kRed);
+  }
+
+  void labelsOnlyAtOrAboveTheThreshold() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->SetNodeShape(2);
+    window.map->SetShowNodeLabels(true);
+    window.map->SetLabelColor(QColor(200, 0, 200));
+    window.map->ResetNodeLabels(QStringLiteral("WWWW"));
+    window.map->SetWeight(0, 5.0f);
+    window.map->SetWeight(1, 3.0f);
+    window.map->SetWeight(2, 2.9f);
+    window.map->SetNodeLabelThreshold(3);
+    window.map->SetSelectedNode(-1);
+    window.map->SetHoverNode(-1);
+    window.map->RenderView(true, false);
+    const QImage& picture = window.map->Picture();
+    testing::MaybeSaveSnapshot(picture, "map_labels");
+    const auto labelPixels = [&](int node) {
+      const QPointF at = window.map->ToPixels(window.map->NodeX(node), window.map->NodeY(node));
+      return CountNearColour(picture, QRectF(at, QSizeF(40, 14)), QColor(200, 0, 200), 40);
+    };
+    QVERIFY(labelPixels(0) > 5);
+    QVERIFY(labelPixels(1) > 5);  // equal to the threshold
+    QCOMPARE(labelPixels(2), 0);
+    window.map->SetShowNodeLabels(false);
+    window.map->RenderView(true, false);
+    QCOMPARE(labelPixels(0), 0);
+  }
+
+  void labelsAsIndex() {
+    PointMap2D map;
+    const auto spatial = StarSpatial();
+    map.SetCoordinates(*spatial);
+    map.SetLabelsAsIndex();
+    QCOMPARE(map.NodeLabel(0), QStringLiteral("1"));
+    QCOMPARE(map.NodeLabel(4), QStringLiteral("5"));
+    map.SetNodeLabel(5, QStringLiteral("ignored"));
+    QCOMPARE(map.NodeLabel(5), QString());
+  }
+
+  void visibilityAtTheViewEdge() {
+    MapWindow window;
+    // Node 3 at the centre; nodes 4 and 5 outside the zoomed view, linked across it; node 2
+    // outside, linked to node 3.
+    const auto spatial =
+        MakeSpatial({{0, 0}, {10, 10}, {5, 9}, {5, 4.5}, {0, 5}, {10, 5}}, {{4, 5}, {3, 2}});
+    window.map->SetCoordinates(*spatial);
+    window.map->SetShowEdges(true);
+    window.map->SetNodeShape(4);
+    window.map->ZoomTo(3, 400);  // x 3.75 .. 6.25, y 3.25 .. 5.75
+    QCOMPARE(window.map->View().left, 3.75f);
+    QVERIFY(window.map->NodeVisible(3));
+    QVERIFY(!window.map->NodeVisible(4));
+    const QImage& picture = window.map->Picture();
+    testing::MaybeSaveSnapshot(picture, "map_edges");
+    QVERIFY(!ColourNear(picture, window.map->ToPixels(4.5f, 5.0f), kLinkGrey, 3));
+    QVERIFY(ColourNear(picture, window.map->ToPixels(5.0f, 5.5f), kLinkGrey, 2));
+    // A node exactly on the left edge is outside.
+    const auto edge = MakeSpatial({{0, 0}, {10, 0}, {5, 0}}, {{0, 1}});
+    window.map->SetCoordinates(*edge);
+    window.map->ZoomTo(2, 100);  // x 0 .. 10
+    QCOMPARE(window.map->View().left, 0.0f);
+    QVERIFY(!window.map->NodeVisible(0));
+    QVERIFY(!window.map->NodeVisible(1));
+    QVERIFY(window.map->NodeVisible(2));
+  }
+
+  void zoomToShowsAShareOfTheData() {
+    PointMap2D map;
+    const auto spatial = StarSpatial();
+    map.SetCoordinates(*spatial);
+    map.ZoomTo(4, 100);
+    QCOMPARE(map.View().left, 0.0f);
+    QCOMPARE(map.View().right, 10.0f);
+    map.ZoomTo(4, 400);
+    QCOMPARE(map.View().right - map.View().left, 2.5f);
+    map.ZoomTo(4, 0);  // ignored
+    map.ZoomTo(9, 100);
+    QCOMPARE(map.View().right - map.View().left, 2.5f);
+  }
+
+  void clusterColourRange() {
+    PointMap2D map;
+    QVERIFY(!map.SetClusterColorRange(10, 11, 0, 0, 0, 255, 255, 255));
+    QCOMPARE(map.GetClusterColor(10), QColor(0, 255, 0));
+    QCOMPARE(map.GetClusterColor(11), QColor(0, 255, 255));
+    QVERIFY(map.SetClusterColorRange(10, 12, 0, 0, 0, 255, 255, 255));
+    QCOMPARE(map.GetClusterColor(10), kBlack);
+    QCOMPARE(map.GetClusterColor(11), QColor(128, 128, 128));
+    QCOMPARE(map.GetClusterColor(12), kWhite);
+    QVERIFY(map.SetClusterColorRange(0, 9, 0, 0, 0, 0, 255, 0));
+    QCOMPARE(map.GetClusterColor(9), kGreen);
+    QCOMPARE(map.GetClusterColor(3), QColor(0, 85, 0));
+    map.SetClusterColor(200, 1, 2, 3);
+    QCOMPARE(map.GetClusterColor(200), QColor(1, 2, 3));
+  }
+
+  void degreeWeights() {
+    PointMap2D map;
+    std::vector<QPointF> positions;
+    std::vector<std::pair<int, int>> edges;
+    positions.emplace_back(0, 0);
+    for (int i = 1; i <= 16; ++i) {
+      positions.emplace_back(std::cos(i * 0.39) * 10, std::sin(i * 0.39) * 10);
+      edges.emplace_back(0, i);
+    }
+    const auto spatial = MakeSpatial(positions, edges);
+    map.SetCoordinates(*spatial);
+    map.SetNodeWeightAsDegree();
+    QCOMPARE(map.Weight(0), 16.0f);
+    QCOMPARE(map.Weight(5), 1.0f);
+    QVERIFY(std::abs(map.NodeSize(0) / map.NodeSize(5) - 8.0f) < 1e-4f);
+    map.SetWeight(5, 4.0f);  // linear, no exponent
+    QCOMPARE(map.NodeSize(5), 4.0f * map.BaseNodeSize());
+    map.SetBaseNodeSize(map.BaseNodeSize());  // bulk again: 4^0.75
+    QVERIFY(std::abs(map.NodeSize(5) / map.BaseNodeSize() - std::pow(4.0f, 0.75f)) < 1e-4f);
+    map.SetNodeWeights({2.0f, 3.0f});
+    QCOMPARE(map.Weight(1), 3.0f);
+    QCOMPARE(map.Weight(2), 1.0f);
+    map.ResetNodeWeights();
+    QCOMPARE(map.Weight(0), 1.0f);
+    QCOMPARE(map.NodeSize(0), map.BaseNodeSize());
+  }
+
+  void weightWriteDoesNotRedraw() {
+    PointMap2D map;
+    map.SetPictureSize(QSize(300, 300));
+    const auto spatial = StarSpatial();
+    map.SetCoordinates(*spatial);
+    const QImage before = map.Picture();
+    map.SetWeight(4, 3.0f);
+    map.SetShowEdges(true);
+    map.SetNodeShape(3);
+    QCOMPARE(map.Picture(), before);
+    map.RenderView(true, false);
+    QVERIFY(map.Picture() != before);
+  }
+
+  void hoverPrefersTheLighterNode() {
+    MapWindow window;
+    // Nodes 0 and 1 overlap; node 1 is lighter.
+    const auto spatial = MakeSpatial({{5, 5}, {5.5, 5}, {0, 0}, {10, 10}}, {{0, 2}, {1, 3}});
+    window.map->SetCoordinates(*spatial);
+    window.map->SetNodeWeights({4.0f, 2.0f, 1.0f, 1.0f});
+    window.map->SetBaseNodeSize(0.5f);  // sizes 1.41 and 0.84
+    window.map->SetHoverNode(-1);
+    QSignalSpy over(window.map.get(), &PointMap2D::OnNewNodeOver);
+    window.MoveTo(window.AtLayout(5.2f, 5.0f));
+    QCOMPARE(over.count(), 1);
+    QCOMPARE(over.at(0).at(0).toInt(), 1);
+    QCOMPARE(window.map->HoverNode(), 1);
+    window.MoveTo(window.AtLayout(5.25f, 5.05f));  // same node: no event
+    QCOMPARE(over.count(), 1);
+    window.MoveTo(window.AtLayout(2.0f, 8.0f));
+    window.MoveTo(window.AtLayout(2.5f, 8.0f));
+    QCOMPARE(over.count(), 2);
+    QCOMPARE(over.at(1).at(0).toInt(), -1);
+    // Equal weights: the lower index stays.
+    window.map->SetNodeWeights({2.0f, 2.0f, 1.0f, 1.0f});
+    window.MoveTo(window.AtLayout(5.2f, 5.0f));
+    QCOMPARE(window.map->HoverNode(), 0);
+  }
+
+  void clickSelectsTheHoveredNode() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->SetSelectedNode(-1);
+    QSignalSpy clicks(window.map.get(), &PointMap2D::OnNodeClick);
+    QSignalSpy started(window.map.get(), &PointMap2D::SelectionStarted);
+    QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
+    window.MoveTo(window.At(1));
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.At(1));
+    QCOMPARE(started.count(), 1);
+    QCOMPARE(ended.count(), 0);
+    QCOMPARE(clicks.count(), 1);
+    QCOMPARE(clicks.at(0).at(0).toInt(), 1);
+    QCOMPARE(window.map->SelectedNode(), 1);
+    // A click in empty space selects nothing new.
+    window.MoveTo(window.AtLayout(2.5f, 7.5f));
+    QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.AtLayout(2.5f, 7.5f));
+    QCOMPARE(clicks.count(), 1);
+    QCOMPARE(window.map->SelectedNode(), 1);
+  }
+
+  void lassoBecomesASquareView() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.MoveTo(window.AtLayout(2.5f, 2.5f));  // empty space
+    QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
+    QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
+    const QPoint start = window.AtLayout(2.0f, 2.0f);
+    QTest::mousePress(window.Surface(), Qt::LeftButton, {}, start);
+    const QPointF startLayout = window.map->ToLayout(start);
+    const QImage picture = window.map->Picture();
+    const QPoint end = window.AtLayout(6.0f, 4.5f);  // wider than high
+    window.MoveWithButtons(end, Qt::LeftButton);
+    QVERIFY(window.map->LassoVisible());
+    QCOMPARE(window.map->Picture(), picture);  // the square is on the overlay
+    const QImage seen = window.map->Snapshot();
+    testing::MaybeSaveSnapshot(seen, "map_lasso");
+    QVERIFY(CountColour(seen, seen.rect(), kRed) > 100);
+    QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
+    QCOMPARE(ended.count(), 1);
+    QCOMPARE(changed.count(), 1);
+    const PointMap2D::ViewRect& view = window.map->View();
+    const QPointF endLayout = window.map->ToLayout(end);  // in the new view's terms
+    Q_UNUSED(endLayout);
+    QCOMPARE(view.left, static_cast<float>(startLayout.x()));
+    QCOMPARE(view.top, static_cast<float>(startLayout.y()));
+    QVERIFY(std::abs((view.right - view.left) - (view.bottom - view.top)) < 1e-4f);
+    QVERIFY(std::abs(view.right - 6.0f) < 0.05f);
+    QVERIFY(!window.map->LassoVisible());
+    QCOMPARE(CountColour(window.map->Snapshot(), seen.rect(), kRed), 0);
+  }
+
+  void smallDragDoesNotZoom() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.MoveTo(window.AtLayout(2.5f, 2.5f));
+    QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
+    const QPoint start = window.AtLayout(2.0f, 2.0f);
+    const QPoint end = window.AtLayout(6.0f, 2.5f);  // only 0.5 down: below the node size
+    QTest::mousePress(window.Surface(), Qt::LeftButton, {}, start);
+    window.MoveWithButtons(end, Qt::LeftButton);
+    QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
+    QCOMPARE(ended.count(), 0);
+    QCOMPARE(window.map->View().left, -1.0f);
+    QCOMPARE(window.map->View().right, 11.0f);
+  }
+
+  void rightToLeftDragMirrors() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.MoveTo(window.AtLayout(7.5f, 2.5f));
+    const QPoint start = window.AtLayout(8.0f, 2.0f);
+    const QPoint end = window.AtLayout(3.0f, 8.0f);
+    QTest::mousePress(window.Surface(), Qt::LeftButton, {}, start);
+    window.MoveWithButtons(end, Qt::LeftButton);
+    QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
+    QVERIFY(window.map->View().left > window.map->View().right);
+    QVERIFY(window.map->View().top > window.map->View().bottom);  // the square goes up
+  }
+
+  void doubleClickReturnsHome() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->ZoomTo(4, 400);
+    window.MoveTo(window.AtLayout(4.0f, 4.0f));
+    QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
+    QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
+    const QPoint at = window.AtLayout(4.0f, 4.0f);
+    QTest::mouseDClick(window.Surface(), Qt::LeftButton, {}, at);
+    QCOMPARE(window.map->View().left, -1.0f);
+    QCOMPARE(window.map->View().right, 11.0f);
+    QCOMPARE(changed.count(), 1);
+    // The release after the double click does not zoom, whatever the distance.
+    window.MoveWithButtons(window.AtLayout(9.0f, 9.0f), Qt::LeftButton);
+    QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, window.AtLayout(9.0f, 9.0f));
+    QCOMPARE(ended.count(), 0);
+    QCOMPARE(window.map->View().right, 11.0f);
+  }
+
+  void rightButtonZoomsOutToHome() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->Ticker()->stop();  // ticks come from the test
+    window.map->ZoomTo(4, 400);
+    QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
+    QTest::mousePress(window.Surface(), Qt::RightButton, {}, window.AtLayout(5, 5));
+    QVERIFY(window.map->ZoomingOut());
+    const float mean = window.map->MeanNodeSize();
+    QCOMPARE(window.map->ZoomOutStep(), mean);
+    const float left0 = window.map->View().left;
+    window.map->Tick();
+    QCOMPARE(window.map->View().left, left0 - mean);
+    // The step grows by 5 % a tick only while it is below 1 % of the data width (0.1 here);
+    // the mean size is well above it.
+    QCOMPARE(window.map->ZoomOutStep(), mean);
+    for (int i = 0; i < 20; ++i) {
+      window.map->Tick();
+      const PointMap2D::ViewRect& view = window.map->View();
+      QVERIFY(view.left >= -1.0f && view.right <= 11.0f && view.top >= -1.0f &&
+              view.bottom <= 11.0f);
+    }
+    QCOMPARE(window.map->View().left, -1.0f);
+    QCOMPARE(window.map->View().bottom, 11.0f);
+    // Fully zoomed out: ticks keep redrawing without changing the view.
+    window.map->Tick();
+    QCOMPARE(window.map->View().right, 11.0f);
+    QCOMPARE(changed.count(), 0);
+    QTest::mouseRelease(window.Surface(), Qt::RightButton, {}, window.AtLayout(5, 5));
+    QVERIFY(!window.map->ZoomingOut());
+    QCOMPARE(changed.count(), 1);
+    window.map->ZoomTo(4, 400);
+    window.map->Tick();  // not zooming out any more
+    QCOMPARE(window.map->View().right - window.map->View().left, 2.5f);
+  }
+
+  void zoomOutStepAccelerates() {
+    PointMap2D map;
+    // A wide map with small nodes: the step starts below 1 % of the width.
+    const auto spatial = MakeSpatial({{0, 0}, {1000, 0}, {0.3f, 0}}, {{0, 2}});
+    map.SetCoordinates(*spatial);
+    map.SetBaseNodeSize(1.0f);
+    map.ZoomTo(2, 1000);
+    map.MousePress(Qt::RightButton, QPointF(10, 10));
+    QCOMPARE(map.ZoomOutStep(), 1.0f);
+    map.Tick();
+    QCOMPARE(map.ZoomOutStep(), 1.05f);
+    map.Tick();
+    QCOMPARE(map.ZoomOutStep(), 1.05f * 1.05f);
+  }
+
+  void digitKeysPan_data() {
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("dx");
+    QTest::addColumn<int>("dy");
+    QTest::newRow("1") << int(Qt::Key_1) << -1 << 1;
+    QTest::newRow("2") << int(Qt::Key_2) << 0 << 1;
+    QTest::newRow("3") << int(Qt::Key_3) << 1 << 1;
+    QTest::newRow("4") << int(Qt::Key_4) << -1 << 0;
+    QTest::newRow("5") << int(Qt::Key_5) << 0 << 0;
+    QTest::newRow("6") << int(Qt::Key_6) << 1 << 0;
+    QTest::newRow("7") << int(Qt::Key_7) << -1 << -1;
+    QTest::newRow("8") << int(Qt::Key_8) << 0 << -1;
+    QTest::newRow("9") << int(Qt::Key_9) << 1 << -1;
+    QTest::newRow("A") << int(Qt::Key_A) << 0 << 0;
+  }
+  void digitKeysPan() {
+    QFETCH(int, key);
+    QFETCH(int, dx);
+    QFETCH(int, dy);
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
+    const PointMap2D::ViewRect before = window.map->View();
+    const float step = 3.0f * window.map->BaseNodeSize();
+    QTest::keyPress(window.Surface(), static_cast<Qt::Key>(key));
+    const PointMap2D::ViewRect& after = window.map->View();
+    QCOMPARE(after.left, before.left + dx * step);
+    QCOMPARE(after.right, before.right + dx * step);
+    QCOMPARE(after.top, before.top + dy * step);
+    QCOMPARE(after.bottom, before.bottom + dy * step);
+    QCOMPARE(changed.count(), 1);
+    QTest::keyRelease(window.Surface(), static_cast<Qt::Key>(key));
+    const bool extra = key == Qt::Key_2 || key == Qt::Key_4 || key == Qt::Key_6 || key == Qt::Key_8;
+    QCOMPARE(changed.count(), extra ? 2 : 1);
+  }
+
+  void pulseEndsAfterItsTicks() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->Ticker()->stop();
+    window.map->SetNodeShape(3);
+    const float size = window.map->NodeSize(4);
+    window.map->PulseNode(4, 2.0f);
+    QVERIFY(window.map->NodeIsPulsing());
+    QCOMPARE(window.map->NodeSize(4), 2.0f * size);
+    QCOMPARE(window.form->cursor().shape(), Qt::WhatsThisCursor);
+    for (int tick = 1; tick <= 13; ++tick) {
+      window.map->Tick();
+      QVERIFY2(window.map->NodeIsPulsing(), qPrintable(QString::number(tick)));
+    }
+    QVERIFY(window.map->NodeSize(4) > size);
+    window.map->Tick();
+    QVERIFY(!window.map->NodeIsPulsing());
+    QCOMPARE(window.map->NodeSize(4), size);
+    QCOMPARE(window.form->cursor().shape(), Qt::ArrowCursor);
+  }
+
+  void secondPulseReplacesTheFirst() {
+    PointMap2D map;
+    const auto spatial = StarSpatial();
+    map.SetCoordinates(*spatial);
+    const float size = map.NodeSize(0);
+    map.PulseNode(0, 2.0f);
+    map.Tick();
+    map.PulseNode(1, 2.0f);
+    QCOMPARE(map.PulsingNode(), 1);
+    for (int tick = 0; tick < 20; ++tick) map.Tick();
+    QVERIFY(!map.NodeIsPulsing());
+    QCOMPARE(map.NodeSize(1), size);
+    QCOMPARE(map.NodeSize(0), 2.0f * size * 0.95f);  // keeps its enlarged size
+  }
+
+  void pulseRunsOnTheTimer() {
+    MapWindow window;
+    const auto spatial = StarSpatial();
+    window.map->SetCoordinates(*spatial);
+    window.map->PulseNode(4, 2.0f);
+    QTRY_VERIFY_WITH_TIMEOUT(!window.map->NodeIsPulsing(), 3000);
+  }
+
+  void topLeftAndBottomRightPlaceTheSurface() {
+    QWidget form;
+    form.resize(800, 600);
+    auto* box = new QWidget(&form);
+    PointMap2D map;
+    map.InitializePM2DCtl(&form, box);
+    map.TopLeft(20, 30);
+    map.BottomRight(420, 330);
+    QCOMPARE(box->geometry(), QRect(20, 30, 400, 300));
+    const auto spatial = StarSpatial();
+    map.SetCoordinates(*spatial);
+    QCOMPARE(map.Picture().size(), QSize(400, 300));
+  }
+
+  void pajekCoordinates() {
+    testing::TempDir dir;
+    // Fixed columns: node number in 8-13, x in 48-53, y in 58-63.
+    const auto line = [](int node, const char* x, const char* y) {
+      std::string text(70, ' ');
+      const std::string number = std::to_string(node);
+      text.replace(7, number.size(), number);
+      text.replace(47, std::string(x).size(), x);
+      text.replace(57, std::string(y).size(), y);
+      return text;
+    };
+    const std::string file = "*Network test\n*Vertices 3\n" + line(1, "0.1", "0.2") + "\n" +
+                             line(2, "0.5", "0.9") + "\n" + line(3, "0.8", "0.4") + "\n" +
+                             line(3, "9.9", "9.9") + "\n";
+    // Node 3's line reads 3 as its leading number (spaces are skipped): reading stops there
+    // and the last line is never read.
+    PointMap2D map;
+    QVERIFY(map.LoadPajekCoordinates(dir.WriteFile("net.paj", file), 3));
+    QCOMPARE(map.NodeCount(), 3);
+    QCOMPARE(map.NodeX(0), 0.1f);
+    QCOMPARE(map.NodeY(1), 0.9f);
+    QCOMPARE(map.NodeX(2), 0.8f);
+    QVERIFY(!map.LoadPajekCoordinates((dir.Path() / "missing").string(), 3));
+  }
+
+  void testLoaderDrawsAGrid() {
+    PointMap2D map;
+    map.SetPictureSize(QSize(300, 300));
+    map.LoadCoordinatesTest();
+    QCOMPARE(map.NodeCount(), 100);
+    QVERIFY(!map.Picture().isNull());
+  }
+};
+
+}  // namespace sylvora
+
+QTEST_MAIN(sylvora::PointMap2DTest)
+#include "point_map_2d_test.moc"
