@@ -6,6 +6,7 @@
 
 #include "cli/index_command.h"
 #include "cli/load_command.h"
+#include "cli/timeline_command.h"
 
 namespace {
 
@@ -14,6 +15,9 @@ constexpr const char* kUsage =
     "commands:\n"
     "  load FILE    load a tweet export and print a summary of the corpus\n"
     "  index FILE   load a tweet export, build its five term indexes and print their top terms\n"
+    "  timeline FILE --length L\n"
+    "               load and index a tweet export, build its interval models and write one row\n"
+    "               per interval (documents, novelty, homogeneity, links, sentiment, bursts)\n"
     "run 'sylvora-cli COMMAND --help' for a command's options\n";
 
 }  // namespace
@@ -28,6 +32,9 @@ int main(int argc, char** argv) {
   arguments.erase(arguments.begin());
   if (command == "load") return sylvora::cli::RunLoadCommand(arguments, std::cout, std::cerr);
   if (command == "index") return sylvora::cli::RunIndexCommand(arguments, std::cout, std::cerr);
+  if (command == "timeline") {
+    return sylvora::cli::RunTimelineCommand(arguments, std::cout, std::cerr);
+  }
   std::cerr << "Unknown command \"" << command << "\"\n" << kUsage;
   return 2;
 }

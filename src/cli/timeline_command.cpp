@@ -1,0 +1,317 @@
+#include "cli/timeline_command.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <sstream>
+
+#include "cli/command_line.h"
+#include "cli/index_command.h"
+#include "cli/stream_notifier.h"
+#include "common/file_io.h"
+#include "session/interval_models.h"
+
+namespace sylvora::cli {
+namespace {
+
+constexpr const char* kUsage =
+    "usage: sylvora-cli timeline FILE [--length L] [--unit s|n|h|d|ww] [--novelty-window W]\n"
+    "                                 [--burst ratio|temporal|z] [--json] [--events FILE]\n"
+    "                                 [--yes] and the load and index flags of 'index'\n"
+    "  --length L           interval length in units (default 24)\n"
+    "  --novelty-window W   intervals compared for novelty, 0..255 (default 1)\n"
+    "  --burst M            burst measure of the burst words (default ratio)\n"
+    "  --events FILE        tab-separated lines: date-time, description\n"
+    "  --yes                answer OK to the model-building questions\n";
+
+constexpr std::size_t kBurstWords = 3;
+
+bool IsUndefined(float value) { return std::isnan(value); }
+
+// Reads an event file: each line's first tab-separated field is the date-time and the second
+// the description.
+bool ReadEvents(const std::string& path, std::vector<TimelineEvent>& events, std::string& error) {
+  std::string text;
+  if (!ReadWholeFile(path, text, error)) return false;
+  std::istringstream lines(text);
+  std::string line;
+  while (std::getline(lines, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.empty()) continue;
+    const std::size_t tab = line.find('\t');
+    TimelineEvent event;
+    event.dateTime = line.substr(0, tab);
+    if (tab != std::string::npos) {
+      const std::size_t end = line.find('\t', tab + 1);
+      event.description = line.substr(tab + 1, end == std::string::npos ? end : end - tab - 1);
+    }
+    events.push_back(std::move(event));
+  }
+  return true;
+}
+
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+std::string JsonString(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    switch (c) {
+      case '"': quoted += "\\\""; break;
+      case '\\': quoted += "\\\\"; break;
+      case '\n': quoted += "\\n"; break;
+      case '\r': quoted += "\\r"; break;
+      case '\t': quoted += "\\t"; break;
+      default:
+        if (static_cast<unsigned char>(c) < 0x20) {
+          char escaped[8];
+          std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+          quoted += escaped;
+        } else {
+          quoted += c;
+        }
+    }
+  }
+  return quoted + '"';
+}
+
+// A score as a JSON value: a number, or a string for the values JSON has no number for.
+std::string JsonScore(float value) {
+  const std::string text = ScoreText(value);
+  return std::isfinite(value) ? text : JsonString(text);
+}
+
+void WriteCsv(std::ostream& out, const std::vector<TimelineRow>& rows) {
+  out << "interval,start,documents,documents_with_links,novelty,homogeneity,link_ratio,"
+         "positive_mean,positive_mode,positive_median,negative_mean,negative_mode,"
+         "negative_median,burst_term_1,burst_score_1,burst_term_2,burst_score_2,burst_term_3,"
+         "burst_score_3,events\n";
+  for (const TimelineRow& row : rows) {
+    out << row.interval << ',' << row.start << ',' << row.documents << ','
+        << row.documentsWithLinks << ',' << ScoreText(row.novelty) << ','
+        << ScoreText(row.homogeneity) << ',' << ScoreText(row.linkRatio) << ','
+        << ScoreText(row.positiveMean) << ',' << row.positiveMode << ',' << row.positiveMedian
+        << ',' << ScoreText(row.negativeMean) << ',' << row.negativeMode << ','
+        << row.negativeMedian;
+    for (std::size_t k = 0; k < kBurstWords; ++k) {
+      if (k < row.bursts.size()) {
+        out << ',' << CsvField(row.bursts[k].term) << ',' << ScoreText(row.bursts[k].score);
+      } else {
+        out << ",,";
+      }
+    }
+    out << ',' << CsvField(row.events) << '\n';
+  }
+}
+
+struct JsonHeader {
+  std::string corpus;
+  std::int32_t length = 0;
+  std::string unit;
+  std::int32_t noveltyWindow = 0;
+  std::string burst;
+  std::int32_t trunK = 0;
+};
+
+void WriteJson(std::ostream& out, const JsonHeader& header, const std::vector<TimelineRow>& rows) {
+  out << "{\n  \"corpus\": " << JsonString(header.corpus)
+      << ",\n  \"interval_length\": " << header.length
+      << ",\n  \"unit\": " << JsonString(header.unit)
+      << ",\n  \"interval_count\": " << rows.size()
+      << ",\n  \"novelty_window\": " << header.noveltyWindow
+      << ",\n  \"burst_measure\": " << JsonString(header.burst)
+      << ",\n  \"trunk\": " << header.trunK << ",\n  \"intervals\": [";
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    const TimelineRow& row = rows[r];
+    out << (r == 0 ? "\n" : ",\n") << "    {\"interval\": " << row.interval
+        << ", \"start\": " << JsonString(row.start) << ", \"documents\": " << row.documents
+        << ", \"documents_with_links\": " << row.documentsWithLinks
+        << ", \"novelty\": " << JsonScore(row.novelty)
+        << ", \"homogeneity\": " << JsonScore(row.homogeneity)
+        << ", \"link_ratio\": " << JsonScore(row.linkRatio)
+        << ", \"positive\": {\"mean\": " << JsonScore(row.positiveMean)
+        << ", \"mode\": " << row.positiveMode << ", \"median\": " << row.positiveMedian << "}"
+        << ", \"negative\": {\"mean\": " << JsonScore(row.negativeMean)
+        << ", \"mode\": " << row.negativeMode << ", \"median\": " << row.negativeMedian << "}"
+        << ", \"bursts\": [";
+    for (std::size_t k = 0; k < row.bursts.size(); ++k) {
+      out << (k == 0 ? "" : ", ") << "{\"term\": " << JsonString(row.bursts[k].term)
+          << ", \"score\": " << JsonScore(row.bursts[k].score) << "}";
+    }
+    out << "], \"events\": " << JsonString(row.events) << "}";
+  }
+  out << (rows.empty() ? "]\n}\n" : "\n  ]\n}\n");
+}
+
+}  // namespace
+
+std::string ScoreText(float value) {
+  if (std::isnan(value)) return "nan";
+  if (std::isinf(value)) return value > 0 ? "inf" : "-inf";
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return std::string(buffer, result.ptr);
+}
+
+std::vector<TimelineRow> TimelineRows(Session& session, std::uint8_t noveltyWindow,
+                                      std::int32_t burstMeasure) {
+  TextStream& words = session.WordModel();
+  const TermDocumentMatrix& index = session.WordIndex();
+  const std::string& unit = session.IntervalUnit();
+  std::vector<TimelineRow> rows;
+  std::vector<std::pair<std::int32_t, float>> scored;
+  for (std::int32_t i = 1; i <= words.IntervalCount(); ++i) {
+    TimelineRow row;
+    row.interval = i;
+    row.start = words.IntervalDateTimeBounds(i, unit)[0];
+    row.documents = words.IntervalDocCount(i);
+    row.documentsWithLinks = words.URLCount(i);
+    row.novelty = words.IntervalNoveltyScore(i, noveltyWindow);
+    row.homogeneity =
+        words.IntervalHomogScore(i, TextStream::ChartHomogSampleStep(i, row.documents));
+    row.linkRatio = words.URLRatio(i);
+    std::int16_t positive = 1, negative = -1;
+    row.positiveMean = words.IntervalSentimentMean(i, positive);
+    row.positiveMode = words.IntervalSentimentMode(i, positive);
+    row.positiveMedian = words.IntervalSentimentMedian(i, positive);
+    row.negativeMean = words.IntervalSentimentMean(i, negative);
+    row.negativeMode = words.IntervalSentimentMode(i, negative);
+    row.negativeMedian = words.IntervalSentimentMedian(i, negative);
+
+    // Only the terms present in the interval are ranked, as the interval's word list does.
+    scored.clear();
+    const SparseVectorSingle& column = *words.TIFM().Vector(i);
+    const auto terms = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    for (std::size_t k = 0; k < terms.size(); ++k) {
+      if (values[k] <= 0.0f) continue;
+      const std::int32_t t = terms[k];
+      float score = 0.0f;
+      switch (burstMeasure) {
+        case TextStream::kRatioBurst: score = words.RatioBurstScore(t, i); break;
+        case TextStream::kTemporalRatioBurst: score = words.TemporalRatioBurstScore(t, i); break;
+        case TextStream::kZScoreBurst: score = words.TermIntervalZScore(t, i); break;
+        default: break;
+      }
+      scored.emplace_back(t, score);
+    }
+    const auto better = [](const std::pair<std::int32_t, float>& a,
+                           const std::pair<std::int32_t, float>& b) {
+      if (IsUndefined(a.second) != IsUndefined(b.second)) return IsUndefined(b.second);
+      if (!IsUndefined(a.second) && a.second != b.second) return a.second > b.second;
+      return a.first < b.first;
+    };
+    const std::size_t keep = std::min(kBurstWords, scored.size());
+    std::partial_sort(scored.begin(), scored.begin() + static_cast<std::ptrdiff_t>(keep),
+                      scored.end(), better);
+    for (std::size_t k = 0; k < keep; ++k) {
+      row.bursts.push_back({index.Term(scored[k].first), scored[k].second});
+    }
+    row.events = words.Events(i);
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& out,
+                       std::ostream& err) {
+  std::set<std::string> valueOptions = CorpusValueOptions();
+  valueOptions.insert({"length", "novelty-window", "burst", "events"});
+  std::set<std::string> switches = CorpusSwitches();
+  switches.insert("json");
+  CommandLine line(valueOptions, switches);
+  const bool parsed = line.Parse(arguments);
+  if (parsed && line.Has("help")) {
+    out << kUsage;
+    return 0;
+  }
+  if (!parsed || line.Positional().size() != 1) {
+    err << (line.Error().empty() ? "timeline takes one corpus file" : line.Error()) << '\n'
+        << kUsage;
+    return 2;
+  }
+  CorpusOptions options;
+  if (!ReadCorpusOptions(line, options, err)) {
+    err << kUsage;
+    return 2;
+  }
+  const auto window = line.Number("novelty-window", 1);
+  if (!window || *window < 0 || *window > 255) {
+    err << "--novelty-window takes a whole number from 0 to 255\n" << kUsage;
+    return 2;
+  }
+  const std::string burst = line.Value("burst", "ratio");
+  std::int32_t measure = TextStream::kRatioBurst;
+  if (burst == "temporal") {
+    measure = TextStream::kTemporalRatioBurst;
+  } else if (burst == "z") {
+    measure = TextStream::kZScoreBurst;
+  } else if (burst != "ratio") {
+    err << "--burst takes ratio, temporal or z\n" << kUsage;
+    return 2;
+  }
+  ModelOptions models;
+  models.intervalLength = line.Value("length", "24");
+  models.unitCode = options.load.unitCode;
+  if (line.Has("events")) {
+    std::string error;
+    if (!ReadEvents(line.Value("events", ""), models.events, error)) {
+      err << "Error: " << error << '\n';
+      return 1;
+    }
+  }
+  if (options.index.stopListPath.empty()) {
+    err << "Error: no stop list found; name one with --stop-list PATH\n";
+    return 1;
+  }
+
+  Session session;
+  StreamNotifier notifier(err, line.Has("yes"));
+  const LoadReport load = LoadCorpus(session, options.load, notifier);
+  if (!load.loaded) {
+    err << "Error: " << load.error << '\n';
+    return 1;
+  }
+  for (const auto& warning : load.warnings) err << "Warning: " << warning << '\n';
+  const IndexReport indexed = BuildIndexes(session, options.index);
+  if (!indexed.indexed) {
+    err << "Error: " << indexed.error << '\n';
+    return 1;
+  }
+  const ModelReport built = BuildModels(session, models, notifier);
+  if (!built.built) {
+    err << "Error: " << built.error << '\n';
+    return 1;
+  }
+  for (const auto& warning : built.warnings) err << "Warning: " << warning << '\n';
+
+  Stopwatch watch;
+  const std::vector<TimelineRow> rows =
+      TimelineRows(session, static_cast<std::uint8_t>(*window), measure);
+  const double scoring = watch.Lap();
+  if (line.Has("json")) {
+    WriteJson(out,
+              {session.Documents().FilePath(), built.intervalLength, built.unitCode,
+               static_cast<std::int32_t>(*window), burst, built.trunK},
+              rows);
+  } else {
+    WriteCsv(out, rows);
+  }
+
+  std::vector<StageTiming> stages;
+  for (const StageTiming& stage : load.stages) stages.push_back({"load: " + stage.stage, stage.seconds});
+  stages.insert(stages.end(), indexed.stages.begin(), indexed.stages.end());
+  for (const StageTiming& stage : built.stages) stages.push_back({"model: " + stage.stage, stage.seconds});
+  stages.push_back({"scores", scoring});
+  PrintStages(err, stages);
+  return 0;
+}
+
+}  // namespace sylvora::cli
