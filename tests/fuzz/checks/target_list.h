@@ -1,0 +1,22 @@
+#pragma once
+// The checks of each reader, declared here and defined beside the layer they read for.
+
+#include <vector>
+
+#include "checks/fuzz_check.h"
+
+namespace sylvora::fuzz {
+
+std::vector<FuzzTarget> CommonTargets();  // text decoding, numbers, dates
+std::vector<FuzzTarget> CorpusTargets();  // corpus files of every format family
+std::vector<FuzzTarget> IndexingTargets();  // stop list, TDM file
+
+inline std::vector<FuzzTarget> AllTargets() {
+  std::vector<FuzzTarget> all;
+  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets()}) {
+    all.insert(all.end(), part.begin(), part.end());
+  }
+  return all;
+}
+
+}  // namespace sylvora::fuzz
