@@ -1,9 +1,11 @@
 #include "layout/layout_folder.h"
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <vector>
 
 namespace sylvora {
@@ -42,6 +44,30 @@ class FolderOwner {
 const std::string& DefaultLayoutFolder() {
   static const FolderOwner owner;
   return owner.Path();
+}
+
+}  // namespace sylvora
+
+namespace sylvora {
+
+std::string DefaultGraphvizFolder() {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (const char* path = std::getenv("PATH"); path != nullptr) {
+    std::string_view rest = path;
+    while (!rest.empty()) {
+      const std::size_t colon = rest.find(':');
+      const std::string folder(rest.substr(0, colon));
+      rest = colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
+      if (folder.empty()) continue;
+      const std::string program = folder + "/sfdp";
+      if (fs::is_regular_file(program, error) && ::access(program.c_str(), X_OK) == 0) {
+        return folder;
+      }
+    }
+  }
+  const fs::path self = fs::read_symlink("/proc/self/exe", error);
+  return (error ? fs::current_path(error) : self.parent_path()).string() + "/bin";
 }
 
 }  // namespace sylvora

@@ -13,3 +13,11 @@ namespace sylvora {
 const std::string& DefaultLayoutFolder();
 
 }  // namespace sylvora
+
+namespace sylvora {
+
+// The Graphviz folder to use when none was chosen: the folder of the first executable "sfdp"
+// on PATH, else the program's folder + "/bin".
+std::string DefaultGraphvizFolder();
+
+}  // namespace sylvora

@@ -213,3 +213,26 @@ TEST(RealSfdpTest, LaysOutASmallTree) {
 
 }  // namespace
 }  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+TEST(DefaultGraphvizFolderTest, FindsSfdpOnThePath) {
+  const char* saved = std::getenv("PATH");
+  const std::string original = saved != nullptr ? saved : "";
+  TempDir first;
+  TempDir second;
+  WriteScript(second, "sfdp", "exit 0");
+  // A folder without sfdp and an sfdp that cannot run are passed over.
+  first.WriteFile("sfdp", "not a program");
+  ::setenv("PATH", (":" + first.Path().string() + ":" + second.Path().string()).c_str(), 1);
+  EXPECT_EQ(DefaultGraphvizFolder(), second.Path().string());
+  ::setenv("PATH", first.Path().string().c_str(), 1);
+  const std::string fallback = DefaultGraphvizFolder();
+  ::setenv("PATH", original.c_str(), 1);
+  EXPECT_EQ(fallback.size() >= 4 ? fallback.substr(fallback.size() - 4) : fallback, "/bin");
+  EXPECT_NE(fallback, first.Path().string());
+}
+
+}  // namespace
+}  // namespace sylvora

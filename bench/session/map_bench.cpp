@@ -1,0 +1,166 @@
+// The word map end to end over a generated "Twitter1.1" corpus of 100,000 tweets: the cosine
+// similarity of every pair of terms, the dense array, distances, the minimum spanning tree,
+// the DOT text and the sfdp layout (Graphviz from PATH), at 2,000 and 5,000 terms. Loading and
+// indexing happen once per size, outside the timing.
+//
+// The generator's own vocabulary gives about 800 terms at Min DF 20, so each tweet gets five
+// more words from a made-up vocabulary of topic groups (twenty words each, one group per
+// tweet), sized so that the index has exactly the wanted number of terms. The words look like
+// "bobadegik": letters only, unchanged by the stemmer, none of them stop words.
+//
+// Counters: terms, links, seconds per stage, and the resident memory of this process before the
+// map build and at its peak during it. The layout program's own memory is not included (the
+// kernel's figure for a spawned child starts from the parent's peak, so it says nothing).
+// Size via SYLVORA_BENCH_MAP_TWEETS (default 100,000).
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <string>
+
+#include "common/notifier.h"
+#include "generator/corpus_generator.h"
+#include "layout/layout_folder.h"
+#include "session/cluster_maps.h"
+#include "session/corpus_index.h"
+#include "session/corpus_load.h"
+
+namespace {
+
+constexpr std::int32_t kMinDocFrequency = 20;
+constexpr int kGroupSize = 20;
+constexpr int kWordsPerTweet = 5;
+
+std::size_t TweetCount() {
+  const char* text = std::getenv("SYLVORA_BENCH_MAP_TWEETS");
+  return text != nullptr ? std::strtoull(text, nullptr, 10) : 100'000;
+}
+
+std::string CorpusFile() {
+  const std::size_t tweets = TweetCount();
+  const auto file = std::filesystem::temp_directory_path() /
+                    ("sylvora-bench-" + std::to_string(tweets) + "_twitter11.txt");
+  if (!std::filesystem::exists(file)) {
+    sylvora::bench::WriteSyntheticCorpus(sylvora::bench::CorpusFormat::kTwitter11, file, tweets);
+  }
+  return file.string();
+}
+
+// Word j of the made-up vocabulary: a consonant, "o", three syllables and "k". The first
+// letters vary because the vocabulary holds a limited number of terms per first letter.
+std::string MadeUpWord(int j) {
+  static constexpr const char kFirst[] = "bdfghjklmnprstvw";
+  static constexpr const char* kSyllables[] = {"ba", "de", "gi", "ko", "mu",
+                                               "pa", "ri", "su", "ta", "vo"};
+  std::string word(1, kFirst[j % 16]);
+  word += "o";
+  for (int digit = 0, rest = j / 16; digit < 3; ++digit, rest /= 10) word += kSyllables[rest % 10];
+  return word + "k";
+}
+
+// Reads "VmRSS" or "VmHWM" of this process, in bytes.
+std::int64_t StatusBytes(const std::string& key) {
+  std::ifstream status("/proc/self/status");
+  std::string line;
+  while (std::getline(status, line)) {
+    if (line.rfind(key + ":", 0) == 0) return std::stoll(line.substr(key.size() + 1)) * 1024;
+  }
+  return 0;
+}
+
+// Lets VmHWM start again from the current resident size (Linux 4.0 and later).
+void ResetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
+bool LoadAndIndex(sylvora::Session& session, int madeUpWords, std::string& error) {
+  sylvora::LoadOptions load;
+  load.path = CorpusFile();
+  const auto loaded = sylvora::LoadCorpus(session, load, sylvora::DefaultNotifier());
+  if (!loaded.loaded) {
+    error = loaded.error;
+    return false;
+  }
+  auto& documents = session.Documents();
+  const sylvora::FieldIndex content = documents.ContentField();
+  // Groups of kGroupSize words; the last one may be smaller.
+  const int groups = (madeUpWords + kGroupSize - 1) / kGroupSize;
+  if (groups > 0) {
+    std::mt19937_64 random(7);
+    for (sylvora::DocIndex d = 0; d < documents.DocumentCount(); ++d) {
+      const int group = static_cast<int>(random() % static_cast<std::uint64_t>(groups));
+      std::string text(documents.Text(d, content));
+      for (int w = 0; w < kWordsPerTweet; ++w) {
+        const int size = std::min(kGroupSize, madeUpWords - group * kGroupSize);
+        const int inGroup = static_cast<int>(random() % static_cast<std::uint64_t>(size));
+        text += " " + MadeUpWord(group * kGroupSize + inGroup);
+      }
+      documents.SetText(d, content, text);
+    }
+  }
+  sylvora::IndexOptions options;
+  options.stopListPath = SYLVORA_SOURCE_DIR "/data/common_words.txt";
+  options.minDocFrequency = kMinDocFrequency;
+  const auto report = sylvora::BuildIndexes(session, options);
+  if (!report.indexed) error = report.error;
+  return report.indexed;
+}
+
+// Terms of the index without made-up words, found once.
+int BaseTermCount() {
+  static const int count = [] {
+    sylvora::Session session;
+    std::string error;
+    return LoadAndIndex(session, 0, error) ? session.WordIndex().TermCount() : -1;
+  }();
+  return count;
+}
+
+void BM_WordMap(benchmark::State& state) {
+  const int wanted = static_cast<int>(state.range(0));
+  const int base = BaseTermCount();
+  if (base < 0 || base > wanted) {
+    state.SkipWithError("the corpus could not be indexed, or it has too many terms already");
+    return;
+  }
+  sylvora::Session session;
+  std::string error;
+  if (!LoadAndIndex(session, wanted - base, error)) {
+    state.SkipWithError(error.c_str());
+    return;
+  }
+  sylvora::MapOptions options;
+  options.graphvizFolder = sylvora::DefaultGraphvizFolder();
+  const std::int64_t before = StatusBytes("VmRSS");
+  ResetPeak();
+  std::map<std::string, double> stageSeconds;
+  sylvora::MapReport report;
+  for (auto _ : state) {
+    sylvora::ClusterMap map;
+    report = sylvora::BuildWordMap(session.WordIndex(), nullptr, sylvora::WordMapLevel::kTweet,
+                                   options, map, sylvora::DefaultNotifier());
+    if (!report.built) {
+      state.SkipWithError(report.error.c_str());
+      return;
+    }
+    for (const auto& stage : report.stages) stageSeconds[stage.stage] += stage.seconds;
+    benchmark::DoNotOptimize(map.layout.X(0));
+  }
+  const double iterations = static_cast<double>(state.iterations());
+  constexpr double kMB = 1024.0 * 1024.0;
+  state.counters["tweets"] = session.Documents().DocumentCount();
+  state.counters["terms"] = session.WordIndex().TermCount();
+  state.counters["links"] = report.edgeCount;
+  for (const auto& [stage, seconds] : stageSeconds) state.counters[stage + "_s"] = seconds / iterations;
+  state.counters["rss_before_MB"] = static_cast<double>(before) / kMB;
+  state.counters["peak_rss_MB"] = static_cast<double>(StatusBytes("VmHWM")) / kMB;
+}
+
+BENCHMARK(BM_WordMap)->Arg(2000)->Arg(5000)->Unit(benchmark::kSecond)->Iterations(1);
+
+}  // namespace
+
+BENCHMARK_MAIN();

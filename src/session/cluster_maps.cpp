@@ -1,0 +1,277 @@
+#include "session/cluster_maps.h"
+
+#include <utility>
+
+#include "layout/shell_and_wait.h"
+#include "networks/proximity_matrix.h"
+#include "temporal/text_stream.h"
+
+namespace sylvora {
+namespace {
+
+constexpr std::string_view kProgramTitle = "Sylvora";
+
+// Passes progress on and remembers whether the receiver asked to stop.
+class CancelWatch {
+ public:
+  explicit CancelWatch(const ProgressCallback& progress)
+      : forward_([this, &progress](std::string_view stage, std::int64_t done,
+                                   std::int64_t total) {
+          if (progress && !progress(stage, done, total)) cancelled_ = true;
+          return !cancelled_;
+        }) {}
+
+  const ProgressCallback& Callback() const { return forward_; }
+  bool Cancelled() const { return cancelled_; }
+
+ private:
+  bool cancelled_ = false;
+  ProgressCallback forward_;
+};
+
+// A square sparse matrix as a dense n x n array, row by row; cells outside 1..n are left out.
+std::vector<float> DenseArray(const SparseMatrixSingle& square) {
+  const std::int32_t n = square.ColCount();
+  std::vector<float> dense(static_cast<std::size_t>(n) * static_cast<std::size_t>(n), 0.0f);
+  for (std::int32_t c = 1; c <= n; ++c) {
+    const SparseVectorSingle* column = square.Vector(c);
+    const auto rows = column->ElementIndexes();
+    const auto values = column->ElementValues();
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+      if (rows[k] < 1 || rows[k] > n) continue;
+      dense[static_cast<std::size_t>(rows[k] - 1) * static_cast<std::size_t>(n) +
+            static_cast<std::size_t>(c - 1)] = values[k];
+    }
+  }
+  return dense;
+}
+
+// The cosine similarity matrix of the columns, mirrored so that it is symmetric.
+SparseMatrixSingle SymmetricSimilarity(const SparseMatrixSingle& matrix,
+                                       const ProgressCallback& progress) {
+  SparseMatrixSingle similarity = matrix.GetSimilarityMatrix(2, progress);
+  similarity.MakeSymmetric(true);
+  return similarity;
+}
+
+std::string LayoutFailure(std::int32_t code, const MapOptions& options) {
+  switch (code) {
+    case kShellNotStarted:
+      return "Graphviz could not be started: check that '" + options.graphvizFolder +
+             "' holds the " + options.algorithm + " program";
+    case kShellTimedOut:
+      return "Graphviz took longer than " + std::to_string(options.timeLimitMs / 1000) +
+             " s and was stopped";
+    case kShellAbandoned:
+      return "The layout was cancelled";
+    default:
+      return "Graphviz's output could not be read";
+  }
+}
+
+void Finish(MapReport& report, Stopwatch& watch, std::string stage) {
+  report.stages.push_back({std::move(stage), watch.Lap()});
+}
+
+bool Cancelled(MapReport& report, const CancelWatch& watch) {
+  if (!watch.Cancelled()) return false;
+  report.cancelled = true;
+  report.error = "Cancelled";
+  return true;
+}
+
+}  // namespace
+
+std::vector<float> ColumnSimilarityArray(const SparseMatrixSingle& matrix,
+                                         const ProgressCallback& progress) {
+  const CancelWatch cancel(progress);
+  // The similarity matrix holds the upper triangle; mirroring it while filling the array
+  // saves making the sparse matrix symmetric first.
+  const SparseMatrixSingle upper = matrix.GetSimilarityMatrix(2, cancel.Callback());
+  if (cancel.Cancelled()) return {};
+  const std::int32_t n = upper.ColCount();
+  const auto width = static_cast<std::size_t>(n);
+  std::vector<float> dense(width * width, 0.0f);
+  for (std::int32_t c = 1; c <= n; ++c) {
+    const SparseVectorSingle* column = upper.Vector(c);
+    const auto rows = column->ElementIndexes();
+    const auto values = column->ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= c; ++k) {
+      if (rows[k] < 1) continue;
+      const auto r = static_cast<std::size_t>(rows[k] - 1);
+      const auto cc = static_cast<std::size_t>(c - 1);
+      dense[r * width + cc] = values[k];
+      dense[cc * width + r] = values[k];
+    }
+  }
+  return dense;
+}
+
+bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::int32_t type,
+                        const MapOptions& options, ClusterMap& map, MapReport& report,
+                        Notifier& notifier, const ProgressCallback& progress) {
+  const CancelWatch cancel(progress);
+  Stopwatch watch;
+  ProximityMatrix proximity;
+  if (n < 2 || !proximity.AssignMatrix(std::move(similarities), n, type)) {
+    report.error = "A map needs at least two nodes (this one has " + std::to_string(n) + ")";
+    return false;
+  }
+  proximity.Sim2Dis();
+  NetworkResult tree = proximity.Transform2MST(-1, cancel.Callback());
+  proximity = ProximityMatrix();
+  if (Cancelled(report, cancel)) return false;
+  if (!tree) {
+    report.error = "No spanning tree: " + tree.Message();
+    return false;
+  }
+  report.warning = tree.Message();
+  Finish(report, watch, "network");
+
+  map.dot = tree->Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f, cancel.Callback());
+  tree = NetworkResult::Failure({});
+  if (Cancelled(report, cancel)) return false;
+  Finish(report, watch, "dot");
+
+  Spatial spatial(notifier);
+  if (!options.layoutFolder.empty()) spatial.SetLayoutFolder(options.layoutFolder);
+  spatial.SetTimeLimit(options.timeLimitMs);
+  const bool laidOut = spatial.GraphVisLayout_CLI(options.graphvizFolder, options.algorithm,
+                                                  map.dot, n, 1, cancel.Callback());
+  report.shellCode = spatial.LastShellCode();
+  Finish(report, watch, "layout");
+  if (!laidOut) {
+    report.cancelled = cancel.Cancelled();
+    report.error = LayoutFailure(report.shellCode, options);
+    return false;
+  }
+  report.nodeCount = spatial.NodeCount();
+  report.edgeCount = spatial.EdgeCount();
+  map.layout = std::move(spatial);
+  return true;
+}
+
+MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wordStream,
+                       WordMapLevel level, const MapOptions& options, ClusterMap& map,
+                       Notifier& notifier, const ProgressCallback& progress) {
+  MapReport report;
+  Stopwatch watch;
+  const CancelWatch cancel(progress);
+  // Columns become the terms.
+  SparseMatrixSingle source;
+  if (level == WordMapLevel::kTweet) {
+    source.SetMatrix(wordIndex.Matrix());
+  } else {
+    if (wordStream == nullptr || wordStream->IntervalCount() < 1) {
+      report.error = "The interval model is not built";
+      return report;
+    }
+    source.SetMatrix(wordStream->TIFM());
+  }
+  if (wordIndex.TermCount() < 1 || source.RowCount() < 1) {
+    report.error = "The word index has no terms";
+    return report;
+  }
+  source.Transpose();
+  std::vector<float> similarities = ColumnSimilarityArray(source, cancel.Callback());
+  const std::int32_t n = source.ColCount();
+  source = SparseMatrixSingle();
+  if (Cancelled(report, cancel)) return report;
+  Finish(report, watch, "similarity");
+
+  ClusterMap built;
+  built.kind = MapKind::kWords;
+  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kTermSimilarities, options,
+                          built, report, notifier, cancel.Callback())) {
+    return report;
+  }
+  const auto count = static_cast<std::size_t>(n);
+  built.labels.resize(count);
+  built.weights.resize(count);
+  const double documents = wordIndex.DocCount();
+  for (std::int32_t i = 0; i < n; ++i) {
+    const auto node = static_cast<std::size_t>(i);
+    built.labels[node] = wordIndex.Term(i + 1);
+    built.weights[node] =
+        documents > 0 ? static_cast<float>(wordIndex.DocFreq(i + 1) / documents * 1000.0) : 0.0f;
+  }
+  map = std::move(built);
+  report.built = true;
+  return report;
+}
+
+MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& options,
+                           ClusterMap& map, Notifier& notifier, const ProgressCallback& progress) {
+  MapReport report;
+  Stopwatch watch;
+  const std::int32_t n = wordStream.IntervalCount();
+  if (n < 1 || wordStream.NM().ColCount() != n) {
+    report.error = "The interval similarity model is not built";
+    return report;
+  }
+  std::vector<float> similarities = DenseArray(wordStream.NM());
+  Finish(report, watch, "similarity");
+
+  ClusterMap built;
+  built.kind = MapKind::kIntervals;
+  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
+                          options, built, report, notifier, progress)) {
+    if (!report.cancelled) notifier.ShowMessage(kIntervalMapFailure, kProgramTitle, MessageIcon::kNone);
+    return report;
+  }
+  const double largest = wordStream.MaxIntervalDocCount();
+  for (std::int32_t k = 1; k <= n; ++k) {
+    built.labels.push_back(std::to_string(k));
+    built.weights.push_back(
+        largest > 0 ? static_cast<float>(wordStream.IntervalDocCount(k) / largest * 5.0) : 0.0f);
+  }
+  map = std::move(built);
+  report.built = true;
+  return report;
+}
+
+MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& wordStream,
+                        std::int32_t interval, const MapOptions& options, ClusterMap& map,
+                        Notifier& notifier, const ProgressCallback& progress) {
+  MapReport report;
+  Stopwatch watch;
+  const CancelWatch cancel(progress);
+  if (interval < 1 || interval > wordStream.IntervalCount()) {
+    report.error = "There is no interval " + std::to_string(interval) + " (the model has " +
+                   std::to_string(wordStream.IntervalCount()) + ")";
+    return report;
+  }
+  if (wordStream.IntervalDocCount(interval) < 1) {
+    report.error = "Interval " + std::to_string(interval) + " has no tweets";
+    return report;
+  }
+  const DocIndex first = wordStream.FirstDocumentIndex(interval);
+  const DocIndex last = wordStream.LastDocumentIndex(interval);
+  // The interval's documents, every term row kept (corpus row d is column d + 1).
+  SparseMatrixSingle tweets;
+  tweets.SetMatrixSelective(wordIndex.Matrix(), first + 1, last + 1, false);
+  // Second order: tweets are alike when their similarities to all the interval's tweets are.
+  const SparseMatrixSingle firstOrder = SymmetricSimilarity(tweets, cancel.Callback());
+  if (Cancelled(report, cancel)) return report;
+  const SparseMatrixSingle secondOrder = SymmetricSimilarity(firstOrder, cancel.Callback());
+  if (Cancelled(report, cancel)) return report;
+  std::vector<float> similarities = DenseArray(secondOrder);
+  const std::int32_t n = secondOrder.ColCount();
+  Finish(report, watch, "similarity");
+
+  ClusterMap built;
+  built.kind = MapKind::kTweets;
+  built.interval = interval;
+  built.firstDocument = first;
+  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
+                          options, built, report, notifier, cancel.Callback())) {
+    return report;
+  }
+  for (std::int32_t i = 1; i <= n; ++i) built.labels.push_back(std::to_string(i));
+  built.weights.assign(static_cast<std::size_t>(n), 1.0f);
+  map = std::move(built);
+  report.built = true;
+  return report;
+}
+
+}  // namespace sylvora

@@ -1,0 +1,384 @@
+// The three maps of the cluster explorer: the shared steps (similarities to a laid-out spanning
+// tree, the DOT text byte for byte), each source, and the failures, with shell scripts standing
+// in for Graphviz where it must misbehave and the real sfdp elsewhere.
+
+#include "session/cluster_maps.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <set>
+#include <sys/stat.h>
+
+#include "layout/shell_and_wait.h"
+#include "session/corpus_index.h"
+#include "support/recording_notifier.h"
+#include "support/temp_dir.h"
+#include "temporal/text_stream.h"
+
+namespace sylvora {
+namespace {
+
+using testing::ReadFile;
+using testing::RecordingNotifier;
+using testing::TempDir;
+
+constexpr const char* kRealGraphviz = "/usr/bin";
+bool HaveSfdp() { return std::filesystem::exists(std::string(kRealGraphviz) + "/sfdp"); }
+
+// A stand-in for sfdp in its own folder: `body` runs with $out naming the output file.
+class FakeGraphviz {
+ public:
+  explicit FakeGraphviz(std::string_view body) {
+    const std::string path =
+        dir_.WriteFile("sfdp", "#!/bin/sh\nout=\"${3#-o}\"\ncp \"$1\" \"$1.seen\"\n" +
+                                   std::string(body) + "\n");
+    ::chmod(path.c_str(), 0755);
+  }
+  std::string Folder() const { return dir_.Path().string(); }
+
+ private:
+  TempDir dir_;
+};
+
+// Plain output placing nodes 1..n on a diagonal.
+std::string DiagonalPlain(int n) {
+  std::string text = "printf 'graph 1 " + std::to_string(n) + " " + std::to_string(n) + "\\n";
+  for (int k = 1; k <= n; ++k) {
+    text += "node " + std::to_string(k) + " " + std::to_string(k) + " " + std::to_string(k) +
+            " 0.1 0.1 x\\n";
+  }
+  return text + "stop\\n' > \"$out\"";
+}
+
+class MapTest : public ::testing::Test {
+ protected:
+  MapOptions Options(const std::string& graphviz) const {
+    MapOptions options;
+    options.graphvizFolder = graphviz;
+    options.layoutFolder = work_.Path().string();
+    return options;
+  }
+  std::string SeenDot() const { return ReadFile(work_.Path() / "gvin.txt.seen"); }
+
+  TempDir work_;
+  RecordingNotifier notifier_;
+};
+
+TEST(ColumnSimilarityArrayTest, DenseSymmetricCosinesWithOnesOnTheDiagonal) {
+  SparseMatrixSingle m;
+  m.Reset(3, 4);
+  m.SetValue(1, 1, 1.0f);  // column 1 = (1, 0, 0)
+  m.SetValue(1, 2, 1.0f);  // column 2 = (1, 1, 0)
+  m.SetValue(2, 2, 1.0f);
+  m.SetValue(3, 3, 2.0f);  // column 3 = (0, 0, 2); column 4 empty
+  const std::vector<float> s = ColumnSimilarityArray(m);
+  const float c = 1.0f / std::sqrt(2.0f);
+  ASSERT_EQ(s.size(), 16u);
+  const std::vector<float> expected = {1, c, 0, 0,  //
+                                       c, 1, 0, 0,  //
+                                       0, 0, 1, 0,  //
+                                       0, 0, 0, 1};
+  for (std::size_t i = 0; i < 16; ++i) EXPECT_FLOAT_EQ(s[i], expected[i]) << "cell " << i;
+}
+
+TEST(ColumnSimilarityArrayTest, CancelGivesNothing) {
+  SparseMatrixSingle m;
+  m.Reset(2, 2);
+  m.SetValue(1, 1, 1.0f);
+  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
+  EXPECT_TRUE(ColumnSimilarityArray(m, stop).empty());
+}
+
+// Similarities 0.75 (nodes 0-1), 0.5 (1-2) and 0.25 (0-2): distances 0.25, 0.5, 0.75, so the
+// tree keeps 0-1 and 1-2.
+std::vector<float> ThreeNodes() { return {1, 0.75f, 0.25f, 0.75f, 1, 0.5f, 0.25f, 0.5f, 1}; }
+
+constexpr const char* kThreeNodeDot =
+    "graph G {\r\n\tnode [shape=plaintext,height=.0,width=.0];\r\n\tedge [weight=1.0];\r\n"
+    "\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.50000];\r\n}";
+
+TEST_F(MapTest, SharedStepsWriteTheTreeAsDotAndReadTheLayout) {
+  const FakeGraphviz graphviz(DiagonalPlain(3));
+  ClusterMap map;
+  MapReport report;
+  ASSERT_TRUE(LayOutSimilarities(ThreeNodes(), 3, 1, Options(graphviz.Folder()), map, report,
+                                 notifier_))
+      << report.error;
+  EXPECT_EQ(map.dot, kThreeNodeDot);
+  EXPECT_EQ(SeenDot(), std::string(kThreeNodeDot) + "\r\n");
+  EXPECT_EQ(report.shellCode, kShellEnded);
+  EXPECT_EQ(report.nodeCount, 3);
+  EXPECT_EQ(report.edgeCount, 2);
+  EXPECT_EQ(map.layout.Edge(1), (EdgeRecord{0.5f, 1, 2}));
+  EXPECT_FLOAT_EQ(map.layout.X(2), 3.0f);
+  ASSERT_EQ(report.stages.size(), 3u);
+  EXPECT_EQ(report.stages[0].stage, "network");
+  EXPECT_EQ(report.stages[2].stage, "layout");
+  EXPECT_TRUE(notifier_.Messages().empty());
+}
+
+TEST_F(MapTest, TiedDistancesKeepTheFirstEdgesInOrder) {
+  // Every pair at similarity 0.5: the tree is a star or a chain depending on how the ties are
+  // taken. The sorted candidates stay (0,1), (0,2), (1,2); the tree takes the first two.
+  const FakeGraphviz graphviz(DiagonalPlain(3));
+  ClusterMap map;
+  MapReport report;
+  ASSERT_TRUE(LayOutSimilarities({1, 0.5f, 0.5f, 0.5f, 1, 0.5f, 0.5f, 0.5f, 1}, 3, 1,
+                                 Options(graphviz.Folder()), map, report, notifier_))
+      << report.error;
+  EXPECT_EQ(report.edgeCount, 2);
+  EXPECT_EQ(map.dot,
+            "graph G {\r\n\tnode [shape=plaintext,height=.0,width=.0];\r\n\tedge [weight=1.0];\r\n"
+            "\t1 -- 2 [len=0.50000];\r\n\t1 -- 3 [len=0.50000];\r\n}");
+  EXPECT_EQ(map.layout.NodeDegree(0), 2);
+}
+
+TEST_F(MapTest, FewerThanTwoNodesIsAnError) {
+  ClusterMap map;
+  MapReport report;
+  EXPECT_FALSE(LayOutSimilarities({1}, 1, 1, Options(kRealGraphviz), map, report, notifier_));
+  EXPECT_NE(report.error.find("at least two nodes"), std::string::npos);
+  report = MapReport();
+  EXPECT_FALSE(LayOutSimilarities({}, 0, 1, Options(kRealGraphviz), map, report, notifier_));
+  EXPECT_FALSE(report.error.empty());
+  // A wrong array size is refused too.
+  report = MapReport();
+  EXPECT_FALSE(LayOutSimilarities({1, 0, 0}, 2, 1, Options(kRealGraphviz), map, report, notifier_));
+}
+
+TEST_F(MapTest, MissingGraphvizIsReportedWithoutAMessageBox) {
+  const TempDir empty;
+  ClusterMap map;
+  MapReport report;
+  EXPECT_FALSE(LayOutSimilarities(ThreeNodes(), 3, 1, Options(empty.Path().string()), map, report,
+                                  notifier_));
+  EXPECT_EQ(report.shellCode, kShellNotStarted);
+  EXPECT_NE(report.error.find(empty.Path().string()), std::string::npos) << report.error;
+  EXPECT_TRUE(notifier_.Messages().empty());
+}
+
+TEST_F(MapTest, SlowGraphvizIsStoppedAndReported) {
+  const FakeGraphviz graphviz("exec sleep 30");
+  MapOptions options = Options(graphviz.Folder());
+  options.timeLimitMs = 1000;
+  ClusterMap map;
+  MapReport report;
+  EXPECT_FALSE(LayOutSimilarities(ThreeNodes(), 3, 1, options, map, report, notifier_));
+  EXPECT_EQ(report.shellCode, kShellTimedOut);
+  EXPECT_NE(report.error.find("longer than 1 s"), std::string::npos) << report.error;
+  EXPECT_TRUE(notifier_.Messages().empty());
+}
+
+TEST_F(MapTest, CancelStopsTheBuild) {
+  const FakeGraphviz graphviz(DiagonalPlain(3));
+  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
+  ClusterMap map;
+  MapReport report;
+  EXPECT_FALSE(LayOutSimilarities(ThreeNodes(), 3, 1, Options(graphviz.Folder()), map, report,
+                                  notifier_, stop));
+  EXPECT_TRUE(report.cancelled);
+}
+
+// ---- The three sources over a small corpus ----
+
+// Three topics that share no word, two tweets an hour over twelve hours.
+const std::vector<std::string> kTexts = {
+    "storm wind rain coast",        "storm wind rain warning",     "power outage generator",
+    "power outage generator grid",  "music festival band stage",   "music festival band",
+    "storm wind rain coast",        "storm wind rain",             "power outage generator grid",
+    "power outage generator",       "music festival band stage",   "music festival band stage",
+    "storm wind rain warning",      "storm wind coast",            "power outage grid",
+    "power outage generator",       "music festival stage",        "music festival band",
+    "storm rain coast warning",     "storm wind rain",             "power generator grid",
+    "power outage generator grid",  "music band stage",            "festival band stage music"};
+
+class SmallCorpusTest : public MapTest {
+ protected:
+  void SetUp() override {
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t i = 0; i < kTexts.size(); ++i) {
+      rows.push_back({"", "user" + std::to_string(i % 5), kTexts[i], std::to_string(i / 2)});
+    }
+    DocumentSet& documents = session_.Documents();
+    documents.SetDocuments(rows, 7, static_cast<DocIndex>(rows.size()));
+    documents.SetAuthorField(1);
+    documents.SetContentField(2);
+    documents.SetElapsedTimeField(3);
+    documents.SetFieldExpressionPattern("001");
+    IndexOptions options;
+    options.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+    options.minDocFrequency = 2;
+    options.maxDocFrequency = 24;
+    options.porter = false;
+    const IndexReport report = BuildIndexes(session_, options);
+    ASSERT_TRUE(report.indexed) << report.error;
+    // Intervals of three hours: four of them, six tweets each.
+    model_.SetDocumentSet(session_.Documents());
+    model_.SetTermDocumentMatrix(session_.WordIndex());
+    ASSERT_TRUE(model_.BuildTermIntervalFrequencyModel(3, 3, notifier_));
+    ASSERT_EQ(model_.IntervalCount(), 4);
+    model_.BuildIntervalSimilarityModel(9999);
+  }
+
+  // The topic of a term: 0 storm, 1 power, 2 music.
+  static int Topic(const std::string& term) {
+    for (const char* word : {"storm", "wind", "rain", "coast", "warning"}) {
+      if (term == word) return 0;
+    }
+    for (const char* word : {"power", "outage", "generator", "grid"}) {
+      if (term == word) return 1;
+    }
+    return 2;
+  }
+
+  Session session_;
+  TextStream model_;
+};
+
+TEST_F(SmallCorpusTest, WordMapJoinsWordsOfOneTopic) {
+  if (!HaveSfdp()) GTEST_SKIP() << "Graphviz is not installed";
+  const TermDocumentMatrix& words = session_.WordIndex();
+  ClusterMap map;
+  const MapReport report =
+      BuildWordMap(words, nullptr, WordMapLevel::kTweet, Options(kRealGraphviz), map, notifier_);
+  ASSERT_TRUE(report.built) << report.error;
+  EXPECT_TRUE(report.warning.empty());
+  const std::int32_t n = words.TermCount();
+  EXPECT_EQ(n, 13);
+  EXPECT_EQ(map.kind, MapKind::kWords);
+  EXPECT_EQ(map.NodeCount(), n);
+  EXPECT_EQ(map.layout.EdgeCount(), n - 1);
+  for (std::int32_t i = 0; i < n; ++i) {
+    EXPECT_EQ(map.labels[static_cast<std::size_t>(i)], words.Term(i + 1));
+    EXPECT_FLOAT_EQ(map.weights[static_cast<std::size_t>(i)],
+                    static_cast<float>(words.DocFreq(i + 1) / 24.0 * 1000.0));
+  }
+  // Three topics without a shared word: exactly two links cross between them, each at the
+  // longest length (no co-occurrence).
+  int crossing = 0;
+  for (const EdgeRecord& edge : map.layout.Edges()) {
+    const auto from = map.labels[static_cast<std::size_t>(edge.FromNode)];
+    const auto to = map.labels[static_cast<std::size_t>(edge.ToNode)];
+    if (Topic(from) != Topic(to)) {
+      ++crossing;
+      EXPECT_FLOAT_EQ(edge.Weight, 1.0f) << from << " -- " << to;
+    } else {
+      EXPECT_LT(edge.Weight, 1.0f) << from << " -- " << to;
+    }
+  }
+  EXPECT_EQ(crossing, 2);
+  EXPECT_TRUE(notifier_.Messages().empty());
+}
+
+TEST_F(SmallCorpusTest, WordMapAtIntervalLevelNeedsTheModelAndKeepsEveryTerm) {
+  const FakeGraphviz graphviz(DiagonalPlain(13));
+  ClusterMap map;
+  MapReport report = BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kInterval,
+                                  Options(graphviz.Folder()), map, notifier_);
+  EXPECT_FALSE(report.built);
+  EXPECT_EQ(report.error, "The interval model is not built");
+  report = BuildWordMap(session_.WordIndex(), &model_, WordMapLevel::kInterval,
+                        Options(graphviz.Folder()), map, notifier_);
+  ASSERT_TRUE(report.built) << report.error;
+  EXPECT_EQ(map.NodeCount(), session_.WordIndex().TermCount());
+  EXPECT_EQ(map.labels[0], session_.WordIndex().Term(1));
+}
+
+TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
+  const FakeGraphviz good(DiagonalPlain(13));
+  ClusterMap map;
+  ASSERT_TRUE(BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kTweet,
+                           Options(good.Folder()), map, notifier_)
+                  .built);
+  const std::string dot = map.dot;
+  const FakeGraphviz bad("exit 1");
+  const MapReport report = BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kTweet,
+                                        Options(bad.Folder()), map, notifier_);
+  EXPECT_FALSE(report.built);
+  EXPECT_EQ(report.shellCode, kShellEnded);
+  EXPECT_EQ(map.dot, dot);
+  EXPECT_EQ(map.NodeCount(), 13);
+  EXPECT_FLOAT_EQ(map.layout.X(12), 13.0f);
+  // Only the layout runner's own box: the word map adds none.
+  ASSERT_EQ(notifier_.Messages().size(), 1u);
+  EXPECT_EQ(notifier_.Messages()[0].title, "Graph layout failed");
+}
+
+TEST_F(SmallCorpusTest, EmptyWordIndexIsAnError) {
+  ClusterMap map;
+  const TermDocumentMatrix empty;
+  const MapReport report = BuildWordMap(empty, nullptr, WordMapLevel::kTweet,
+                                        Options(kRealGraphviz), map, notifier_);
+  EXPECT_FALSE(report.built);
+  EXPECT_EQ(report.error, "The word index has no terms");
+}
+
+TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
+  const FakeGraphviz graphviz(DiagonalPlain(4));
+  ClusterMap map;
+  const MapReport report = BuildIntervalMap(model_, Options(graphviz.Folder()), map, notifier_);
+  ASSERT_TRUE(report.built) << report.error;
+  EXPECT_EQ(map.kind, MapKind::kIntervals);
+  EXPECT_EQ(map.labels, (std::vector<std::string>{"1", "2", "3", "4"}));
+  EXPECT_EQ(map.weights, (std::vector<float>{5, 5, 5, 5}));
+  EXPECT_EQ(map.layout.EdgeCount(), 3);
+  // The DOT lengths are 1 - NM cells.
+  const EdgeRecord first = map.layout.Edge(0);
+  EXPECT_NEAR(first.Weight, 1.0f - model_.NM().Value(first.FromNode + 1, first.ToNode + 1),
+              1e-5f);
+}
+
+TEST_F(SmallCorpusTest, FailedIntervalMapSaysSo) {
+  const TempDir empty;
+  ClusterMap map;
+  const MapReport report = BuildIntervalMap(model_, Options(empty.Path().string()), map, notifier_);
+  EXPECT_FALSE(report.built);
+  ASSERT_EQ(notifier_.Messages().size(), 1u);
+  EXPECT_EQ(notifier_.Messages()[0].text, kIntervalMapFailure);
+}
+
+TEST_F(SmallCorpusTest, IntervalMapNeedsTheSimilarityModel) {
+  TextStream unbuilt;
+  ClusterMap map;
+  const MapReport report = BuildIntervalMap(unbuilt, Options(kRealGraphviz), map, notifier_);
+  EXPECT_FALSE(report.built);
+  EXPECT_EQ(report.error, "The interval similarity model is not built");
+}
+
+TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
+  if (!HaveSfdp()) GTEST_SKIP() << "Graphviz is not installed";
+  ClusterMap map;
+  const MapReport report =
+      BuildTweetMap(session_.WordIndex(), model_, 2, Options(kRealGraphviz), map, notifier_);
+  ASSERT_TRUE(report.built) << report.error;
+  EXPECT_EQ(map.kind, MapKind::kTweets);
+  EXPECT_EQ(map.interval, 2);
+  EXPECT_EQ(map.firstDocument, 6);
+  EXPECT_EQ(map.NodeCount(), 6);
+  EXPECT_EQ(map.labels, (std::vector<std::string>{"1", "2", "3", "4", "5", "6"}));
+  EXPECT_EQ(map.weights, std::vector<float>(6, 1.0f));
+  EXPECT_EQ(map.layout.EdgeCount(), 5);
+  // Tweets 6 and 7 (storm), 8 and 9 (power), 10 and 11 (music): each pair is linked.
+  std::set<std::pair<int, int>> links;
+  for (const EdgeRecord& edge : map.layout.Edges()) {
+    links.insert({std::min(edge.FromNode, edge.ToNode), std::max(edge.FromNode, edge.ToNode)});
+  }
+  EXPECT_TRUE(links.count({0, 1}));
+  EXPECT_TRUE(links.count({2, 3}));
+  EXPECT_TRUE(links.count({4, 5}));
+}
+
+TEST_F(SmallCorpusTest, TweetMapOfAMissingIntervalIsAnError) {
+  ClusterMap map;
+  for (const std::int32_t interval : {0, 5, -1}) {
+    const MapReport report = BuildTweetMap(session_.WordIndex(), model_, interval,
+                                           Options(kRealGraphviz), map, notifier_);
+    EXPECT_FALSE(report.built);
+    EXPECT_NE(report.error.find("There is no interval"), std::string::npos) << report.error;
+  }
+}
+
+}  // namespace
+}  // namespace sylvora
