@@ -6,6 +6,7 @@
 
 #include "cli/index_command.h"
 #include "cli/load_command.h"
+#include "cli/map_command.h"
 #include "cli/timeline_command.h"
 
 namespace {
@@ -18,6 +19,8 @@ constexpr const char* kUsage =
     "  timeline FILE --length L\n"
     "               load and index a tweet export, build its interval models and write one row\n"
     "               per interval (documents, novelty, homogeneity, links, sentiment, bursts)\n"
+    "  map FILE     build a word, interval or tweet map, lay it out with sfdp and write it as\n"
+    "               CSV tables and GraphML\n"
     "run 'sylvora-cli COMMAND --help' for a command's options\n";
 
 }  // namespace
@@ -35,6 +38,7 @@ int main(int argc, char** argv) {
   if (command == "timeline") {
     return sylvora::cli::RunTimelineCommand(arguments, std::cout, std::cerr);
   }
+  if (command == "map") return sylvora::cli::RunMapCommand(arguments, std::cout, std::cerr);
   std::cerr << "Unknown command \"" << command << "\"\n" << kUsage;
   return 2;
 }

@@ -1,0 +1,136 @@
+#include "cli/map_command.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+
+#include "support/temp_dir.h"
+
+namespace sylvora::cli {
+namespace {
+
+struct CommandRun {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+CommandRun Map(const std::vector<std::string>& arguments) {
+  std::ostringstream out, err;
+  const int code = RunMapCommand(arguments, out, err);
+  return {code, out.str(), err.str()};
+}
+
+bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+std::string StopList() { return (testing::SourceDir() / "data" / "common_words.txt").string(); }
+
+bool HaveSfdp() { return std::filesystem::exists("/usr/bin/sfdp"); }
+
+// Six-column tweets, one an hour over a day: storm words, then power words, then music.
+std::string SmallCorpus(const testing::TempDir& dir) {
+  const char* texts[] = {"storm wind rain coast", "power outage generator grid",
+                         "music festival band stage"};
+  std::string text;
+  for (int hour = 0; hour < 24; ++hour) {
+    char date[32];
+    std::snprintf(date, sizeof date, "20110105T%02d:00:00Z", hour);
+    text += std::string(date) + "\tuser" + std::to_string(hour % 4) + "\t" + texts[hour % 3] +
+            " tonight\t2\t-1\t1\n";
+  }
+  return dir.WriteFile("tweets.txt", text);
+}
+
+std::vector<std::string> Arguments(const testing::TempDir& dir, std::vector<std::string> more) {
+  std::vector<std::string> arguments = {SmallCorpus(dir), "--min-doc-len", "0",  "--min-df",
+                                        "2",              "--max-df",      "24", "--stop-list",
+                                        StopList(),       "--yes",         "--out",
+                                        (dir.Path() / "map").string()};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
+}
+
+TEST(MapCommand, WritesTheWordMapAsTablesAndGraphMl) {
+  if (!HaveSfdp()) GTEST_SKIP() << "Graphviz is not installed";
+  testing::TempDir dir;
+  const CommandRun run = Map(Arguments(dir, {"--graphviz", "/usr/bin"}));
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_TRUE(Has(run.out, "Map:       words (co-occurrence in the same tweet), 13 nodes, 12 links"))
+      << run.out;
+  EXPECT_TRUE(Has(run.out, "Tree neighbours of the 13 heaviest nodes (nearest first):\n  tonight ("))
+      << run.out;
+  EXPECT_TRUE(Has(run.out, "  map: layout")) << run.out;
+  const std::string nodes = testing::ReadFile(dir.Path() / "map_nodes.csv");
+  EXPECT_EQ(nodes.rfind("index,label,x,y,weight,degree\r\n0,", 0), 0u) << nodes;
+  EXPECT_EQ(std::count(nodes.begin(), nodes.end(), '\n'), 14);
+  const std::string edges = testing::ReadFile(dir.Path() / "map_edges.csv");
+  EXPECT_EQ(std::count(edges.begin(), edges.end(), '\n'), 13);
+  EXPECT_TRUE(Has(testing::ReadFile(dir.Path() / "map.graphml"), "<node id=\"n12\">"));
+}
+
+TEST(MapCommand, IntervalAndTweetMapsBuildTheModelsFirst) {
+  if (!HaveSfdp()) GTEST_SKIP() << "Graphviz is not installed";
+  testing::TempDir dir;
+  CommandRun run = Map(Arguments(dir, {"--kind", "intervals", "--length", "2"}));
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_TRUE(Has(run.out, "Intervals: 12 of 2 h\n")) << run.out;
+  EXPECT_TRUE(Has(run.out, "Map:       intervals, 12 nodes, 11 links")) << run.out;
+  run = Map(Arguments(dir, {"--kind", "tweets", "--length", "6", "--interval", "2"}));
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_TRUE(Has(run.out, "Map:       tweets of interval 2 (corpus rows 6..11), 6 nodes, 5 links"))
+      << run.out;
+  run = Map(Arguments(dir, {"--level", "interval", "--length", "2"}));
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_TRUE(Has(run.out, "words (co-occurrence in the same interval), 13 nodes")) << run.out;
+}
+
+TEST(MapCommand, MissingGraphvizFailsWithAReason) {
+  testing::TempDir dir;
+  const CommandRun run = Map(Arguments(dir, {"--graphviz", (dir.Path() / "nowhere").string()}));
+  EXPECT_EQ(run.code, 1);
+  EXPECT_TRUE(Has(run.err, "Error: Graphviz could not be started")) << run.err;
+  EXPECT_FALSE(std::filesystem::exists(dir.Path() / "map_nodes.csv"));
+}
+
+TEST(MapCommand, MissingIntervalFailsWithAReason) {
+  testing::TempDir dir;
+  const CommandRun run = Map(Arguments(dir, {"--kind", "tweets", "--length", "6", "--interval", "9"}));
+  EXPECT_EQ(run.code, 1);
+  EXPECT_TRUE(Has(run.err, "Error: There is no interval 9 (the model has 4)")) << run.err;
+}
+
+struct UsageCase {
+  std::vector<std::string> arguments;
+  std::string message;
+};
+
+class MapCommandUsage : public ::testing::TestWithParam<UsageCase> {};
+
+TEST_P(MapCommandUsage, ExitsWithTwo) {
+  const CommandRun run = Map(GetParam().arguments);
+  EXPECT_EQ(run.code, 2);
+  EXPECT_TRUE(Has(run.err, GetParam().message)) << run.err;
+  EXPECT_TRUE(Has(run.err, "usage: sylvora-cli map FILE")) << run.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, MapCommandUsage,
+    ::testing::Values(UsageCase{{}, "map takes one corpus file"},
+                      UsageCase{{"a.txt", "--kind", "maps"}, "--kind takes words, intervals or tweets"},
+                      UsageCase{{"a.txt", "--level", "doc"}, "--level takes tweet or interval"},
+                      UsageCase{{"a.txt", "--interval", "0"}, "--interval takes an interval number"},
+                      UsageCase{{"a.txt", "--interval", "x"}, ""},
+                      UsageCase{{"a.txt", "--neighbours", "-1"}, "--neighbours takes"},
+                      UsageCase{{"a.txt", "--colour", "red"}, ""}));
+
+TEST(MapCommand, HelpPrintsTheUsage) {
+  const CommandRun run = Map({"--help"});
+  EXPECT_EQ(run.code, 0);
+  EXPECT_TRUE(Has(run.out, "--kind"));
+}
+
+}  // namespace
+}  // namespace sylvora::cli
