@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <numeric>
 #include <string>
 
@@ -47,6 +48,8 @@ class NodeSets {
   std::vector<std::int32_t> parent_;
   std::vector<std::int32_t> size_;
 };
+
+constexpr double kLargestFinite = std::numeric_limits<double>::max();
 
 }  // namespace
 
@@ -126,10 +129,12 @@ NetworkResult ProximityMatrix::Transform2MST(std::int32_t startNode,
     if (forest.size() + 1 == static_cast<std::size_t>(n_)) break;
   }
 
+  const std::int32_t root = sets.Find(edges[start].FromNode);
+  std::vector<EdgeRecord>().swap(edges);  // the list can be as large as the matrix: free it first
+
   ProximityMatrix result;
   result.InitMatrix(n_, type_);
   result.trace_ = trace_;
-  const std::int32_t root = sets.Find(edges[start].FromNode);
   for (const EdgeRecord& edge : forest) {
     if (sets.Find(edge.FromNode) != root) continue;
     result.values_[At(edge.FromNode, edge.ToNode)] = edge.Weight;
@@ -172,20 +177,21 @@ bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::i
     return true;
   };
 
-  // For r other than 0 and 1: D(k, j)^r of row k, kept current as row k changes, and the
-  // smallest value whose r-th power is safely inside the float range, above which the path
-  // length is never below max(a, b) by more than rounding.
-  std::vector<double> rowPowers;
-  const double smallestSafe = std::pow(1e-30, root);
-  constexpr float kRoundingSlack = 1.0f - 1e-6f;
+  // For r above 1: the r-th power of every cell in double, kept current as cells change.
+  // The path length needs D(k, j)^r itself; the cell's own power settles most comparisons
+  // without taking the root: a cell whose r-th power is at most keepFactor times the path's
+  // is shorter than the path by more than the rounding of the path to a float, so the path
+  // cannot replace it.
+  std::vector<double> powers;
+  if (r > 1) {
+    powers.resize(d.values_.size());
+    for (std::size_t x = 0; x < powers.size(); ++x) powers[x] = std::pow(values[x], power);
+  }
+  const double keepFactor = std::pow(1.0 - 1e-6, power);
 
   for (std::int32_t step = 0; step < n; ++step) {
     const auto k = static_cast<std::size_t>(ascending ? step : n - 1 - step);
     const float* rowK = values + k * stride;
-    if (r > 1) {
-      rowPowers.resize(stride);
-      for (std::size_t j = 0; j < stride; ++j) rowPowers[j] = std::pow(rowK[j], power);
-    }
     for (std::size_t i = 0; i + 1 < stride; ++i) {
       float* rowI = values + i * stride;
       const float a = rowI[k];
@@ -202,20 +208,20 @@ bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::i
         }
       } else {
         const auto aPower = static_cast<float>(std::pow(a, power));
+        const double* powersK = powers.data() + k * stride;
+        double* powersI = powers.data() + i * stride;
         for (std::size_t j = i + 1; j < stride; ++j) {
-          const float b = rowK[j];
+          const double sum = aPower + powersK[j];
           const float dij = rowI[j];
-          // With both ends non-negative and the larger one safely representable as a power,
-          // the path is at least max(a, b) less rounding: a cell not above that keeps.
-          const float larger = a > b ? a : b;
-          if (a >= 0.0f && b >= 0.0f && larger >= smallestSafe && dij <= larger * kRoundingSlack) {
+          if (dij >= 0.0f && sum >= 1e-300 && sum <= kLargestFinite &&
+              powersI[j] <= sum * keepFactor) {
             continue;
           }
-          const auto p = static_cast<float>(std::pow(aPower + rowPowers[j], root));
+          const auto p = static_cast<float>(std::pow(sum, root));
           if (dij > p && replace(i, k, j, p)) {
-            // Row k changes when the pair is (k, j) or (i, k).
-            if (i == k) rowPowers[j] = std::pow(p, power);
-            if (j == k) rowPowers[i] = std::pow(p, power);
+            const double pPower = std::pow(p, power);
+            powersI[j] = pPower;
+            powers[j * stride + i] = pPower;
           }
         }
       }
