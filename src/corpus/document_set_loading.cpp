@@ -34,7 +34,8 @@ std::vector<std::string_view> SplitRecords(std::string_view text, std::string_vi
     const char d = delimiter[0];
     const char* p = text.data();
     const char* end = p + text.size();
-    while (true) {
+    // An empty text may have no storage at all: memchr must not see its null pointer.
+    while (p != end) {
       const void* hit = std::memchr(p, d, static_cast<std::size_t>(end - p));
       if (hit == nullptr) break;
       const char* h = static_cast<const char*>(hit);
