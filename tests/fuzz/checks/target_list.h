@@ -10,10 +10,11 @@ namespace sylvora::fuzz {
 std::vector<FuzzTarget> CommonTargets();  // text decoding, numbers, dates
 std::vector<FuzzTarget> CorpusTargets();  // corpus files of every format family
 std::vector<FuzzTarget> IndexingTargets();  // stop list, TDM file
+std::vector<FuzzTarget> NetworkTargets();  // matrix file, Graphviz plain output
 
 inline std::vector<FuzzTarget> AllTargets() {
   std::vector<FuzzTarget> all;
-  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets()}) {
+  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets(), NetworkTargets()}) {
     all.insert(all.end(), part.begin(), part.end());
   }
   return all;
