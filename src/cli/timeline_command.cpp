@@ -10,6 +10,7 @@
 #include "cli/stream_notifier.h"
 #include "common/file_io.h"
 #include "session/interval_models.h"
+#include "views/view_pictures.h"
 
 namespace sylvora::cli {
 namespace {
@@ -17,11 +18,12 @@ namespace {
 constexpr const char* kUsage =
     "usage: sylvora-cli timeline FILE [--length L] [--unit s|n|h|d|ww] [--novelty-window W]\n"
     "                                 [--burst ratio|temporal|z] [--json] [--events FILE]\n"
-    "                                 [--yes] and the load and index flags of 'index'\n"
+    "                                 [--png FILE] [--yes] and the load and index flags of 'index'\n"
     "  --length L           interval length in units (default 24)\n"
     "  --novelty-window W   intervals compared for novelty, 0..255 (default 1)\n"
     "  --burst M            burst measure of the burst words (default ratio)\n"
     "  --events FILE        tab-separated lines: date-time, description\n"
+    "  --png FILE           also draw the term time line (Line style) into a PNG picture\n"
     "  --yes                answer OK to the model-building questions\n";
 
 constexpr std::size_t kBurstWords = 3;
@@ -223,7 +225,7 @@ std::vector<TimelineRow> TimelineRows(Session& session, std::uint8_t noveltyWind
 int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& out,
                        std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
-  valueOptions.insert({"length", "novelty-window", "burst", "events"});
+  valueOptions.insert({"length", "novelty-window", "burst", "events", "png"});
   std::set<std::string> switches = CorpusSwitches();
   switches.insert("json");
   CommandLine line(valueOptions, switches);
@@ -305,11 +307,23 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     WriteCsv(out, rows);
   }
 
+  double drawing = 0.0;
+  if (line.Has("png")) {
+    std::string error;
+    if (!WriteTermTimelinePng(session.WordModel(), session.WordIndex(), built.unitCode,
+                              line.Value("png", ""), PictureSize{}, error)) {
+      err << "Error: " << error << '\n';
+      return 1;
+    }
+    drawing = watch.Lap();
+  }
+
   std::vector<StageTiming> stages;
   for (const StageTiming& stage : load.stages) stages.push_back({"load: " + stage.stage, stage.seconds});
   stages.insert(stages.end(), indexed.stages.begin(), indexed.stages.end());
   for (const StageTiming& stage : built.stages) stages.push_back({"model: " + stage.stage, stage.seconds});
   stages.push_back({"scores", scoring});
+  if (line.Has("png")) stages.push_back({"picture", drawing});
   PrintStages(err, stages);
   return 0;
 }

@@ -1,0 +1,33 @@
+#pragma once
+// The session's models shown in the two views, set up the way the application's tabs set them
+// up: the word map of the cluster explorer and the term time line of the time line explorer.
+// Shared by the application, the demo and the picture export.
+
+#include <cstdint>
+#include <string>
+
+#include "session/cluster_map.h"
+#include "views/point_map_2d.h"
+#include "views/table_lens.h"
+
+namespace sylvora {
+
+class TermDocumentMatrix;
+class TextStream;
+
+// The word map's start label threshold (documents per thousand: 12 %).
+inline constexpr std::int16_t kWordMapLabelThreshold = 120;
+
+// Draws `wordMap` in `map`: labels = the terms, labels and links shown, circle outlines,
+// weights = documents per thousand, the label threshold, every node sized weight^0.75 x base.
+// The map keeps its colours; the caller may set a readable label colour first.
+void ShowWordMap(PointMap2D& map, const ClusterMap& wordMap,
+                 std::int16_t labelThreshold = kWordMapLabelThreshold);
+
+// Shows the words model's TIFM in `lens`: terms as rows (named by `wordIndex`), intervals as
+// columns named by their start date-time in `unitCode`, all intervals visible, as many rows as
+// fit, Line style, raw values. The model must outlive the lens's use of it.
+void ShowTermTimeline(TableLens& lens, const TextStream& wordModel,
+                      const TermDocumentMatrix& wordIndex, const std::string& unitCode);
+
+}  // namespace sylvora
