@@ -7,10 +7,12 @@
 #include "cli/command_line.h"
 #include "cli/index_command.h"
 #include "cli/stream_notifier.h"
+#include "common/stopwatch.h"
 #include "layout/layout_folder.h"
 #include "session/cluster_maps.h"
 #include "session/interval_models.h"
 #include "session/map_export.h"
+#include "views/view_pictures.h"
 
 namespace sylvora::cli {
 namespace {
@@ -19,7 +21,7 @@ constexpr const char* kUsage =
     "usage: sylvora-cli map FILE [--kind words|intervals|tweets] [--level tweet|interval]\n"
     "                            [--interval K] [--length L] [--unit s|n|h|d|ww]\n"
     "                            [--out PREFIX] [--graphviz DIR] [--layout-folder DIR]\n"
-    "                            [--neighbours N] [--yes]\n"
+    "                            [--neighbours N] [--png FILE] [--label-threshold T] [--yes]\n"
     "                            and the corpus and index flags of 'sylvora-cli index'\n"
     "  --kind       words (default): every term of the word index; intervals: every interval;\n"
     "               tweets: the tweets of one interval\n"
@@ -28,7 +30,10 @@ constexpr const char* kUsage =
     "  --length     interval length in --unit units (default 24)\n"
     "  --out        prefix of the written files (default: FILE's name + '_' + kind + '_map')\n"
     "  --graphviz   folder of the sfdp program (default: the one on PATH)\n"
-    "  --neighbours how many of the heaviest nodes to print with their neighbours (default 20)\n";
+    "  --neighbours how many of the heaviest nodes to print with their neighbours (default 20)\n"
+    "  --png        also draw the map into a PNG picture, as the cluster explorer shows it\n"
+    "  --label-threshold  word maps: label words in at least T per thousand documents\n"
+    "               (default 120)\n";
 
 struct MapCommandOptions {
   CorpusOptions corpus;
@@ -137,7 +142,7 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out,
                   std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
   valueOptions.insert({"kind", "level", "interval", "length", "out", "graphviz", "layout-folder",
-                       "neighbours"});
+                       "neighbours", "png", "label-threshold"});
   CommandLine line(valueOptions, CorpusSwitches());
   const bool parsed = line.Parse(arguments);
   if (parsed && line.Has("help")) {
@@ -215,6 +220,21 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out,
   if (!WriteMapFiles(map, options.prefix, error)) {
     err << "Error: " << error << '\n';
     return 1;
+  }
+
+  if (line.Has("png")) {
+    const auto threshold = line.Number("label-threshold", kWordMapLabelThreshold);
+    if (!threshold || *threshold < -32768 || *threshold > 32767) {
+      err << "--label-threshold takes a whole number\n" << kUsage;
+      return 2;
+    }
+    Stopwatch watch;
+    if (!WriteMapPng(map, static_cast<std::int16_t>(*threshold), line.Value("png", ""),
+                     PictureSize{}, error)) {
+      err << "Error: " << error << '\n';
+      return 1;
+    }
+    stages.push_back({"picture", watch.Lap()});
   }
 
   out << "Corpus:    " << session.Documents().FilePath() << '\n';

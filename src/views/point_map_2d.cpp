@@ -65,7 +65,7 @@ void DrawWideRectOutline(QPainter& painter, const QRectF& box, const QColor& col
 }  // namespace
 
 PointMap2D::PointMap2D(QObject* parent)
-    : QObject(parent), labelFont_(QStringLiteral("Courier"), 9) {
+    : QObject(parent), labelFont_(QStringLiteral("Courier"), 10, QFont::Bold) {
   labelFont_.setStyleHint(QFont::TypeWriter);
   palette_.fill(kBlack);
   for (std::size_t k = 0; k < kStandardColours.size(); ++k) {

@@ -1,5 +1,7 @@
 #include "views/session_views.h"
 
+#include <vector>
+
 #include "indexing/term_document_matrix.h"
 #include "temporal/text_stream.h"
 
@@ -21,6 +23,23 @@ void ShowWordMap(PointMap2D& map, const ClusterMap& wordMap, std::int16_t labelT
   map.SetNodeLabelThreshold(labelThreshold);
   // Writing the base size back sizes every node as weight^0.75 x base and draws.
   map.SetBaseNodeSize(map.BaseNodeSize());
+}
+
+void ShowClusterMap(PointMap2D& map, const ClusterMap& clusterMap,
+                    std::int16_t wordLabelThreshold) {
+  if (clusterMap.kind == MapKind::kWords) {
+    ShowWordMap(map, clusterMap, wordLabelThreshold);
+    return;
+  }
+  map.SetCoordinates(clusterMap.layout);
+  map.SetLabelsAsIndex();
+  map.SetShowNodeLabels(true);
+  map.SetShowEdges(true);
+  map.SetNodeShape(2);
+  map.SetNodeLabelThreshold(0);
+  std::vector<float> weights(clusterMap.weights.begin(), clusterMap.weights.end());
+  weights.resize(static_cast<std::size_t>(map.NodeCount()), 1.0f);
+  map.SetNodeWeights(weights);
 }
 
 void ShowTermTimeline(TableLens& lens, const TextStream& wordModel,

@@ -9,20 +9,23 @@
 #include "session/cluster_map.h"
 #include "views/point_map_2d.h"
 #include "views/table_lens.h"
+#include "views/view_pictures.h"
 
 namespace sylvora {
 
 class TermDocumentMatrix;
 class TextStream;
 
-// The word map's start label threshold (documents per thousand: 12 %).
-inline constexpr std::int16_t kWordMapLabelThreshold = 120;
-
 // Draws `wordMap` in `map`: labels = the terms, labels and links shown, circle outlines,
 // weights = documents per thousand, the label threshold, every node sized weight^0.75 x base.
 // The map keeps its colours; the caller may set a readable label colour first.
 void ShowWordMap(PointMap2D& map, const ClusterMap& wordMap,
                  std::int16_t labelThreshold = kWordMapLabelThreshold);
+
+// Draws any map of the cluster explorer: the word map as ShowWordMap does; the interval and
+// tweet maps with their weights, labels "1".."n" (all shown), links and circle outlines.
+void ShowClusterMap(PointMap2D& map, const ClusterMap& clusterMap,
+                    std::int16_t wordLabelThreshold = kWordMapLabelThreshold);
 
 // Shows the words model's TIFM in `lens`: terms as rows (named by `wordIndex`), intervals as
 // columns named by their start date-time in `unitCode`, all intervals visible, as many rows as

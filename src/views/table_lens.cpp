@@ -404,7 +404,11 @@ QImage TableLens::Snapshot() const {
 }
 
 void TableLens::SurfaceResized() {
-  if (table_ != nullptr) Redraw();
+  // The header width and the decimals are measured in column units: a new width changes them
+  // (and may switch the style as the layout rule says).
+  if (table_ == nullptr) return;
+  Layout();
+  Redraw();
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -162,7 +162,7 @@ class TableLens : public QObject {
   void VerticalScroll(int value);
   // Paints picture and overlay (the binding calls it from the surface's paint event).
   void Paint(QPainter& painter) const;
-  // The surface changed size: the picture follows it.
+  // The surface changed size: layout and picture follow it.
   void SurfaceResized();
 
  signals:

@@ -41,17 +41,18 @@ bool Save(const QImage& image, const std::string& path, std::string& error) {
 
 }  // namespace
 
-bool WriteWordMapPng(const ClusterMap& wordMap, std::int16_t labelThreshold,
-                     const std::string& path, PictureSize size, std::string& error) {
-  if (wordMap.NodeCount() < 1) {
-    error = "The word map has no nodes";
+bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
+                 const std::string& path, PictureSize size, std::string& error) {
+  if (clusterMap.NodeCount() < 1) {
+    error = "The map has no nodes";
     return false;
   }
   EnsureGuiApplication();
   PointMap2D map;
   map.SetPictureSize(QSize(size.width, size.height));
-  map.SetLabelColor(QColor(20, 20, 20));
-  ShowWordMap(map, wordMap, labelThreshold);
+  // Cluster 0 draws black: labels in dark red stand out from the circles.
+  map.SetLabelColor(QColor(190, 0, 0));
+  ShowClusterMap(map, clusterMap, labelThreshold);
   map.SetSelectedNode(-1);
   map.SetHoverNode(-1);
   return Save(map.Snapshot(), path, error);

@@ -14,17 +14,20 @@ namespace sylvora {
 class TermDocumentMatrix;
 class TextStream;
 
+// The word map's start label threshold (documents per thousand: 12 %).
+inline constexpr std::int16_t kWordMapLabelThreshold = 120;
+
 struct PictureSize {
   std::int32_t width = 1600;
   std::int32_t height = 1200;
 };
 
-// The word map as the cluster explorer draws it (labels at or above `labelThreshold`
-// documents per thousand, circles sized as weight^0.75 x base), with dark labels so that they
-// read on white. False, with `error` saying why, when the map is empty or the file cannot be
-// written.
-bool WriteWordMapPng(const ClusterMap& wordMap, std::int16_t labelThreshold,
-                     const std::string& path, PictureSize size, std::string& error);
+// A map as the cluster explorer draws it (word maps: labels at or above `labelThreshold`
+// documents per thousand; every map: circles sized as weight^0.75 x base), with dark red labels
+// that read on white and stand out from the black circles. False, with `error` saying why, when the map is empty or the file
+// cannot be written.
+bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
+                 const std::string& path, PictureSize size, std::string& error);
 
 // The term time line (terms by intervals, Line style) as the time line explorer draws it,
 // `size` high and at most `size` wide (narrower when there are few intervals, since wide

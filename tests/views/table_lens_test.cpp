@@ -511,6 +511,19 @@ class TableLensTest : public QObject {
     QVERIFY(window.notifier.Messages().empty());
   }
 
+  void resizingTheSurfaceLaysOutAgain() {
+    LensWindow window(QSize(200, 300));
+    const SparseMatrixSingle table = NumberedTable(5, 10);
+    window.lens->SetNumDataTable(table);
+    QVERIFY(window.lens->HeaderWidth() < 0.0f);  // 18 pixels a column: seven letters need more
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kTile});
+    window.form->resize(1200, 300);
+    window.Surface()->resize(1200, 300);
+    QCOMPARE(window.lens->HeaderWidth(), 0.0f);
+    QCOMPARE(window.lens->Picture().size(), QSize(1200, 300));
+    QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kText});
+  }
+
   void offscreenLensRendersWithoutWindow() {
     TableLens lens;
     lens.SetPictureSize(QSize(640, 320));
