@@ -1,0 +1,68 @@
+// The PNG pictures of the views, as the command-line tool writes them.
+
+#include "views/view_pictures.h"
+
+#include <QImage>
+#include <QString>
+#include <QTest>
+
+#include "support/temp_dir.h"
+#include "temporal/text_stream.h"
+#include "indexing/term_document_matrix.h"
+#include "view_test_support.h"
+
+namespace sylvora {
+
+class ViewPicturesTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void wordMapPictureShowsHeavyLabelsOnly() {
+    testing::TempDir dir;
+    ClusterMap map;
+    map.kind = MapKind::kWords;
+    map.layout = std::move(*testing::MakeSpatial({{0, 0}, {10, 0}, {5, 8}}, {{0, 1}, {1, 2}}));
+    map.labels = {"storm", "power", "coffee"};
+    map.weights = {200.0f, 10.0f, 130.0f};
+    const std::string path = (dir.Path() / "words.png").string();
+    std::string error;
+    QVERIFY2(WriteMapPng(map, 120, path, PictureSize{800, 600}, error), error.c_str());
+    const QImage picture(QString::fromStdString(path));
+    QCOMPARE(picture.size(), QSize(800, 600));
+    testing::MaybeSaveSnapshot(picture, "picture_words");
+    // Node positions in pixels: x -1..11 and y -0.8..8.8 over the picture.
+    const auto at = [](double x, double y) { return QPointF((x + 1) / 12 * 800, (y + 0.8) / 9.6 * 600); };
+    const QColor labelRed(190, 0, 0);
+    QVERIFY(testing::CountNearColour(picture, QRectF(at(0, 0), QSizeF(60, 16)), labelRed, 40) > 10);
+    QVERIFY(testing::CountNearColour(picture, QRectF(at(5, 8), QSizeF(60, 16)), labelRed, 40) > 10);
+    QCOMPARE(testing::CountNearColour(picture, QRectF(at(10, 0), QSizeF(60, 16)), labelRed, 40), 0);
+  }
+
+  void emptyInputsAreRefused() {
+    testing::TempDir dir;
+    std::string error;
+    ClusterMap map;
+    QVERIFY(!WriteMapPng(map, 0, (dir.Path() / "m.png").string(), PictureSize{}, error));
+    QCOMPARE(QString::fromStdString(error), QStringLiteral("The map has no nodes"));
+    TextStream model;
+    TermDocumentMatrix index;
+    QVERIFY(!WriteTermTimelinePng(model, index, "h", (dir.Path() / "t.png").string(),
+                                  PictureSize{}, error));
+    QCOMPARE(QString::fromStdString(error), QStringLiteral("The words model has no intervals"));
+  }
+
+  void unwritableFileIsReported() {
+    ClusterMap map;
+    map.layout = std::move(*testing::MakeSpatial({{0, 0}, {1, 1}}, {{0, 1}}));
+    map.labels = {"a", "b"};
+    map.weights = {1.0f, 1.0f};
+    std::string error;
+    QVERIFY(!WriteMapPng(map, 0, "/nonexistent-folder/x.png", PictureSize{200, 200}, error));
+    QVERIFY(QString::fromStdString(error).contains(QStringLiteral("/nonexistent-folder/x.png")));
+  }
+};
+
+}  // namespace sylvora
+
+QTEST_MAIN(sylvora::ViewPicturesTest)
+#include "view_pictures_test.moc"
