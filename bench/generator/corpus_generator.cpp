@@ -1373,8 +1373,182 @@ struct CorpusGenerator::Impl {
     out.EndLine();
   }
 
+  void WriteTwitterV2Json(Output& out) const {
+    std::vector<GeneratedTweet> block;
+    for (std::size_t b = BlockCount(); b-- > 0;) {
+      GenerateBlock(b, block);
+      for (std::size_t k = block.size(); k-- > 0;) WriteTwitterV2Line(out, block[k]);
+    }
+  }
+
+  // A JSON string as the v2 API writes tweet texts: "&", "<", ">" as entities; here also
+  // every non-ASCII character as \uXXXX, so that the sample exercises escapes and surrogates.
+  static void PutJsonString(Output& out, std::string_view text, bool tweetText) {
+    static constexpr char kHex[] = "0123456789abcdef";
+    const auto unit = [&out](unsigned value) {
+      out.Put("\\u");
+      for (int shift = 12; shift >= 0; shift -= 4) out.Put(kHex[(value >> shift) & 0xF]);
+    };
+    out.Put('"');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      const auto c = static_cast<unsigned char>(text[i]);
+      if (c == '"' || c == '\\') {
+        out.Put('\\');
+        out.Put(static_cast<char>(c));
+      } else if (tweetText && c == '&') {
+        out.Put("&amp;");
+      } else if (tweetText && c == '<') {
+        out.Put("&lt;");
+      } else if (tweetText && c == '>') {
+        out.Put("&gt;");
+      } else if (c < 0x20) {
+        unit(c);
+      } else if (c < 0x80 || !tweetText) {
+        out.Put(static_cast<char>(c));
+      } else {
+        const int extra = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : 1;
+        unsigned cp = c & (0x3Fu >> extra);
+        for (int k = 0; k < extra && i + 1 < text.size(); ++k) {
+          cp = (cp << 6) | (static_cast<unsigned char>(text[++i]) & 0x3Fu);
+        }
+        if (cp >= 0x10000) {
+          cp -= 0x10000;
+          unit(0xD800 + (cp >> 10));
+          unit(0xDC00 + (cp & 0x3FF));
+        } else {
+          unit(cp);
+        }
+      }
+    }
+    out.Put('"');
+  }
+
+  void WriteTwitterV2Line(Output& out, const GeneratedTweet& t) const {
+    const GeneratedUser& user = users[t.user];
+    const ClockTime c = SplitTime(t.time);
+    const std::uint64_t authorId = 2000000000ULL + t.user;
+    out.Put("{\"id\":\"");
+    out.UInt(t.id);
+    out.Put("\",\"created_at\":\"");
+    out.Int(c.date.year);
+    out.Put('-');
+    out.TwoDigits(c.date.month);
+    out.Put('-');
+    out.TwoDigits(c.date.day);
+    out.Put('T');
+    out.TwoDigits(c.hour);
+    out.Put(':');
+    out.TwoDigits(c.minute);
+    out.Put(':');
+    out.TwoDigits(c.second);
+    out.Put(".000Z\",\"author_id\":\"");
+    out.UInt(authorId);
+    out.Put("\",\"author\":{\"id\":\"");
+    out.UInt(authorId);
+    out.Put("\",\"username\":");
+    PutJsonString(out, user.handle, false);
+    out.Put(",\"name\":");
+    PutJsonString(out, user.realName, false);
+    out.Put(",\"public_metrics\":{\"followers_count\":");
+    out.Int(user.followers);
+    out.Put(",\"following_count\":");
+    out.Int(user.following);
+    out.Put(",\"listed_count\":");
+    out.Int(user.lists);
+    out.Put(",\"tweet_count\":");
+    out.Int(t.userTweets);
+    out.Put("}},\"text\":");
+    PutJsonString(out, t.text, true);
+    if (!t.link.empty()) {
+      out.Put(",\"entities\":{\"urls\":[{\"url\":");
+      PutJsonString(out, t.link, false);
+      if (!t.linkUrl.empty()) {
+        out.Put(",\"expanded_url\":");
+        PutJsonString(out, t.linkUrl, false);
+      }
+      out.Put("}]}");
+    }
+    out.Put(",\"public_metrics\":{\"retweet_count\":");
+    out.Int(t.retweets);
+    out.Put('}');
+    const std::size_t comma = t.geo.find(',');
+    if (comma != std::string::npos) {
+      out.Put(",\"geo\":{\"coordinates\":{\"type\":\"Point\",\"coordinates\":[");
+      out.Put(std::string_view(t.geo).substr(comma + 1));
+      out.Put(',');
+      out.Put(std::string_view(t.geo).substr(0, comma));
+      out.Put("]}}");
+    }
+    out.Put(",\"sentiment\":{\"positive\":");
+    out.Int(t.sentPos);
+    out.Put(",\"negative\":");
+    out.Int(t.sentNeg);
+    out.Put("}}");
+    out.EndLine();
+  }
+
+  static void PutCsvField(Output& out, std::string_view text) {
+    if (text.find_first_of(",\"\n\r") == std::string_view::npos) {
+      out.Put(text);
+      return;
+    }
+    out.Put('"');
+    for (const char ch : text) {
+      if (ch == '"') out.Put('"');
+      out.Put(ch);
+    }
+    out.Put('"');
+  }
+
+  void WriteNamedCsv(Output& out) const {
+    out.Put("id,created_at,username,name,text,url,retweet_count,sentiment_positive,"
+            "sentiment_negative");
+    out.EndLine();
+    std::vector<GeneratedTweet> block;
+    for (std::size_t b = 0; b < BlockCount(); ++b) {
+      GenerateBlock(b, block);
+      for (const GeneratedTweet& t : block) {
+        const ClockTime c = SplitTime(t.time);
+        out.UInt(t.id);
+        out.Put(',');
+        out.Int(c.date.year);
+        out.Put('-');
+        out.TwoDigits(c.date.month);
+        out.Put('-');
+        out.TwoDigits(c.date.day);
+        out.Put(' ');
+        out.TwoDigits(c.hour);
+        out.Put(':');
+        out.TwoDigits(c.minute);
+        out.Put(':');
+        out.TwoDigits(c.second);
+        out.Put(',');
+        PutCsvField(out, users[t.user].handle);
+        out.Put(',');
+        PutCsvField(out, users[t.user].realName);
+        out.Put(',');
+        PutCsvField(out, t.text);
+        out.Put(',');
+        PutCsvField(out, t.linkUrl);
+        out.Put(',');
+        out.Int(t.retweets);
+        out.Put(',');
+        out.Int(t.sentPos);
+        out.Put(',');
+        out.Int(t.sentNeg);
+        out.EndLine();
+      }
+    }
+  }
+
   void Write(CorpusFormat format, Output& out) const {
     switch (format) {
+      case CorpusFormat::kTwitterV2Json:
+        WriteTwitterV2Json(out);
+        break;
+      case CorpusFormat::kNamedCsv:
+        WriteNamedCsv(out);
+        break;
       case CorpusFormat::kTwitter:
         WriteTwitter(out);
         break;
@@ -1411,6 +1585,10 @@ std::string_view CorpusFileSuffix(CorpusFormat format) {
       return "_twitter11.txt";
     case CorpusFormat::kMonitoring:
       return "_radian6.txt";
+    case CorpusFormat::kTwitterV2Json:
+      return "_twitter_v2.jsonl";
+    case CorpusFormat::kNamedCsv:
+      return "_twitter.csv";
   }
   return "";
 }

@@ -18,6 +18,17 @@
 //                             oldest first, with elapsed hours and the first link in columns.
 // About 1% of tweets begin with a double quote or "#", in every layout.
 //
+// Two more shapes carry the same tweets for the importer, which finds them by their content:
+//   CorpusFormat::kTwitterV2Json  X / Twitter API v2 objects, one a line, newest first; texts
+//                                 escape "&", "<", ">" as the API does and every non-ASCII
+//                                 character as \uXXXX (emoji as surrogate pairs); the author in
+//                                 an "author" object; the long form of a link, where the
+//                                 sixteen-column layout has one, as the URL entity's
+//                                 expanded_url; the sentiment strengths in a "sentiment" object;
+//   CorpusFormat::kNamedCsv       a CSV with a header row (id, created_at, username, name, text,
+//                                 url, retweet_count, sentiment_positive, sentiment_negative),
+//                                 oldest first, fields quoted where RFC 4180 needs it.
+//
 // Determinism: the output depends only on the options. Random numbers come from
 // std::mt19937_64, whose sequence the standard fixes, and from this file's own distributions,
 // so a seed gives the same bytes on every platform and library.
@@ -43,13 +54,20 @@ namespace sylvora::bench {
 
 inline constexpr std::uint64_t kDefaultCorpusSeed = 20130902;
 
-// The layouts, by the format codes the corpus loader takes.
-enum class CorpusFormat : int { kTwitter = 7, kTwitter11 = 8, kMonitoring = 9 };
+// The layouts, by the format codes the corpus loader takes; the import shapes have codes of
+// their own (20, 21) that no loader reads.
+enum class CorpusFormat : int {
+  kTwitter = 7,
+  kTwitter11 = 8,
+  kMonitoring = 9,
+  kTwitterV2Json = 20,
+  kNamedCsv = 21,
+};
 
 // The format of a code 7, 8 or 9; nullopt for any other.
 std::optional<CorpusFormat> CorpusFormatFromCode(int code);
 // The tail of the file name the tool writes for a format: "_twitter.txt", "_twitter11.txt",
-// "_radian6.txt".
+// "_radian6.txt", "_twitter_v2.jsonl", "_twitter.csv".
 std::string_view CorpusFileSuffix(CorpusFormat format);
 
 struct CorpusOptions {

@@ -17,13 +17,17 @@ using sylvora::bench::CorpusFormat;
 
 constexpr std::string_view kUsage =
     "usage: sylvora-gen-corpus [--tweets N] [--seed S] [--out-dir DIR] [--prefix NAME]\n"
-    "                          [--formats 7,8,9] [--users N] [--days N] [--start YYYY-MM-DD]\n"
+    "                          [--formats 7,8,9,json,csv] [--users N] [--days N]\n"
+    "                          [--start YYYY-MM-DD]\n"
     "\n"
     "Writes a synthetic tweet corpus (a storm hitting a made-up coastal town) as\n"
     "  NAME_twitter.txt    format 7: six columns with a header, oldest first\n"
     "  NAME_twitter11.txt  format 8: sixteen columns, no header, newest first\n"
     "  NAME_radian6.txt    format 9: a monitoring export of 22 columns with a header\n"
-    "Defaults: --tweets 5000 --seed 20130902 --out-dir . --prefix sample --formats 7,8,9\n"
+    "  NAME_twitter_v2.jsonl  json: X / Twitter API v2 objects, one a line, newest first\n"
+    "  NAME_twitter.csv    csv: named columns with a header row, oldest first\n"
+    "Defaults: --tweets 5000 --seed 20130902 --out-dir . --prefix sample\n"
+    "          --formats 7,8,9,json,csv\n"
     "          --users 1500 --days 18 --start 2013-09-02\n";
 
 template <typename T>
@@ -36,11 +40,18 @@ bool ParseFormats(std::string_view text, std::vector<CorpusFormat>& formats) {
   formats.clear();
   while (!text.empty()) {
     const std::size_t comma = text.find(',');
+    const std::string_view item = text.substr(0, comma);
     int code = 0;
-    if (!ParseNumber(text.substr(0, comma), code)) return false;
-    const auto format = sylvora::bench::CorpusFormatFromCode(code);
-    if (!format) return false;
-    formats.push_back(*format);
+    if (item == "json") {
+      formats.push_back(CorpusFormat::kTwitterV2Json);
+    } else if (item == "csv") {
+      formats.push_back(CorpusFormat::kNamedCsv);
+    } else {
+      if (!ParseNumber(item, code)) return false;
+      const auto format = sylvora::bench::CorpusFormatFromCode(code);
+      if (!format) return false;
+      formats.push_back(*format);
+    }
     if (comma == std::string_view::npos) break;
     text.remove_prefix(comma + 1);
   }
@@ -67,7 +78,8 @@ int main(int argc, char** argv) {
   std::filesystem::path outDir = ".";
   std::string prefix = "sample";
   std::vector<CorpusFormat> formats = {CorpusFormat::kTwitter, CorpusFormat::kTwitter11,
-                                       CorpusFormat::kMonitoring};
+                                       CorpusFormat::kMonitoring, CorpusFormat::kTwitterV2Json,
+                                       CorpusFormat::kNamedCsv};
 
   for (int i = 1; i < argc; ++i) {
     const std::string_view arg = argv[i];

@@ -23,6 +23,7 @@ bool CommandLine::Parse(const std::vector<std::string>& arguments) {
         return false;
       }
       values_[name] = arguments[++i];
+      allValues_[name].push_back(values_[name]);
       given_.insert(name);
     } else {
       error_ = "Unknown option " + argument;
@@ -37,6 +38,11 @@ bool CommandLine::Has(const std::string& name) const { return given_.contains(na
 std::string CommandLine::Value(const std::string& name, const std::string& fallback) const {
   const auto it = values_.find(name);
   return it == values_.end() ? fallback : it->second;
+}
+
+std::vector<std::string> CommandLine::Values(const std::string& name) const {
+  const auto it = allValues_.find(name);
+  return it == allValues_.end() ? std::vector<std::string>() : it->second;
 }
 
 std::optional<long long> CommandLine::Number(const std::string& name, long long fallback) {

@@ -21,7 +21,10 @@ class CommandLine {
 
   const std::vector<std::string>& Positional() const { return positional_; }
   bool Has(const std::string& name) const;
+  // The last value given for an option, or `fallback`.
   std::string Value(const std::string& name, const std::string& fallback) const;
+  // Every value given for an option, in order (an option may be repeated).
+  std::vector<std::string> Values(const std::string& name) const;
   // The whole-number value of an option; nullopt (with Error()) when it is not a number.
   std::optional<long long> Number(const std::string& name, long long fallback);
   const std::string& Error() const { return error_; }
@@ -31,6 +34,7 @@ class CommandLine {
   std::set<std::string> switches_;
   std::vector<std::string> positional_;
   std::map<std::string, std::string> values_;
+  std::map<std::string, std::vector<std::string>> allValues_;
   std::set<std::string> given_;
   std::string error_;
 };

@@ -4,6 +4,7 @@
 #include <iomanip>
 
 #include "cli/command_line.h"
+#include "cli/import_flags.h"
 #include "cli/stream_notifier.h"
 #include "common/file_io.h"
 #include "session/corpus_index.h"
@@ -16,7 +17,8 @@ constexpr const char* kUsage =
     "usage: sylvora-cli index FILE [--radian] [--unit s|n|h|d|ww] [--min-doc-len N]\n"
     "                              [--max-docs N] [--min-df N] [--max-df N] [--min-chars N]\n"
     "                              [--no-porter] [--no-abbrev] [--allow-numbers]\n"
-    "                              [--secondary-min-df N] [--stop-list PATH]\n";
+    "                              [--secondary-min-df N] [--stop-list PATH]\n"
+    "                              [--map ROLE=COLUMN] [--skip-bad]\n";
 
 constexpr std::size_t kTopTerms = 20;
 
@@ -106,7 +108,7 @@ bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& 
   options.index.abbreviations = !line.Has("no-abbrev");
   options.index.allowNumbers = line.Has("allow-numbers");
   options.index.stopListPath = line.Value("stop-list", DefaultStopListPath());
-  return true;
+  return ReadImportFlags(line, options.load, err);
 }
 
 namespace {
@@ -132,12 +134,19 @@ std::string DefaultStopListPath() {
 }
 
 std::set<std::string> CorpusValueOptions() {
-  return {"unit",   "min-doc-len", "max-docs",         "min-df",
-          "max-df", "min-chars",   "secondary-min-df", "stop-list"};
+  std::set<std::string> options = {"unit",   "min-doc-len", "max-docs",         "min-df",
+                                   "max-df", "min-chars",   "secondary-min-df", "stop-list"};
+  std::set<std::string> switches;
+  AddImportFlags(options, switches);
+  return options;
 }
 
 std::set<std::string> CorpusSwitches() {
-  return {"radian", "yes", "help", "no-porter", "no-abbrev", "allow-numbers"};
+  std::set<std::string> switches = {"radian",    "yes",       "help",
+                                    "no-porter", "no-abbrev", "allow-numbers"};
+  std::set<std::string> options;
+  AddImportFlags(options, switches);
+  return switches;
 }
 
 int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out,
@@ -145,7 +154,7 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
   CommandLine line(CorpusValueOptions(), CorpusSwitches());
   const bool parsed = line.Parse(arguments);
   if (parsed && line.Has("help")) {
-    out << kUsage;
+    out << kUsage << kImportFlagsUsage;
     return 0;
   }
   if (!parsed || line.Positional().size() != 1) {
@@ -182,6 +191,7 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
   }
 
   out << "Corpus:    " << session.Documents().FilePath() << '\n';
+  out << "Shape:     " << session.Corpus().shape << '\n';
   out << "Documents: " << session.Documents().DocumentCount() << '\n';
   out << "Stop list: " << options.index.stopListPath << '\n';
   out << "Word index: " << report.wordDocuments << " documents, Min DF " << report.minDocFrequency

@@ -4,6 +4,7 @@
 #include <iomanip>
 
 #include "cli/command_line.h"
+#include "cli/import_flags.h"
 #include "cli/stream_notifier.h"
 #include "session/corpus_load.h"
 #include "session/corpus_summary.h"
@@ -13,7 +14,10 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: sylvora-cli load FILE [--radian] [--unit s|n|h|d|ww] [--min-doc-len N] "
-    "[--max-docs N]\n";
+    "[--max-docs N]\n"
+    "                             [--map ROLE=COLUMN] [--skip-bad]\n"
+    "FILE is a tab-separated export (formats 7, 8; 9 with --radian), a JSON export of X / Twitter\n"
+    "(API v2 or v1.1), Mastodon or Bluesky, or a CSV with a header row; gzip-compressed or not.\n";
 
 std::string RolesOf(const Session& session, FieldIndex field) {
   const DocumentSet& documents = session.Documents();
@@ -48,6 +52,7 @@ void PrintSummary(std::ostream& out, const Session& session, const LoadReport& r
   const DocumentSet& documents = session.Documents();
   const CorpusSummary summary = SummariseCorpus(documents);
   out << "Corpus:    " << documents.FilePath() << '\n';
+  out << "Shape:     " << session.Corpus().shape << '\n';
   out << "Format:    " << static_cast<int>(session.Corpus().format) << " ("
       << CorpusFormatName(session.Corpus().format) << ")\n";
   out << "Documents: " << summary.documents << '\n';
@@ -90,12 +95,15 @@ void PrintSummary(std::ostream& out, const Session& session, const LoadReport& r
 
 int RunLoadCommand(const std::vector<std::string>& arguments, std::ostream& out,
                    std::ostream& err) {
-  CommandLine line({"unit", "min-doc-len", "max-docs"}, {"radian", "yes", "help"});
+  std::set<std::string> valueOptions = {"unit", "min-doc-len", "max-docs"};
+  std::set<std::string> switches = {"radian", "yes", "help"};
+  AddImportFlags(valueOptions, switches);
+  CommandLine line(valueOptions, switches);
   if (line.Parse(arguments) && line.Has("help")) {
-    out << kUsage;
+    out << kUsage << kImportFlagsUsage;
     return 0;
   }
-  line = CommandLine({"unit", "min-doc-len", "max-docs"}, {"radian", "yes", "help"});
+  line = CommandLine(valueOptions, switches);
   if (!line.Parse(arguments) || line.Positional().size() != 1) {
     err << (line.Error().empty() ? "load takes one corpus file" : line.Error()) << '\n' << kUsage;
     return 2;
@@ -112,6 +120,10 @@ int RunLoadCommand(const std::vector<std::string>& arguments, std::ostream& out,
   }
   options.minDocLen = static_cast<int>(*minDocLen);
   options.maxDocCount = static_cast<int>(*maxDocs);
+  if (!ReadImportFlags(line, options, err)) {
+    err << kUsage;
+    return 2;
+  }
 
   Session session;
   StreamNotifier notifier(err, line.Has("yes"));

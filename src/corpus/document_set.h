@@ -32,6 +32,8 @@
 
 namespace sylvora {
 
+class ImportedRows;
+
 class DocumentSet {
  public:
   // What Text() gives for a row outside 0..DocumentCount()-1.
@@ -124,6 +126,12 @@ class DocumentSet {
   // fewer than two usable records, or the progress callback cancels.
   bool LoadDocuments(std::string& filePath, int dType, std::string_view delimiter, int minDocLen,
                      int maxCount, bool saveValidDocs, const ProgressCallback& progress = {});
+
+  // Installs the rows an importer built (JSON or named-column CSV, corpus_import.h) into an
+  // empty set, in the field layout of format 8 ("Twitter1.1"), as LoadDocuments would leave a
+  // tab-separated file of that format; `sourcePath` becomes FilePath(). False, with LastError,
+  // when the set already holds documents or `rows` holds none.
+  bool InstallTable(ImportedRows&& rows, const std::string& sourcePath);
 
   // --- Derived fields (each appends one field at the end, expressed) ---
   // Rewrites a date column as "DD/MM/YY HH:MM:SS"; formatName is "Twitter" or "Twitter1.1".

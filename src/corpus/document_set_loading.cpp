@@ -10,6 +10,7 @@
 #include "common/leading_number.h"
 #include "common/text_decoding.h"
 #include "corpus/document_set.h"
+#include "corpus/imported_rows.h"
 
 namespace sylvora {
 namespace {
@@ -295,6 +296,22 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
     filePath = savedName;
   }
   sourcePath_ = filePath;
+  return true;
+}
+
+bool DocumentSet::InstallTable(ImportedRows&& rows, const std::string& sourcePath) {
+  lastError_.clear();
+  if (docCount_ > 0) {
+    return Fail("The document set already holds " + std::to_string(docCount_) +
+                " documents; clear it before loading another file");
+  }
+  if (rows.RowCount() == 0) return Fail("'" + sourcePath + "' holds no documents");
+  InitFieldDefs(kImportFormat, "\n", sourcePath);
+  store_ = std::move(rows.Store());
+  columns_.assign(FieldCount(), Column());
+  for (std::size_t f = 0; f < columns_.size(); ++f) columns_[f] = std::move(rows.Columns()[f]);
+  docCount_ = static_cast<DocIndex>(columns_[0].size());
+  sourcePath_ = sourcePath;
   return true;
 }
 

@@ -21,6 +21,19 @@ constexpr FieldIndex kRadianElapsed = 18, kRadianUrl = 19;
 constexpr FieldIndex kRadianSentPos = 20, kRadianSentNeg = 21;
 constexpr int kRadianMinColumns = 22;
 
+std::string TabSeparatedShape(CorpusFormat format) {
+  return "tab-separated " + std::string(CorpusFormatName(format)) + " export (format " +
+         std::to_string(static_cast<int>(format)) + ")";
+}
+
+ImportOptions ImportOptionsOf(const LoadOptions& options) {
+  ImportOptions importOptions;
+  importOptions.columnMap = options.columnMap;
+  importOptions.skipBad = options.skipBad;
+  importOptions.maxCount = options.maxDocCount > 0 ? options.maxDocCount : 0;
+  return importOptions;
+}
+
 constexpr std::string_view kElapsedOrigin = "01 Jan 2011 00:00:01";
 
 void SetRoles(DocumentSet& documents, CorpusInfo& info) {
@@ -73,6 +86,36 @@ std::optional<CorpusFormat> ChooseCorpusFormat(const std::string& path, bool rad
   return columns < 8 ? CorpusFormat::kTwitter : CorpusFormat::kTwitter11;
 }
 
+std::optional<CorpusShape> DetectCorpusShape(const std::string& path, bool radian,
+                                             std::string& error) {
+  if (!FileExists(path)) {
+    error = "File not found: " + path;
+    return std::nullopt;
+  }
+  if (!radian && MayBeImportFile(path)) {
+    const ImportPreview preview = PreviewCorpusFile(path, ImportOptions(), 1);
+    if (preview.shapeKnown) {
+      return CorpusShape{CorpusFormat::kTwitter11, true, preview.detection.Describe()};
+    }
+    if (preview.outcome == DetectionOutcome::kError) {
+      error = preview.error;
+      return std::nullopt;
+    }
+  }
+  const auto format = ChooseCorpusFormat(path, radian, error);
+  if (!format) return std::nullopt;
+  return CorpusShape{*format, false, TabSeparatedShape(*format)};
+}
+
+ImportPreview PreviewCorpus(const LoadOptions& options, int rows) {
+  if (options.radian || !MayBeImportFile(options.path)) {
+    ImportPreview preview;
+    preview.outcome = DetectionOutcome::kTabSeparated;
+    return preview;
+  }
+  return PreviewCorpusFile(options.path, ImportOptionsOf(options), rows);
+}
+
 LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
                       const ProgressCallback& progress) {
   LoadReport report;
@@ -93,27 +136,59 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
   const auto unit = ParseTimeUnit(options.unitCode);
   if (!unit) return fail("Unknown time unit \"" + options.unitCode + "\" (use s, n, h, d or ww)");
   std::string error;
-  const auto format = ChooseCorpusFormat(options.path, options.radian, error);
+  const auto loadError = [&](std::string reason) {
+    notifier.ShowMessage("There was an error loading " + options.path, "Load Error",
+                         MessageIcon::kCritical);
+    return fail(std::move(reason));
+  };
+
+  // JSON and CSV exports are found by their content and load in the "Twitter1.1" layout.
+  ImportReport imported;
+  DetectionOutcome outcome = DetectionOutcome::kTabSeparated;
+  if (!options.radian && MayBeImportFile(options.path)) {
+    documents.Clear();
+    outcome = ImportCorpusFile(options.path, ImportOptionsOf(options), documents, imported,
+                               progress);
+    if (outcome == DetectionOutcome::kError) return loadError(imported.error);
+  }
+  const bool isImport = outcome == DetectionOutcome::kImport;
+  const auto format = isImport ? std::optional(CorpusFormat::kTwitter11)
+                               : ChooseCorpusFormat(options.path, options.radian, error);
   if (!format) return fail(error);
 
   info = CorpusInfo{};
   info.format = *format;
   info.filePath = options.path;
   info.elapsedTimeUnit = options.unitCode;
+  info.shape = isImport ? imported.detection.Describe() : TabSeparatedShape(*format);
+  report.shape = info.shape;
   SetRoles(documents, info);
-  documents.Clear();
-
-  std::string path = options.path;
-  if (!documents.LoadDocuments(path, static_cast<int>(*format), "\n", options.minDocLen,
-                               options.maxDocCount, false, progress)) {
-    notifier.ShowMessage("There was an error loading " + options.path, "Load Error",
-                         MessageIcon::kCritical);
-    return fail(documents.LastError());
+  if (isImport) {
+    report.skipped = imported.skipped;
+    if (imported.skipped > 0) {
+      std::string text = "Skipped " + std::to_string(imported.skipped) + " bad record" +
+                         (imported.skipped == 1 ? "" : "s");
+      for (const auto& sample : imported.skippedSamples) text += "; " + sample;
+      if (imported.skipped > static_cast<std::int64_t>(imported.skippedSamples.size())) {
+        text += "; ...";
+      }
+      report.warnings.push_back(text);
+    }
+    for (const auto& warning : imported.warnings) report.warnings.push_back(warning);
+  } else {
+    if (!options.columnMap.empty()) {
+      report.warnings.push_back("The column map applies to CSV files only; '" + options.path +
+                                "' is a " + info.shape);
+    }
+    documents.Clear();
+    std::string path = options.path;
+    if (!documents.LoadDocuments(path, static_cast<int>(*format), "\n", options.minDocLen,
+                                 options.maxDocCount, false, progress)) {
+      return loadError(documents.LastError());
+    }
   }
   if (*format == CorpusFormat::kRadian6 && documents.FieldCount() < kRadianMinColumns) {
-    notifier.ShowMessage("There was an error loading " + options.path, "Load Error",
-                         MessageIcon::kCritical);
-    return fail("A Radian 6 export needs at least 22 columns (date-time in column 7, elapsed "
+    return loadError("A Radian 6 export needs at least 22 columns (date-time in column 7, elapsed "
                 "time, link and sentiment in columns 19 to 22); '" + options.path + "' has " +
                 std::to_string(documents.FieldCount()));
   }

@@ -5,17 +5,24 @@
 // sorts by it, and moves hashtags and mentions into their own columns. Afterwards only the
 // content field is expressed (the word index covers it).
 //
+// Besides the tab-separated exports, the workflow reads JSON exports of the platforms' APIs and
+// named-column CSV files (corpus/corpus_import.h), found by their content: they load in the
+// "Twitter1.1" layout (format 8) and go on from there exactly as a format-8 file.
+//
 // Messages go through the notifier: "Load Error" when the file cannot be loaded, and the sort
 // notice of DocumentSet::SortByInt. Long steps report through the progress callback; a
 // cancel empties the set.
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/notifier.h"
 #include "common/progress.h"
 #include "common/stopwatch.h"
+#include "corpus/corpus_import.h"
 #include "session/session.h"
 
 namespace sylvora {
@@ -26,6 +33,11 @@ struct LoadOptions {
   int minDocLen = 64;      // records of up to half this many characters are dropped
   int maxDocCount = 0;     // 0: no limit
   std::string unitCode = "h";  // unit of the elapsed-time column: "s", "n", "h", "d", "ww"
+  // For CSV files: role name ("date", "user", "text", "link", "positive", "negative", "id",
+  // "name", "retweets") -> column name, before the built-in names.
+  std::vector<std::pair<std::string, std::string>> columnMap;
+  // For JSON and CSV files: skip bad records (counted in the report) instead of failing.
+  bool skipBad = false;
 };
 
 struct LoadReport {
@@ -37,6 +49,9 @@ struct LoadReport {
   // The progress label's text: the stage lines, CR LF separated, ending in "All done :)".
   std::string progressText;
   std::vector<StageTiming> stages;
+  // What was found in the file, as CorpusInfo::shape; and the records skipped with skipBad.
+  std::string shape;
+  std::int64_t skipped = 0;
   // Defaults for the word index that follow from the corpus size.
   int minDocFrequency = 2;
   double maxDocFrequency = 0.0;
@@ -47,6 +62,23 @@ struct LoadReport {
 // nullopt when the file cannot be read.
 std::optional<CorpusFormat> ChooseCorpusFormat(const std::string& path, bool radian,
                                                std::string& error);
+
+// What the workflow will find in a file: the format it loads as and the shape's description
+// ("named-column CSV", "tab-separated Twitter export", ...). nullopt with `error` when the file
+// cannot be read or is an import that cannot be (unknown JSON shape, broken gzip...).
+struct CorpusShape {
+  CorpusFormat format = CorpusFormat::kTwitter11;
+  bool imported = false;  // JSON or CSV
+  std::string description;
+};
+std::optional<CorpusShape> DetectCorpusShape(const std::string& path, bool radian,
+                                             std::string& error);
+
+// The first `rows` documents of a file as the workflow would read them with `options` (its
+// column map and skipBad), for a mapping dialog: for CSV also the header, the raw records and
+// the column found for each role. Tab-separated files give outcome kTabSeparated and nothing
+// else.
+ImportPreview PreviewCorpus(const LoadOptions& options, int rows = 20);
 
 LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
                       const ProgressCallback& progress = {});

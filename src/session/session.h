@@ -28,6 +28,9 @@ struct CorpusInfo {
   // The unit code ("s", "n", "h", "d", "ww") the elapsed-time column was derived in.
   std::string elapsedTimeUnit = "h";
   std::string filePath;
+  // What the load found in the file ("tab-separated Twitter1.1 export", "X / Twitter API v2
+  // JSON lines", ...). JSON and CSV imports load as format 8.
+  std::string shape;
 };
 
 // The five term indexes of the indexing workflow, in the order it builds them.
