@@ -130,7 +130,10 @@ std::string HtmlToPlainText(std::string_view html, std::string* firstLink) {
   std::size_t i = 0;
   while (i < html.size()) {
     const char c = html[i];
-    if (c == '<') {
+    const char next = i + 1 < html.size() ? html[i + 1] : '\0';
+    const bool opensTag = (next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z') ||
+                          next == '/' || next == '!';
+    if (c == '<' && opensTag) {
       const std::size_t close = html.find('>', i + 1);
       if (close == std::string_view::npos) {  // a lone "<" is text
         out.push_back(c);

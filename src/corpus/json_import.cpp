@@ -40,18 +40,27 @@ std::string_view TrimToken(std::string_view token) {
   return token;
 }
 
-// A scalar as text: strings unescaped, numbers and booleans as written; "" for null and for
-// objects and arrays (which the walk then skips).
-std::string ScalarText(od::value& value) {
+// A scalar as text into `out`: strings unescaped, numbers and booleans as written; "" for null
+// and for objects and arrays (which the walk then skips). Writing into a kept string spares an
+// allocation per field.
+void ScalarTo(od::value& value, std::string& out) {
   switch (value.type()) {
     case od::json_type::string:
-      return std::string(std::string_view(value.get_string()));
+      out.assign(std::string_view(value.get_string()));
+      break;
     case od::json_type::number:
     case od::json_type::boolean:
-      return std::string(TrimToken(value.raw_json_token()));
+      out.assign(TrimToken(value.raw_json_token()));
+      break;
     default:
-      return {};
+      out.clear();
   }
+}
+
+std::string ScalarText(od::value& value) {
+  std::string text;
+  ScalarTo(value, text);
+  return text;
 }
 
 bool IsObject(od::value& value) { return value.type() == od::json_type::object; }
@@ -68,29 +77,53 @@ struct Post {
   int textRank = 0;  // which text field was seen: 3 full_text, 2 extended/note, 1 text
   bool hasDate = false, hasText = false, isRepost = false;
 
-  void Clear() { *this = Post(); }
+  // Empties every field, keeping the strings' storage for the next post.
+  void Clear() {
+    for (std::string* field : {&date, &id, &user, &realName, &followers, &following, &lists,
+                               &userTweets, &timeZone, &geo, &reposts, &link, &text,
+                               &sentPositive, &sentNegative, &authorId, &repostUser, &repostText,
+                               &repostLink}) {
+      field->clear();
+    }
+    textRank = 0;
+    hasDate = hasText = isRepost = false;
+  }
 };
 
 struct UserInfo {
   std::string username, name, followers, following, lists, tweets;
 };
 
-void SetText(Post& post, int rank, std::string text) {
-  if (rank < post.textRank) return;
+// Texts of a higher rank win: full_text (3) over extended or note texts (2) over text (1).
+bool TakeText(Post& post, int rank) {
+  if (rank < post.textRank) return false;
   post.textRank = rank;
-  post.text = std::move(text);
   post.hasText = true;
+  post.text.clear();
+  return true;
 }
 
-std::string TweetText(od::value& value) {
-  std::string text;
-  if (IsString(value)) AppendTweetText(std::string_view(value.get_string()), text);
-  return text;
+void SetText(Post& post, int rank, const std::string& text) {
+  if (TakeText(post, rank)) post.text = text;
+}
+
+void TweetTextTo(od::value& value, std::string& out) {
+  out.clear();
+  if (IsString(value)) AppendTweetText(std::string_view(value.get_string()), out);
+}
+
+void SetTweetText(Post& post, int rank, od::value& value) {
+  if (TakeText(post, rank)) TweetTextTo(value, post.text);
+}
+
+void OneLineTo(od::value& value, std::string& out) {
+  out.clear();
+  if (IsString(value)) AppendOneLine(std::string_view(value.get_string()), out);
 }
 
 std::string OneLine(od::value& value) {
   std::string text;
-  if (IsString(value)) AppendOneLine(std::string_view(value.get_string()), text);
+  OneLineTo(value, text);
   return text;
 }
 
@@ -127,8 +160,8 @@ void ReadSentiment(od::value& value, Post& post) {
   if (!IsObject(value)) return;
   for (od::field field : value.get_object()) {
     const std::string_view key = Key(field);
-    if (key == "positive") post.sentPositive = ScalarText(field.value());
-    if (key == "negative") post.sentNegative = ScalarText(field.value());
+    if (key == "positive") ScalarTo(field.value(), post.sentPositive);
+    if (key == "negative") ScalarTo(field.value(), post.sentNegative);
   }
 }
 
@@ -141,7 +174,7 @@ void ReadEntityLinks(od::value& value, std::string& link) {
       od::value url = element.value();
       if (!IsObject(url)) continue;
       for (od::field f : url.get_object()) {
-        if (Key(f) == "expanded_url" && link.empty()) link = OneLine(f.value());
+        if (Key(f) == "expanded_url" && link.empty()) OneLineTo(f.value(), link);
       }
     }
   }
@@ -173,6 +206,25 @@ UserInfo ReadV2User(od::value& value, std::string* id) {
   return user;
 }
 
+// An embedded author object, written straight into the post.
+void ReadV2Author(od::value& value, Post& post) {
+  if (!IsObject(value)) return;
+  for (od::field field : value.get_object()) {
+    const std::string_view key = Key(field);
+    if (key == "username") OneLineTo(field.value(), post.user);
+    if (key == "name") OneLineTo(field.value(), post.realName);
+    if (key == "public_metrics" && IsObject(field.value())) {
+      for (od::field metric : field.value().get_object()) {
+        const std::string_view name = Key(metric);
+        if (name == "followers_count") ScalarTo(metric.value(), post.followers);
+        if (name == "following_count") ScalarTo(metric.value(), post.following);
+        if (name == "listed_count") ScalarTo(metric.value(), post.lists);
+        if (name == "tweet_count") ScalarTo(metric.value(), post.userTweets);
+      }
+    }
+  }
+}
+
 void ApplyUser(const UserInfo& user, Post& post) {
   post.user = user.username;
   post.realName = user.name;
@@ -187,26 +239,26 @@ void ReadV2(od::object object, Post& post) {
     const std::string_view key = Key(field);
     od::value value = field.value();
     if (key == "id") {
-      post.id = ScalarText(value);
+      ScalarTo(value, post.id);
     } else if (key == "text") {
-      SetText(post, 1, TweetText(value));
+      SetTweetText(post, 1, value);
     } else if (key == "note_tweet" && IsObject(value)) {
       // Long posts carry their whole text here; "text" holds its first 280 characters.
       for (od::field f : value.get_object()) {
-        if (Key(f) == "text") SetText(post, 2, TweetText(f.value()));
+        if (Key(f) == "text") SetTweetText(post, 2, f.value());
       }
     } else if (key == "created_at") {
-      post.date = ScalarText(value);
+      ScalarTo(value, post.date);
       post.hasDate = true;
     } else if (key == "author_id") {
-      post.authorId = ScalarText(value);
+      ScalarTo(value, post.authorId);
     } else if (key == "author") {
-      ApplyUser(ReadV2User(value, nullptr), post);
+      ReadV2Author(value, post);
     } else if (key == "entities") {
       ReadEntityLinks(value, post.link);
     } else if (key == "public_metrics" && IsObject(value)) {
       for (od::field f : value.get_object()) {
-        if (Key(f) == "retweet_count") post.reposts = ScalarText(f.value());
+        if (Key(f) == "retweet_count") ScalarTo(f.value(), post.reposts);
       }
     } else if (key == "geo") {
       post.geo = GeoOf(value);
@@ -245,13 +297,13 @@ void ReadV11(od::object object, Post& post, bool nested) {
     } else if (key == "id") {
       idNumber = ScalarText(value);
     } else if (key == "full_text") {
-      SetText(post, 3, TweetText(value));
+      SetTweetText(post, 3, value);
     } else if (key == "text") {
-      SetText(post, 1, TweetText(value));
+      SetTweetText(post, 1, value);
     } else if (key == "extended_tweet" && IsObject(value)) {
       for (od::field f : value.get_object()) {
         const std::string_view k = Key(f);
-        if (k == "full_text") SetText(post, 2, TweetText(f.value()));
+        if (k == "full_text") SetTweetText(post, 2, f.value());
         if (k == "entities") ReadEntityLinks(f.value(), post.link);
       }
     } else if (key == "user") {
@@ -604,24 +656,25 @@ class JsonImporter {
       post.text = "RT @" + post.repostUser + ": " + post.repostText;
       if (post.link.empty()) post.link = post.repostLink;
     }
-    auto set = [&row](LayoutField field, std::string&& text) {
-      row[static_cast<std::size_t>(field)] = std::move(text);
+    // Copies keep the storage of both the post and the row for the next post.
+    auto set = [&row](LayoutField field, const std::string& text) {
+      row[static_cast<std::size_t>(field)].assign(text);
     };
     std::string& date = row[static_cast<std::size_t>(LayoutField::kDateTime)];
     date.clear();
     AppendTwitterDateTime(*instant, date);
-    set(LayoutField::kUserName, std::move(post.user));
-    set(LayoutField::kTweet, std::move(post.text));
-    set(LayoutField::kTweetId, std::move(post.id));
-    set(LayoutField::kRealName, std::move(post.realName));
-    set(LayoutField::kFollowers, std::move(post.followers));
-    set(LayoutField::kFollowing, std::move(post.following));
-    set(LayoutField::kPublicLists, std::move(post.lists));
-    set(LayoutField::kTimeZone, std::move(post.timeZone));
-    set(LayoutField::kGeo, std::move(post.geo));
-    set(LayoutField::kUserTweets, std::move(post.userTweets));
-    set(LayoutField::kRetweeted, std::move(post.reposts));
-    set(LayoutField::kLinkUrl, std::move(post.link));
+    set(LayoutField::kUserName, post.user);
+    set(LayoutField::kTweet, post.text);
+    set(LayoutField::kTweetId, post.id);
+    set(LayoutField::kRealName, post.realName);
+    set(LayoutField::kFollowers, post.followers);
+    set(LayoutField::kFollowing, post.following);
+    set(LayoutField::kPublicLists, post.lists);
+    set(LayoutField::kTimeZone, post.timeZone);
+    set(LayoutField::kGeo, post.geo);
+    set(LayoutField::kUserTweets, post.userTweets);
+    set(LayoutField::kRetweeted, post.reposts);
+    set(LayoutField::kLinkUrl, post.link);
     std::string net;
     long long positive = 0, negative = 0;
     const auto whole = [](const std::string& text, long long& value) {
@@ -631,9 +684,9 @@ class JsonImporter {
     if (whole(post.sentPositive, positive) && whole(post.sentNegative, negative)) {
       net = std::to_string(positive + negative);
     }
-    set(LayoutField::kSentPositive, std::move(post.sentPositive));
-    set(LayoutField::kSentNegative, std::move(post.sentNegative));
-    set(LayoutField::kNetSent, std::move(net));
+    set(LayoutField::kSentPositive, post.sentPositive);
+    set(LayoutField::kSentNegative, post.sentNegative);
+    set(LayoutField::kNetSent, net);
     return {};
   }
 

@@ -1,0 +1,183 @@
+// The load workflow over JSON and CSV exports: the three sample files give one document set,
+// detection and preview for a mapping dialog, and failures that leave nothing behind.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "session/corpus_load.h"
+#include "support/recording_notifier.h"
+#include "support/temp_dir.h"
+
+namespace sylvora {
+namespace {
+
+using testing::RecordingNotifier;
+using testing::TempDir;
+
+std::string Sample(const char* name) { return (testing::SourceDir() / "data" / name).string(); }
+
+LoadReport LoadFile(Session& session, const std::string& path, RecordingNotifier& notifier,
+                    bool skipBad = false) {
+  LoadOptions options;
+  options.path = path;
+  options.skipBad = skipBad;
+  return LoadCorpus(session, options, notifier);
+}
+
+// Compares the listed fields of every document of two loaded sets.
+void ExpectSameFields(const DocumentSet& expected, const DocumentSet& actual,
+                      const std::vector<FieldIndex>& fields, const char* what) {
+  ASSERT_EQ(actual.DocumentCount(), expected.DocumentCount()) << what;
+  ASSERT_EQ(actual.FieldCount(), expected.FieldCount()) << what;
+  for (const FieldIndex field : fields) {
+    EXPECT_EQ(actual.FieldName(field), expected.FieldName(field)) << what;
+    int differences = 0;
+    for (DocIndex d = 0; d < expected.DocumentCount() && differences < 3; ++d) {
+      if (actual.Cell(d, field) != expected.Cell(d, field)) {
+        ++differences;
+        ADD_FAILURE() << what << ": document " << d << ", field " << int(field) << " ("
+                      << expected.FieldName(field) << "): \"" << actual.Cell(d, field)
+                      << "\" instead of \"" << expected.Cell(d, field) << "\"";
+      }
+    }
+  }
+}
+
+TEST(ImportLoad, TheThreeSampleFilesGiveTheSameDocumentSet) {
+  RecordingNotifier notifier;
+  Session tsv, json, csv;
+  const LoadReport tsvReport = LoadFile(tsv, Sample("sample_twitter11.txt"), notifier);
+  const LoadReport jsonReport = LoadFile(json, Sample("sample_twitter_v2.jsonl"), notifier);
+  const LoadReport csvReport = LoadFile(csv, Sample("sample_twitter.csv"), notifier);
+  ASSERT_TRUE(tsvReport.loaded) << tsvReport.error;
+  ASSERT_TRUE(jsonReport.loaded) << jsonReport.error;
+  ASSERT_TRUE(csvReport.loaded) << csvReport.error;
+  EXPECT_EQ(tsvReport.shape, "tab-separated Twitter1.1 export (format 8)");
+  EXPECT_EQ(jsonReport.shape, "X / Twitter API v2 JSON lines");
+  EXPECT_EQ(csvReport.shape, "named-column CSV");
+  EXPECT_EQ(json.Corpus().shape, jsonReport.shape);
+  EXPECT_TRUE(jsonReport.warnings.empty());
+  EXPECT_EQ(json.Corpus().format, CorpusFormat::kTwitter11);
+  EXPECT_EQ(csv.Corpus().format, CorpusFormat::kTwitter11);
+  EXPECT_EQ(tsv.Documents().DocumentCount(), 5000);
+
+  // Dates (rewritten), users, texts (links, hashtags and mentions moved out), links, sentiment,
+  // and the derived elapsed time, hashtags and mentions, document by document in time order.
+  const std::vector<FieldIndex> shared = {0, 1, 2, 12, 13, 14, 15, 3, 4, 11, 16, 17, 18};
+  ExpectSameFields(tsv.Documents(), json.Documents(), shared, "v2 JSON lines");
+  ExpectSameFields(tsv.Documents(), csv.Documents(), shared, "CSV");
+  // The JSON carries the user's counts and the coordinates too; the time zone it has not.
+  ExpectSameFields(tsv.Documents(), json.Documents(), {5, 6, 7, 9, 10}, "v2 JSON lines");
+  EXPECT_EQ(json.Documents().Cell(0, 8), "");
+  for (const Session* session : {&json, &csv}) {
+    const DocumentSet& d = session->Documents();
+    EXPECT_EQ(d.ContentField(), 2);
+    EXPECT_EQ(d.AuthorField(), 1);
+    EXPECT_EQ(d.URLField(), 12);
+    EXPECT_EQ(d.CitedField(), 11);
+    EXPECT_EQ(d.DateTimeField(), 0);
+    EXPECT_EQ(d.ElapsedTimeField(), 16);
+    EXPECT_EQ(d.KeyWordField(), 17);
+    EXPECT_EQ(d.RefListField(), 18);
+    EXPECT_EQ(d.FieldExpressionPattern(), tsv.Documents().FieldExpressionPattern());
+    EXPECT_EQ(session->Corpus().sentimentPositiveField, 13);
+  }
+}
+
+TEST(ImportLoad, DetectionSaysWhichShapeItFound) {
+  std::string error;
+  const struct {
+    const char* file;
+    bool imported;
+    const char* description;
+  } cases[] = {
+      {"sample_twitter11.txt", false, "tab-separated Twitter1.1 export (format 8)"},
+      {"sample_twitter.txt", false, "tab-separated Twitter export (format 7)"},
+      {"sample_twitter_v2.jsonl", true, "X / Twitter API v2 JSON lines"},
+      {"sample_twitter.csv", true, "named-column CSV"},
+  };
+  for (const auto& c : cases) {
+    const auto shape = DetectCorpusShape(Sample(c.file), false, error);
+    ASSERT_TRUE(shape.has_value()) << c.file << ": " << error;
+    EXPECT_EQ(shape->imported, c.imported) << c.file;
+    EXPECT_EQ(shape->description, c.description) << c.file;
+  }
+  TempDir dir;
+  EXPECT_FALSE(DetectCorpusShape(dir.WriteFile("x.json", "{\"a\":1}\n"), false, error));
+  EXPECT_NE(error.find("unknown shape"), std::string::npos) << error;
+  EXPECT_FALSE(DetectCorpusShape((dir.Path() / "none").string(), false, error));
+}
+
+TEST(ImportLoad, PreviewShowsHeaderRawRowsMappingAndFirstDocuments) {
+  TempDir dir;
+  LoadOptions options;
+  options.path = dir.WriteFile("posts.csv",
+                               "posted,who,body,link\n"
+                               "2013-09-09T10:00:00Z,ann,\"hello, world\",http://a.example/1\n"
+                               "2013-09-09T11:00:00Z,bob,second,\n"
+                               "2013-09-09T12:00:00Z,cy,third,\n");
+  ImportPreview preview = PreviewCorpus(options, 2);
+  // Without a mapping the date column is not found: the dialog shows why.
+  EXPECT_TRUE(preview.shapeKnown);
+  EXPECT_EQ(preview.outcome, DetectionOutcome::kError);
+  EXPECT_NE(preview.error.find("no column for the date-time role"), std::string::npos);
+  EXPECT_EQ(preview.detection.header, (std::vector<std::string>{"posted", "who", "body", "link"}));
+  ASSERT_EQ(preview.rawRows.size(), 2u);
+  EXPECT_EQ(preview.rawRows[0][2], "hello, world");
+  EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kText)], 2);
+  EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kDateTime)], -1);
+
+  options.columnMap = {{"date", "posted"}, {"user", "who"}};
+  preview = PreviewCorpus(options, 2);
+  EXPECT_EQ(preview.outcome, DetectionOutcome::kImport) << preview.error;
+  EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kDateTime)], 0);
+  ASSERT_EQ(preview.documents.size(), 2u);
+  EXPECT_EQ(preview.documents[0],
+            (std::vector<std::string>{"Mon Sep 09 10:00:00 +0000 2013", "ann", "hello, world",
+                                      "http://a.example/1"}));
+
+  options.path = Sample("sample_twitter11.txt");
+  EXPECT_EQ(PreviewCorpus(options).outcome, DetectionOutcome::kTabSeparated);
+}
+
+TEST(ImportLoad, FailedImportReportsAndLeavesNothingLoaded) {
+  TempDir dir;
+  RecordingNotifier notifier;
+  Session session;
+  const std::string path = dir.WriteFile(
+      "bad.jsonl", "{\"id\":\"1\",\"author_id\":\"2\",\"created_at\":\"2013-09-09T10:00:00Z\",\"text\":\"a\"}\n"
+                   "{\"id\":\"2\",\"author_id\":\"2\",\"text\":\"no date\"}\n");
+  const LoadReport report = LoadFile(session, path, notifier);
+  EXPECT_FALSE(report.loaded);
+  EXPECT_NE(report.error.find("line 2: the post has no date (created_at)"), std::string::npos)
+      << report.error;
+  EXPECT_EQ(session.Documents().DocumentCount(), 0);
+  EXPECT_EQ(session.Documents().FieldCount(), 0);
+  ASSERT_EQ(notifier.Messages().size(), 1u);
+  EXPECT_EQ(notifier.Messages()[0].title, "Load Error");
+
+  const LoadReport skipped = LoadFile(session, path, notifier, true);
+  ASSERT_TRUE(skipped.loaded) << skipped.error;
+  EXPECT_EQ(skipped.skipped, 1);
+  EXPECT_EQ(session.Documents().DocumentCount(), 1);
+  ASSERT_FALSE(skipped.warnings.empty());
+  EXPECT_NE(skipped.warnings[0].find("Skipped 1 bad record; "), std::string::npos)
+      << skipped.warnings[0];
+}
+
+TEST(ImportLoad, ColumnMapOnATabSeparatedFileIsAWarning) {
+  RecordingNotifier notifier;
+  Session session;
+  LoadOptions options;
+  options.path = Sample("sample_twitter11.txt");
+  options.columnMap = {{"text", "body"}};
+  const LoadReport report = LoadCorpus(session, options, notifier);
+  ASSERT_TRUE(report.loaded) << report.error;
+  ASSERT_FALSE(report.warnings.empty());
+  EXPECT_NE(report.warnings[0].find("applies to CSV files only"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace sylvora
