@@ -282,6 +282,8 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     return 1;
   }
   for (const auto& warning : load.warnings) err << "Warning: " << warning << '\n';
+  // The table goes to stdout; what was found in the file goes beside the stage times.
+  err << "Shape: " << session.Corpus().shape << '\n';
   const IndexReport indexed = BuildIndexes(session, options.index);
   if (!indexed.indexed) {
     err << "Error: " << indexed.error << '\n';

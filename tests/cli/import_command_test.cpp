@@ -7,6 +7,7 @@
 
 #include "cli/index_command.h"
 #include "cli/load_command.h"
+#include "cli/timeline_command.h"
 #include "support/temp_dir.h"
 
 namespace sylvora::cli {
@@ -86,6 +87,14 @@ TEST(ImportCommands, LoadTakesMapAndSkipBad) {
     EXPECT_EQ(run.code, 2) << bad;
     EXPECT_TRUE(Has(run.err, "--map")) << run.err;
   }
+}
+
+TEST(ImportCommands, TimelineSaysWhichShapeItFound) {
+  const CommandRun run = RunCommand(
+      RunTimelineCommand, {Sample("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_TRUE(Has(run.err, "Shape: named-column CSV\n")) << run.err;
+  EXPECT_TRUE(run.out.starts_with("interval,start,documents")) << run.out.substr(0, 80);
 }
 
 }  // namespace
