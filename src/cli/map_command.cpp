@@ -238,6 +238,7 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out,
   }
 
   out << "Corpus:    " << session.Documents().FilePath() << '\n';
+  out << "Shape:     " << session.Corpus().shape << '\n';
   out << "Documents: " << session.Documents().DocumentCount() << '\n';
   out << "Word index: " << words.TermCount() << " terms\n";
   if (NeedsModels(options)) {
