@@ -163,6 +163,7 @@ std::int64_t TextStream::IntervalUBound(std::int32_t intervalIndex) const {
 
 std::optional<std::int32_t> TextStream::IntervalFromDateTime(std::string_view dateTimeVal,
                                                              std::string_view intervalUnit) const {
+  if (corpus_ == nullptr) return std::nullopt;
   const auto unit = ParseTimeUnit(intervalUnit);
   const auto origin = DateTime::Parse(corpus_->Text(0, corpus_->DateTimeField()));
   const auto when = DateTime::Parse(dateTimeVal);
@@ -175,6 +176,7 @@ std::optional<std::int32_t> TextStream::IntervalFromDateTime(std::string_view da
 
 std::array<std::string, 2> TextStream::IntervalDateTimeBounds(std::int32_t intervalIndex,
                                                               std::string_view intervalUnit) const {
+  if (corpus_ == nullptr) return {};
   const auto unit = ParseTimeUnit(intervalUnit);
   const auto origin =
       DateTime::Parse(WithoutQuotes(corpus_->Text(0, corpus_->DateTimeField())));

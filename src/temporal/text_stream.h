@@ -24,7 +24,8 @@
 // Ownership. The stream borrows the corpus and the index (SetDocumentSet,
 // SetTermDocumentMatrix); both must outlive it and stay unchanged while it is used. It owns
 // its matrices and caches. Every operation but the two setters needs both set, and every
-// interval operation a built model (BuildTermIntervalFrequencyModel returned true).
+// interval operation a built model (BuildTermIntervalFrequencyModel returned true). A stream
+// that is not bound answers 0, nullopt or empty results and builds nothing (the build throws).
 //
 // Caches. The homogeneity of each interval and the z-score mean and deviation of each term are
 // computed on first request and kept until the next BuildTermIntervalFrequencyModel; a cached

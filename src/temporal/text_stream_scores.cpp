@@ -29,6 +29,7 @@ std::int16_t Sign(std::int16_t value) { return value > 0 ? 1 : (value < 0 ? -1 :
 }  // namespace
 
 float TextStream::RatioBurstScore(std::int32_t termIndex, std::int32_t intervalIndex) const {
+  if (tdm_ == nullptr) return 0.0f;
   const float f = tifm_.Value(termIndex, intervalIndex);
   const double share = static_cast<double>(tdm_->DocFreq(termIndex)) / tdm_->DocCount();
   return static_cast<float>(f / share * Damping(f));
@@ -96,7 +97,7 @@ float TextStream::TermIntervalZScore(std::int32_t termIndex, std::int32_t interv
 
 std::vector<float> TextStream::IntervalBurstScores(std::int32_t intervalIndex,
                                                    std::int32_t measure) {
-  const std::int32_t terms = tdm_->TermCount();
+  const std::int32_t terms = tdm_ != nullptr ? tdm_->TermCount() : 0;
   std::vector<float> scores(static_cast<std::size_t>(terms) + 1, 0.0f);
   if (measure < kRatioBurst || measure > kZScoreBurst) return scores;
   for (std::int32_t t = 1; t <= terms; ++t) {
@@ -243,9 +244,9 @@ std::int32_t TextStream::IntervalSentimentMedian(std::int32_t intervalIndex,
 std::vector<std::array<float, 2>> TextStream::TermSentimentScores(std::int32_t intervalIndex,
                                                                   FieldIndex posSentIdx,
                                                                   FieldIndex negSentIdx) const {
-  const std::int32_t terms = tdm_->TermCount();
+  const std::int32_t terms = tdm_ != nullptr ? tdm_->TermCount() : 0;
   std::vector<std::array<float, 2>> scores(static_cast<std::size_t>(terms) + 1, {0.0f, 0.0f});
-  if (intervalIndex == 0) return scores;
+  if (intervalIndex == 0 || tdm_ == nullptr || corpus_ == nullptr) return scores;
   const std::size_t i = CheckedInterval(intervalIndex, "TermSentimentScores");
   std::vector<std::array<double, 2>> sums(scores.size(), {0.0, 0.0});
   std::vector<std::int32_t> counts(scores.size(), 0);

@@ -192,6 +192,29 @@ TEST(TextStreamFailures, AnUnboundStreamCannotBuild) {
   EXPECT_THROW(stream.BuildTermIntervalFrequencyModel(0, 1), RangeError);
 }
 
+TEST(TextStreamFailures, AnUnboundStreamAnswersNothing) {
+  // What a view may ask before any model is built.
+  TextStream s;
+  EXPECT_EQ(s.IntervalCount(), 0);
+  EXPECT_EQ(s.IntervalDocCount(0), 0);
+  EXPECT_THROW(s.IntervalDocCount(1), RangeError);
+  EXPECT_EQ(s.RatioBurstScore(1, 1), 0.0f);
+  EXPECT_EQ(s.TemporalRatioBurstScore(1, 1), 0.0f);
+  EXPECT_EQ(s.TermIntervalZScore(1, 1), 0.0f);
+  EXPECT_EQ(s.IntervalBurstScores(1, 0).size(), 1u);
+  EXPECT_EQ(s.IntervalNoveltyScore(2, 1), 1.0f);  // an empty NM: nothing alike
+  EXPECT_EQ(s.IntervalHomogScore(0, 1), 0.0f);
+  EXPECT_EQ(s.URLRatio(0), 0.0f);
+  EXPECT_EQ(s.IntervalFromDateTime("2013-09-02 00:00:00", "h"), std::nullopt);
+  EXPECT_EQ(s.IntervalDateTimeBounds(1, "h")[0], "");
+  EXPECT_EQ(s.TermSentimentScores(1, 0, 0).size(), 1u);
+  s.BuildIntervalSimilarityModel(10);
+  EXPECT_EQ(s.NM().ColCount(), 0);
+  s.BuildSentimentIntervalFrequencyModel(0, 0);
+  EXPECT_EQ(s.SIFM().ColCount(), 0);
+  EXPECT_EQ(s.TermIntervalSpans().first.size(), 1u);
+}
+
 TEST(TextStreamFailures, AccessorsRefuseIntervalsOutOfRange) {
   StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10}));
   ASSERT_TRUE(Build(c, 10));
