@@ -12,6 +12,12 @@
 namespace sylvora {
 namespace {
 
+// The whole number of a temporal cell, kept within the 32-bit range the elapsed-time column
+// uses, so that differences and bounds never overflow.
+std::int64_t TemporalNumber(std::string_view text) {
+  return std::clamp<std::int64_t>(LeadingWholeNumber(text), INT32_MIN, INT32_MAX);
+}
+
 std::string WithoutQuotes(std::string text) {
   std::erase(text, '"');
   return text;
@@ -31,7 +37,7 @@ std::size_t TextStream::CheckedInterval(std::int32_t intervalIndex, const char* 
 std::int64_t TextStream::TemporalValue(DocIndex row, FieldIndex field) const {
   // Text() rather than Cell(): a row or field that does not exist reads as its error text or
   // the whole document, as for any other cell reader.
-  return LeadingWholeNumber(corpus_->Text(row, field));
+  return TemporalNumber(corpus_->Text(row, field));
 }
 
 void TextStream::ResetIntervals(std::int32_t count) {
@@ -107,7 +113,7 @@ bool TextStream::BuildTermIntervalFrequencyModel(FieldIndex temporalFieldIndex,
   const bool fieldExists = temporalFieldIndex < corpus_->FieldCount();
   for (DocIndex d = 0; d < documents; ++d) {
     const std::int64_t value = fieldExists
-                                   ? LeadingWholeNumber(corpus_->Cell(d, temporalFieldIndex))
+                                   ? TemporalNumber(corpus_->Cell(d, temporalFieldIndex))
                                    : TemporalValue(d, temporalFieldIndex);
     // A gap in time closes as many (empty) intervals as it spans. A row past the last
     // interval (only in an unsorted corpus) stays in the last one.

@@ -14,7 +14,8 @@
 // IntervalCount(); entry 0 is never used.
 //
 // Interval arithmetic. The temporal field holds whole numbers of a time unit (the elapsed-time
-// column); each cell is read as its leading number rounded half to even. With b the value of
+// column); each cell is read as its leading number rounded half to even (and held within the
+// signed 32-bit range). With b the value of
 // row 0 and L the interval length, interval i covers the inclusive range (i-1)L+b .. iL+b-1,
 // and IntervalCount() = (last row's value - b) / L (truncating) + 1, so the last document
 // always falls in the last interval. The corpus must be sorted by that field, ascending; the
