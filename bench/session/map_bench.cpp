@@ -134,6 +134,11 @@ void BM_WordMap(benchmark::State& state) {
   }
   sylvora::MapOptions options;
   options.graphvizFolder = sylvora::DefaultGraphvizFolder();
+  // The DOT text and the layout stay in the temp folder, to time or inspect sfdp alone.
+  const auto folder = std::filesystem::temp_directory_path() /
+                      ("sylvora-bench-map-" + std::to_string(wanted));
+  std::filesystem::create_directories(folder);
+  options.layoutFolder = folder.string();
   const std::int64_t before = StatusBytes("VmRSS");
   ResetPeak();
   std::map<std::string, double> stageSeconds;

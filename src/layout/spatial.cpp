@@ -15,6 +15,9 @@ namespace sylvora {
 namespace {
 
 constexpr std::string_view kFailureTitle = "Graph layout failed";
+// The error text of a node reading stopped through the progress callback: not a failure to
+// report.
+constexpr std::string_view kCancelled = "Cancelled";
 
 // Splits on single spaces: two spaces in a row give an empty field between them.
 std::vector<std::string_view> SplitSpaces(std::string_view line) {
@@ -262,7 +265,7 @@ bool Spatial::LoadGVPlain(const std::string& iPath, std::int32_t firstNode,
       }
     }
     if (!reporter.Step()) {
-      error = "cancelled";
+      error = kCancelled;
       return false;
     }
   }
@@ -317,7 +320,7 @@ bool Spatial::GraphVisLayout_CLI(std::string_view gvPath, std::string_view algor
   if (lastShellCode_ != kShellEnded) return false;
 
   if (!LoadGVPlain(output, firstNode, nodeCount, error, progress)) {
-    if (error != "cancelled") fail();
+    if (error != kCancelled) fail();
     return false;
   }
   if (!SetGraphFromDot(dotStr, firstNode)) fail();

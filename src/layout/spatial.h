@@ -100,7 +100,8 @@ class Spatial {
 
   // Reads Graphviz plain output from `iPath` into the coordinates of `nodeCount` nodes (see
   // above). Returns false, with `error` saying why, when the file cannot be read, its first
-  // line is not "graph scale width height", or a node line has no numeric x and y.
+  // line is not "graph scale width height", a node line has no numeric x and y, or `progress`
+  // answered false (error "Cancelled").
   bool LoadGVPlain(const std::string& iPath, std::int32_t firstNode, std::int32_t nodeCount,
                    std::string& error, const ProgressCallback& progress = {});
 

@@ -211,6 +211,23 @@ TEST(RealSfdpTest, LaysOutASmallTree) {
   EXPECT_LT(d[0 * 6 + 1], d[0 * 6 + 4]);
 }
 
+TEST(RealSfdpTest, LaysOutADisconnectedGraph) {
+  if (!std::filesystem::exists("/usr/bin/sfdp")) GTEST_SKIP() << "Graphviz is not installed";
+  RecordingNotifier notifier;
+  Spatial spatial(notifier);
+  const std::string dot =
+      "graph G {\r\n\tnode [shape=plaintext,height=.0,width=.0];\r\n\tedge [weight=1.0];\r\n"
+      "\t1 -- 2 [len=0.50000];\r\n\t3 -- 4 [len=0.50000];\r\n}";
+  ASSERT_TRUE(spatial.GraphVisLayout_CLI("/usr/bin", "sfdp", dot, 4, 1));
+  EXPECT_TRUE(notifier.Messages().empty());
+  EXPECT_EQ(spatial.EdgeCount(), 2);
+  // Both parts are placed by Graphviz, none on the bottom edge.
+  const auto d = spatial.GetProximityMatrix();
+  EXPECT_GT(d[0 * 4 + 1], 0.0f);
+  EXPECT_GT(d[2 * 4 + 3], 0.0f);
+  for (int i = 0; i < 4; ++i) EXPECT_NE(spatial.Y(i), spatial.ScaleY() / 1000.0f) << i;
+}
+
 }  // namespace
 }  // namespace sylvora
 

@@ -370,6 +370,35 @@ TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
   EXPECT_TRUE(links.count({4, 5}));
 }
 
+TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
+  // Hours 0, 0, 1, 1, 7, 7 in intervals of two hours: intervals 2 and 3 are empty.
+  Session session;
+  std::vector<std::vector<std::string>> rows;
+  const int hours[] = {0, 0, 1, 1, 7, 7};
+  for (int i = 0; i < 6; ++i) rows.push_back({"", "u", "storm wind rain", std::to_string(hours[i])});
+  session.Documents().SetDocuments(rows, 7, 6);
+  session.Documents().SetContentField(2);
+  session.Documents().SetElapsedTimeField(3);
+  session.Documents().SetFieldExpressionPattern("001");
+  IndexOptions options;
+  options.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+  options.minDocFrequency = 1;
+  options.maxDocFrequency = 6;
+  ASSERT_TRUE(BuildIndexes(session, options).indexed);
+  TextStream model;
+  model.SetDocumentSet(session.Documents());
+  model.SetTermDocumentMatrix(session.WordIndex());
+  ASSERT_TRUE(model.BuildTermIntervalFrequencyModel(3, 2, notifier_));
+  ASSERT_EQ(model.IntervalCount(), 4);
+  ASSERT_EQ(model.IntervalDocCount(2), 0);
+  ClusterMap map;
+  const MapReport report =
+      BuildTweetMap(session.WordIndex(), model, 2, Options(kRealGraphviz), map, notifier_);
+  EXPECT_FALSE(report.built);
+  EXPECT_EQ(report.error, "Interval 2 has no tweets");
+  EXPECT_EQ(map.NodeCount(), 0);
+}
+
 TEST_F(SmallCorpusTest, TweetMapOfAMissingIntervalIsAnError) {
   ClusterMap map;
   for (const std::int32_t interval : {0, 5, -1}) {
