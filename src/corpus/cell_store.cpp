@@ -19,14 +19,15 @@ std::string_view CellStore::Adopt(std::string_view text) {
 std::string_view CellStore::Store(std::string_view text) {
   if (text.empty()) return {};
   if (text.size() > kBlockSize / 4) {  // a large text gets a block of its own
-    auto block = std::make_unique<char[]>(text.size());
+    auto block = std::make_unique_for_overwrite<char[]>(text.size());
     std::memcpy(block.get(), text.data(), text.size());
     largeBlocks_.push_back(std::move(block));
     arenaBytes_ += text.size();
     return {largeBlocks_.back().get(), text.size()};
   }
   if (blockUsed_ + text.size() > kBlockSize) {
-    blocks_.push_back(std::make_unique<char[]>(kBlockSize));
+    // Bytes are written before they are read: a new block is not zeroed first.
+    blocks_.push_back(std::make_unique_for_overwrite<char[]>(kBlockSize));
     blockUsed_ = 0;
     arenaBytes_ += kBlockSize;
   }
