@@ -195,7 +195,7 @@ class ProximityMatrix {
   //     counts as 1) and length = value^lenPwr (double, rounded to float) written "0.00000"
   //   "}"
   // `nodeLabels` is accepted and not written (nodes appear as numbers). Nodes without an edge
-  // do not appear. An empty matrix gives the header and "}".
+  // do not appear. An empty matrix gives the header and "}"; cancellation an empty text.
   std::string Matrix2Dot(float lenPwr, std::uint8_t firstNode, std::string_view nodeLabels,
                          float minEdgeLen, float maxEdgeLen,
                          const ProgressCallback& progress = {});

@@ -2,6 +2,7 @@
 // geodesic distances. Each works on the upper triangle (i < j) and writes both cells of a
 // pair, so every result is symmetric.
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -50,6 +51,12 @@ class NodeSets {
 };
 
 constexpr double kLargestFinite = std::numeric_limits<double>::max();
+
+// The links of a joined path. Only walks around negative distances can double their links at
+// every step; their counts stop at the largest 32-bit number.
+std::int32_t LinkSum(std::int64_t links) {
+  return static_cast<std::int32_t>(std::min<std::int64_t>(links, std::numeric_limits<std::int32_t>::max()));
+}
 
 }  // namespace
 
@@ -172,8 +179,8 @@ bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::i
     if (!allowed(pathLinks)) return false;
     values[i * stride + j] = p;
     values[j * stride + i] = p;
-    links[i * stride + j] = static_cast<std::int32_t>(pathLinks);
-    links[j * stride + i] = static_cast<std::int32_t>(pathLinks);
+    links[i * stride + j] = LinkSum(pathLinks);
+    links[j * stride + i] = LinkSum(pathLinks);
     return true;
   };
 
@@ -334,7 +341,7 @@ NetworkResult ProximityMatrix::Transform2Geodesic(const ProgressCallback& progre
           const auto p = static_cast<float>(sum);
           rowI[j] = p;
           values[j * stride + i] = p;
-          const std::int32_t pathLinks = linksIK + linksK[j];
+          const std::int32_t pathLinks = LinkSum(static_cast<std::int64_t>(linksIK) + linksK[j]);
           links[i * stride + j] = pathLinks;
           links[j * stride + i] = pathLinks;
         }

@@ -114,6 +114,8 @@ TEST(Transform2MST, DisconnectedGraphKeepsTheStartComponentAndSaysWhatIsMissing)
   EXPECT_NE(std::find(trace.begin(), trace.end(), "MST missing node 0"), trace.end());
   EXPECT_NE(std::find(trace.begin(), trace.end(), "MST missing node 1"), trace.end());
   EXPECT_NE(std::find(trace.begin(), trace.end(), "edgecount = 4"), trace.end());
+  EXPECT_TRUE(trace.back().starts_with("MST computed in ")) << trace.back();
+  EXPECT_TRUE(trace.back().ends_with(" secs")) << trace.back();
 
   // Starting at node 1 grows the other component.
   const NetworkResult fromOne = m.Transform2MST(1);

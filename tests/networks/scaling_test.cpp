@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -270,6 +271,18 @@ TEST(Transform2Geodesic, SimilaritiesAreConvertedInTheCopyOnly) {
   EXPECT_EQ(g->CurrentMatrixType(), 4);
   EXPECT_EQ(g->Value(0, 2), 0.75f);  // 0.25 + 0.5
   EXPECT_FALSE(ProximityMatrix().Transform2Geodesic());
+}
+
+TEST(Transform2Geodesic, WalksAroundNegativeDistancesStopCountingAtTheLargestCount) {
+  // Regression: every step through a negative distance doubles the walk, and its link count
+  // went past 32 bits after about 31 nodes.
+  constexpr std::int32_t n = 40;
+  std::vector<float> values(static_cast<std::size_t>(n * n), -0.5f);
+  const NetworkResult g = MakeMatrix(n, 3, values).Transform2Geodesic();
+  ASSERT_TRUE(g);
+  EXPECT_EQ(g->Value(0, 1), -549755813888.0f);
+  EXPECT_EQ(g->LinkCount(0, 1), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(g->Value(5, 5), 0.0f);
 }
 
 // ---- Agreement with the step-by-step loops ----
