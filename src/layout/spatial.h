@@ -28,7 +28,8 @@
 // the DOT text) goes on the bottom edge: x = i / NodeCount * ScaleX, y = ScaleY / 1000, for node
 // index i. "." is the decimal point.
 //
-// Owns its data; copies are deep. Not thread-safe; one object per map build. Nothing throws
+// Owns its data; copies are deep. Not thread-safe; one object per map build. Runs share the
+// files of their layout folder, so runs at the same time need folders of their own. Nothing throws
 // apart from std::bad_alloc. Memory: O(NodeCount + EdgeCount); GetProximityMatrix is
 // O(NodeCount^2).
 
