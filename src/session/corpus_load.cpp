@@ -117,7 +117,7 @@ ImportPreview PreviewCorpus(const LoadOptions& options, int rows) {
 }
 
 LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
-                      const ProgressCallback& progress) {
+                      const ProgressCallback& progress, const AfterLinksStep& afterLinks) {
   LoadReport report;
   DocumentSet& documents = session.Documents();
   CorpusInfo& info = session.Corpus();
@@ -200,8 +200,13 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
                              progress);
   if (*format == CorpusFormat::kTwitter) documents.SetURLField(LastField(documents));
   clock.Finish("links");
+  if (afterLinks) {
+    if (!afterLinks(session, report)) return fail("Loading cancelled");
+    clock.Finish("after links");
+  }
 
-  report.progressText += "Converting Dates to native format...\r\n";
+  // The date stage replaces whatever the step after the links showed.
+  report.progressText = "Converting Dates to native format...\r\n";
   if (cancelled("Converting dates")) return fail("Loading cancelled");
   if (*format == CorpusFormat::kTwitter && documents.Text(0, 0).ends_with("Z")) {
     documents.SetDateTimeField(0);

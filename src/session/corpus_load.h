@@ -14,6 +14,7 @@
 // cancel empties the set.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -39,6 +40,13 @@ struct LoadOptions {
   // For JSON and CSV files: skip bad records (counted in the report) instead of failing.
   bool skipBad = false;
 };
+
+struct LoadReport;
+
+// Runs once the links sit in their own column and before the dates are rewritten: the window
+// offers short-link expansion here. It may rewrite link cells and replace report.progressText;
+// false cancels the load (the set is emptied).
+using AfterLinksStep = std::function<bool(Session& session, LoadReport& report)>;
 
 struct LoadReport {
   bool loaded = false;
@@ -81,6 +89,6 @@ std::optional<CorpusShape> DetectCorpusShape(const std::string& path, bool radia
 ImportPreview PreviewCorpus(const LoadOptions& options, int rows = 20);
 
 LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
-                      const ProgressCallback& progress = {});
+                      const ProgressCallback& progress = {}, const AfterLinksStep& afterLinks = {});
 
 }  // namespace sylvora

@@ -224,5 +224,41 @@ TEST_F(CorpusLoad, CancelEmptiesTheSet) {
   EXPECT_EQ(session_.Documents().DocumentCount(), 0);
 }
 
+TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {
+  LoadOptions options;
+  options.path = dir_.WriteFile("h.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob",
+                                                   "short one", "http://ab.cd/x"));
+  options.minDocLen = 0;
+  std::string dateSeen, linkSeen;
+  const LoadReport report =
+      LoadCorpus(session_, options, notifier_, {}, [&](Session& session, LoadReport& partial) {
+        DocumentSet& documents = session.Documents();
+        dateSeen = documents.Text(0, 0);
+        linkSeen = documents.Text(0, documents.URLField());
+        documents.SetText(0, documents.URLField(), "http://long.example/landing");
+        partial.progressText = "replaced by the date stage";
+        return true;
+      });
+  ASSERT_TRUE(report.loaded) << report.error;
+  EXPECT_EQ(dateSeen, "Wed Aug 28 10:30:00 +0000 2013");
+  EXPECT_NE(linkSeen.find("http://ab.cd/x"), std::string::npos);
+  const DocumentSet& documents = session_.Documents();
+  EXPECT_EQ(documents.Text(0, documents.URLField()), "http://long.example/landing");
+  EXPECT_EQ(report.progressText,
+            "Converting Dates to native format...\r\nExtracting hashtags and mentions to new "
+            "fields...\r\nAll done :)");
+}
+
+TEST_F(CorpusLoad, StepAfterLinksCanCancel) {
+  LoadOptions options;
+  options.path = dir_.WriteFile("k.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "x"));
+  options.minDocLen = 0;
+  const LoadReport report =
+      LoadCorpus(session_, options, notifier_, {}, [](Session&, LoadReport&) { return false; });
+  EXPECT_FALSE(report.loaded);
+  EXPECT_EQ(report.error, "Loading cancelled");
+  EXPECT_EQ(session_.Documents().DocumentCount(), 0);
+}
+
 }  // namespace
 }  // namespace sylvora

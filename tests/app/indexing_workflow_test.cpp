@@ -1,0 +1,261 @@
+// "Create Tweet Indexes": status and log texts, tab captions, the term lists with their
+// sorting rule and link opening, bad options, a vanished stop list and cancelling.
+#include <QFile>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTest>
+
+#include "app/job_runner.h"
+#include "app/term_list_model.h"
+#include "window_fixture.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+using app::TermListModel;
+
+namespace {
+
+const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
+
+QStringList Strings(const QSignalSpy& spy) {
+  QStringList texts;
+  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
+  return texts;
+}
+
+void ClickHeader(QTableView* view, int column) {
+  QHeaderView* header = view->horizontalHeader();
+  const QPoint at(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+                  header->height() / 2);
+  QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
+}
+
+// True when the column's texts are in order (case-insensitive) from top to bottom.
+bool InOrder(const TermListModel& model, int column, Qt::SortOrder order) {
+  for (int row = 1; row < model.rowCount(); ++row) {
+    const int compared = model.CellText(row - 1, column).compare(model.CellText(row, column),
+                                                                 Qt::CaseInsensitive);
+    if (order == Qt::AscendingOrder ? compared > 0 : compared < 0) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+class IndexingWorkflowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void IndexingTheSampleReportsEveryStage() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    QSignalSpy statuses(&f.Page(), &app::LoadIndexPage::indexingStatusChanged);
+    QSignalSpy built(&f.Page(), &app::LoadIndexPage::indexesBuilt);
+    QVERIFY(f.Index());
+    QCOMPARE(built.size(), 1);
+    QVERIFY(built[0][0].toBool());
+    QCOMPARE(Strings(statuses),
+             (QStringList{QStringLiteral("Building word index..."), QStringLiteral("Building link index..."),
+                          QStringLiteral("Building hashtag index..."),
+                          QStringLiteral("Building mention index..."),
+                          QStringLiteral("Building user index..."), QStringLiteral("All done :-)")}));
+    QCOMPARE(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text(), QStringLiteral("All done :-)"));
+
+    const Session& session = f.Window().CurrentSession();
+    const QStringList log =
+        f.Find<QPlainTextEdit>(QStringLiteral("TDMLog"))->toPlainText().split(u'\n');
+    const QString seconds = QStringLiteral("[0-9.E+-]+");
+    const QString words = QString::number(session.WordIndex().TermCount());
+    const QStringList patterns = {
+        QStringLiteral("Assigning text for processing\\.\\.\\.\\[Completed in %1 s\\]").arg(seconds),
+        QStringLiteral("Pre-processing input text\\.\\.\\. \\[Completed in %1 s\\]").arg(seconds),
+        QStringLiteral("Building vocabulary\\.\\.\\.\\d+ index terms retained \\[Completed in %1 s\\]")
+            .arg(seconds),
+        QStringLiteral("Counting Term-Doc occurrences\\.\\.\\.Terms retained within DF bounds = %1 "
+                       "\\[Completed in %2 s")
+            .arg(words, seconds),
+        QStringLiteral("All done! \\[\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\]"),
+        QString()};
+    QCOMPARE(log.size(), patterns.size());
+    for (qsizetype i = 0; i < patterns.size(); ++i) {
+      const QRegularExpression pattern(QRegularExpression::anchoredPattern(patterns[i]));
+      QVERIFY2(pattern.match(log[i]).hasMatch(), qPrintable(log[i]));
+    }
+
+    const auto* tabs = f.Find<QTabWidget>(QStringLiteral("TermLists"));
+    const QString expected[] = {
+        QStringLiteral("Words (%1)").arg(session.WordIndex().TermCount()),
+        QStringLiteral("Tags (%1)").arg(session.HashtagIndex().TermCount()),
+        QStringLiteral("Links (%1)").arg(session.LinkIndex().TermCount()),
+        QStringLiteral("Mentions (%1)").arg(session.MentionIndex().TermCount()),
+        QStringLiteral("Users (%1)").arg(session.UserIndex().TermCount())};
+    for (int tab = 0; tab < 5; ++tab) QCOMPARE(tabs->tabText(tab), expected[tab]);
+    QVERIFY(session.WordIndex().TermCount() > 100);
+    QVERIFY(session.LinkIndex().TermCount() > 1);
+
+    // The word list holds every term with zero-padded counts; interval columns wait for the
+    // time line.
+    const TermListModel& list = f.Page().TermList(IndexKind::kWords);
+    QCOMPARE(list.rowCount(), session.WordIndex().TermCount());
+    QCOMPARE(list.columnCount(), 6);
+    for (int row : {0, 5, list.rowCount() - 1}) {
+      const std::int32_t term = row + 1;
+      QCOMPARE(list.CellText(row, 0), QString::fromStdString(session.WordIndex().Term(term)));
+      QCOMPARE(list.CellText(row, 1),
+               QStringLiteral("%1").arg(session.WordIndex().DocFreq(term), 5, 10, QLatin1Char('0')));
+      QCOMPARE(list.CellText(row, 2),
+               QStringLiteral("%1").arg(session.WordIndex().GlobalFreq(term), 5, 10, QLatin1Char('0')));
+      QCOMPARE(list.CellText(row, 3), QString());
+    }
+  }
+
+  void WordIndexUsesTheBoxes() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
+    df[0]->setText(QStringLiteral("50"));
+    QVERIFY(f.Index());
+    const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
+    for (std::int32_t t = 1; t <= words.TermCount(); ++t) {
+      QVERIFY(words.DocFreq(t) >= 50);
+      QVERIFY(words.DocFreq(t) <= 2500);
+    }
+    QVERIFY(words.IsStemmed());
+  }
+
+  void HeaderClicksFollowTheDirectionRule() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    QVERIFY(f.Index());
+    f.Window().show();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.Window()));
+    QTableView* view = f.Page().TermListView(IndexKind::kWords);
+    const TermListModel& model = f.Page().TermList(IndexKind::kWords);
+    QVERIFY(!model.Sorted());
+    struct Step {
+      int click;
+      int column;
+      Qt::SortOrder order;
+    };
+    // Another column keeps the direction; the same column reverses it.
+    const Step steps[] = {{1, 1, Qt::AscendingOrder}, {1, 1, Qt::DescendingOrder},
+                          {2, 2, Qt::DescendingOrder}, {0, 0, Qt::DescendingOrder},
+                          {0, 0, Qt::AscendingOrder},  {1, 1, Qt::AscendingOrder}};
+    for (const Step& step : steps) {
+      ClickHeader(view, step.click);
+      QCOMPARE(model.SortColumn(), step.column);
+      QCOMPARE(model.SortOrder(), step.order);
+      QVERIFY(InOrder(model, step.column, step.order));
+      QCOMPARE(view->horizontalHeader()->sortIndicatorSection(), step.column);
+    }
+  }
+
+  void FirstClickOnTheTermColumnReverses() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    QVERIFY(f.Index());
+    TermListModel& model = f.Page().TermList(IndexKind::kUsers);
+    model.HeaderClicked(0);  // the list starts keyed on its first column, ascending
+    QCOMPARE(model.SortOrder(), Qt::DescendingOrder);
+    QVERIFY(InOrder(model, 0, Qt::DescendingOrder));
+  }
+
+  void DoubleClickOnALinkOpensIt() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    QVERIFY(f.Index());
+    f.Window().show();
+    auto* tabs = f.Find<QTabWidget>(QStringLiteral("TermLists"));
+    tabs->setCurrentIndex(2);
+    QTableView* view = f.Page().TermListView(IndexKind::kLinks);
+    QVERIFY(QTest::qWaitForWindowExposed(&f.Window()));
+    emit view->doubleClicked(view->model()->index(1, 0));
+    const QString link = f.Page().TermList(IndexKind::kLinks).CellText(1, 0);
+    QVERIFY(link.startsWith(QStringLiteral("http://")));
+    QCOMPARE(f.platform.links, QStringList{link});
+    // A double-click on a word opens no link.
+    tabs->setCurrentIndex(0);
+    QTableView* words = f.Page().TermListView(IndexKind::kWords);
+    emit words->doubleClicked(words->model()->index(0, 0));
+    QCOMPARE(f.platform.links.size(), 1);
+  }
+
+  void BoxesThatHoldNoNumberSaySo_data() {
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<int>("arrayIndex");
+    QTest::addColumn<QString>("label");
+    QTest::newRow("Min DF") << QStringLiteral("DF") << 0 << QStringLiteral("Min DF");
+    QTest::newRow("Max DF") << QStringLiteral("DF") << 1 << QStringLiteral("Max DF (%)");
+    QTest::newRow("Min Chars") << QStringLiteral("MinChars") << 0 << QStringLiteral("Min Chars");
+    QTest::newRow("Max # Docs") << QStringLiteral("MaxDocCount") << 0 << QStringLiteral("Max # Docs");
+    QTest::newRow("SecDF") << QStringLiteral("SecDF") << 0
+                           << QStringLiteral("Min DF (Tags, Links, Users, Mentions)");
+  }
+
+  void BoxesThatHoldNoNumberSaySo() {
+    QFETCH(QString, box);
+    QFETCH(int, arrayIndex);
+    QFETCH(QString, label);
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    f.platform.boxes.clear();
+    f.Window().findChildren<QLineEdit*>(box)[arrayIndex]->setText(QStringLiteral("lots"));
+    QVERIFY(!f.Page().DoIndex_Click());
+    QVERIFY(!f.Window().Jobs().Busy());
+    QCOMPARE(f.platform.Texts(), QStringList{label + QStringLiteral(" must be a number, not \"lots\".")});
+    QVERIFY(!f.Window().CurrentSession().Indexed());
+  }
+
+  void VanishedStopListStopsWithAMessage() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    f.platform.boxes.clear();
+    QVERIFY(QFile::remove(f.ProgramFolder() + QStringLiteral("/common_words.txt")));
+    QVERIFY(f.Index());
+    QCOMPARE(f.platform.boxes.size(), 1);
+    QVERIFY2(f.platform.boxes[0].text.startsWith(QStringLiteral("The indexes could not be built: ")),
+             qPrintable(f.platform.boxes[0].text));
+    QVERIFY(f.platform.boxes[0].text.contains(QStringLiteral("common_words.txt")));
+    QVERIFY(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text().startsWith(
+        QStringLiteral("Indexing stopped: ")));
+    QVERIFY(!f.Window().CurrentSession().Indexed());
+  }
+
+  void CancelledIndexingKeepsThePreviousIndexes() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    QVERIFY(f.Index());
+    const auto* tabs = f.Find<QTabWidget>(QStringLiteral("TermLists"));
+    const QString caption = tabs->tabText(0);
+    const int terms = f.Window().CurrentSession().WordIndex().TermCount();
+    f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->setText(QStringLiteral("400"));
+    QVERIFY(f.Page().DoIndex_Click());
+    QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), 0);  // detached while it runs
+    f.Window().Jobs().Cancel();
+    QVERIFY(f.WaitIdle());
+    QCOMPARE(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text(),
+             QStringLiteral("Indexing cancelled: the previous indexes are kept."));
+    QCOMPARE(f.Window().CurrentSession().WordIndex().TermCount(), terms);
+    QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), terms);
+    QCOMPARE(tabs->tabText(0), caption);
+    QVERIFY(f.Page().isEnabled());
+  }
+
+  void ANewLoadEmptiesTheLists() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    QVERIFY(f.Index());
+    QVERIFY(f.Load(kTwitter11));
+    QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), 0);
+    QCOMPARE(f.Find<QTabWidget>(QStringLiteral("TermLists"))->tabText(0), QStringLiteral("Words"));
+    QVERIFY(!f.Window().CurrentSession().Indexed());
+  }
+};
+
+QTEST_MAIN(IndexingWorkflowTest)
+#include "indexing_workflow_test.moc"

@@ -1,0 +1,119 @@
+// The job runner: one job at a time, every stage delivered in order, cancel, and results on
+// the user-interface thread.
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <atomic>
+
+#include "app/job_runner.h"
+
+using sylvora::ProgressCallback;
+using sylvora::app::JobRunner;
+
+class JobRunnerTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void RunsOnAWorkerAndFinishesOnTheUiThread() {
+    JobRunner runner(nullptr, nullptr, nullptr);
+    QThread* worker = nullptr;
+    QThread* doneOn = nullptr;
+    bool wasCancelled = true;
+    QSignalSpy finished(&runner, &JobRunner::finished);
+    QVERIFY(runner.Start(
+        QStringLiteral("job"), [&](const ProgressCallback&) { worker = QThread::currentThread(); },
+        [&](bool cancelled) {
+          doneOn = QThread::currentThread();
+          wasCancelled = cancelled;
+        }));
+    QVERIFY(runner.Busy());
+    QVERIFY(finished.wait(10000));
+    QVERIFY(!runner.Busy());
+    QVERIFY(worker != nullptr && worker != QThread::currentThread());
+    QCOMPARE(doneOn, QThread::currentThread());
+    QVERIFY(!wasCancelled);
+  }
+
+  void OneJobAtATime() {
+    JobRunner runner(nullptr, nullptr, nullptr);
+    std::atomic<bool> release{false};
+    QVERIFY(runner.Start(QStringLiteral("first"), [&](const ProgressCallback&) {
+      while (!release) QThread::msleep(1);
+    }, {}));
+    int secondRan = 0;
+    QVERIFY(!runner.Start(QStringLiteral("second"), [&](const ProgressCallback&) { ++secondRan; }, {}));
+    release = true;
+    runner.WaitForIdle();
+    QCOMPARE(secondRan, 0);
+  }
+
+  void EveryStageArrivesInOrder() {
+    JobRunner runner(nullptr, nullptr, nullptr);
+    QStringList stages;
+    connect(&runner, &JobRunner::progressed, this, [&](const QString& stage, qint64, qint64) {
+      if (stages.isEmpty() || stages.last() != stage) stages.push_back(stage);
+    });
+    runner.Start(QStringLiteral("job"), [](const ProgressCallback& progress) {
+      for (const char* stage : {"a", "b", "c", "d"}) {
+        for (int i = 0; i < 10000; ++i) progress(stage, i, 10000);
+      }
+    }, {});
+    runner.WaitForIdle();
+    QCOMPARE(stages, (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"),
+                                  QStringLiteral("d")}));
+  }
+
+  void CancelReachesTheWork() {
+    QProgressBar bar;
+    QLabel stage;
+    QPushButton cancel;
+    JobRunner runner(&bar, &stage, &cancel);
+    std::atomic<int> steps{0};
+    bool doneCancelled = false;
+    runner.Start(QStringLiteral("Loading"), [&](const ProgressCallback& progress) {
+      while (progress("step", steps, 0)) {
+        ++steps;
+        QThread::msleep(1);
+      }
+    }, [&](bool cancelled) { doneCancelled = cancelled; });
+    QVERIFY(!bar.isHidden());
+    QVERIFY(!cancel.isHidden());
+    QTRY_VERIFY(steps > 3);
+    QTest::mouseClick(&cancel, Qt::LeftButton);
+    QVERIFY(runner.CancelRequested());
+    runner.WaitForIdle();
+    QVERIFY(doneCancelled);
+    QVERIFY(bar.isHidden());
+    QVERIFY(cancel.isHidden());
+  }
+
+  void PostRunsOnTheUiThread() {
+    JobRunner runner(nullptr, nullptr, nullptr);
+    QThread* ranOn = nullptr;
+    runner.Start(QStringLiteral("job"), [&](const ProgressCallback&) {
+      runner.Post([&] { ranOn = QThread::currentThread(); });
+    }, {});
+    runner.WaitForIdle();
+    QTRY_COMPARE(ranOn, QThread::currentThread());
+  }
+
+  void DestroyingARunningRunnerStopsTheJob() {
+    std::atomic<bool> stopped{false};
+    {
+      JobRunner runner(nullptr, nullptr, nullptr);
+      runner.Start(QStringLiteral("job"), [&](const ProgressCallback& progress) {
+        while (progress("spin", 0, 0)) QThread::msleep(1);
+        stopped = true;
+      }, {});
+      QTest::qWait(20);
+    }
+    QVERIFY(stopped);
+  }
+};
+
+QTEST_MAIN(JobRunnerTest)
+#include "job_runner_test.moc"

@@ -1,0 +1,304 @@
+// "Load Twitter File": format choice, captions, progress texts, the viewer and its field
+// list, the DF boxes, failures and cancelling.
+#include <QCheckBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "app/job_runner.h"
+#include "window_fixture.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+
+namespace {
+
+const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
+const QString kTwitter = DataFile(QStringLiteral("sample_twitter.txt"));
+
+QLineEdit* Box(WindowFixture& f, const char* name) {
+  return f.Find<QLineEdit>(QString::fromLatin1(name));
+}
+
+QStringList Strings(const QSignalSpy& spy) {
+  QStringList texts;
+  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
+  return texts;
+}
+
+// A corpus file of `lines` copies of the sample's first lines, renumbered.
+QString WriteRepeated(const QString& folder, const QString& source, int copies) {
+  QFile in(source);
+  in.open(QIODevice::ReadOnly);
+  const QByteArray bytes = in.readAll();
+  const QString path = folder + QStringLiteral("/big.txt");
+  QFile out(path);
+  out.open(QIODevice::WriteOnly);
+  for (int i = 0; i < copies; ++i) out.write(bytes);
+  return path;
+}
+
+}  // namespace
+
+class LoadWorkflowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void FormatFollowsTheColumnCountOfTheFirstLine_data() {
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<int>("format");
+    QTest::newRow("6 columns") << 6 << 7;
+    QTest::newRow("7 columns") << 7 << 7;
+    QTest::newRow("8 columns") << 8 << 8;
+    QTest::newRow("16 columns") << 16 << 8;
+  }
+
+  void FormatFollowsTheColumnCountOfTheFirstLine() {
+    QFETCH(int, columns);
+    QFETCH(int, format);
+    WindowFixture f;
+    QStringList cells;
+    for (int c = 0; c < columns; ++c) cells.push_back(QStringLiteral("cell%1").arg(c));
+    cells[0] = QStringLiteral("Thu Sep 19 23:38:47 +0000 2013");
+    cells[1] = QStringLiteral("ann");
+    cells[2] = QStringLiteral("A tweet long enough to pass the minimum length of the loader #tag @bob");
+    const QByteArray line = cells.join(u'\t').toUtf8() + "\n";
+    const QString path = f.Folder() + QStringLiteral("/corpus.txt");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(line + line);
+    file.close();
+    QVERIFY(f.Load(path));
+    QCOMPARE(static_cast<int>(f.Window().CurrentSession().Corpus().format), format);
+  }
+
+  void LoadingTheSampleSetsEveryText() {
+    WindowFixture f;
+    QSignalSpy captions(&f.Page(), &app::LoadIndexPage::captionChanged);
+    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
+    Box(f, "MaxDocCount")->setText(QStringLiteral("100"));  // reset to 0 before loading
+    QVERIFY(f.Load(kTwitter11));
+    QCOMPARE(loaded.size(), 1);
+    QVERIFY(loaded[0][0].toBool());
+    const DocumentSet& documents = f.Window().CurrentSession().Documents();
+    QCOMPARE(documents.DocumentCount(), 5000);
+    QCOMPARE(f.Window().CurrentSession().Corpus().format, CorpusFormat::kTwitter11);
+
+    const QString base = app::BaseCaption();
+    const QString first = QString::fromUtf8(documents.Cell(0, 0));
+    const QString last = QString::fromUtf8(documents.Cell(4999, 0));
+    QCOMPARE(first, QStringLiteral("02/09/13 00:13:19"));  // the earliest tweet of the sample
+    QCOMPARE(Strings(captions),
+             (QStringList{base + QStringLiteral(" [5000 tweets loaded]"),
+                          base + QStringLiteral(" [5000 tweets loaded ") + first +
+                              QStringLiteral(" to ") + last + QStringLiteral("]"),
+                          base + QStringLiteral(" [, 5000 tweets loaded]")}));
+    QCOMPARE(f.Window().windowTitle(), base + QStringLiteral(" [, 5000 tweets loaded]"));
+    QCOMPARE(f.Page().LoadProgressText(),
+             QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
+                            "to new fields...\r\nAll done :)"));
+
+    QCOMPARE(Box(f, "MaxDocCount")->text(), QStringLiteral("5000"));
+    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
+    QCOMPARE(df[0]->text(), QStringLiteral("7"));
+    QCOMPARE(df[1]->text(), QStringLiteral("2500"));
+    QCOMPARE(f.Find<QLabel>(QStringLiteral("DocCountLbl"))->text(), QStringLiteral("/5000"));
+    auto* scroll = f.Find<QScrollBar>(QStringLiteral("DocViewScroll"));
+    QCOMPARE(scroll->minimum(), 1);
+    QCOMPARE(scroll->maximum(), 5000);
+    QVERIFY(f.Find<QGroupBox>(QStringLiteral("TDM_Frame"))->isEnabled());
+    QVERIFY(f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
+    QVERIFY(!f.Find<QGroupBox>(QStringLiteral("DocView_Frame"))->isHidden());
+
+    auto* fields = f.Find<QListWidget>(QStringLiteral("FieldList"));
+    QCOMPARE(fields->count(), documents.FieldCount());
+    for (int row = 0; row < fields->count(); ++row) {
+      QCOMPARE(fields->item(row)->text(),
+               QString::fromStdString(documents.FieldName(static_cast<FieldIndex>(row))));
+      QCOMPARE(fields->item(row)->checkState() == Qt::Checked, row == documents.ContentField());
+    }
+    QVERIFY(documents.FieldExpressed(documents.ContentField()));
+  }
+
+  void BrowseNamesTheFileOfTheFinalCaption() {
+    WindowFixture f;
+    f.platform.chosenFiles.push_back(kTwitter11);
+    f.Page().GetCorpusFilePath_Click();
+    QCOMPARE(Box(f, "CorpusFilePath")->text(), kTwitter11);
+    f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
+    QVERIFY(f.Page().LoadCorpus_Click());
+    QVERIFY(f.WaitIdle());
+    QCOMPARE(f.Window().windowTitle(),
+             app::BaseCaption() + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]"));
+    // A cancelled dialog keeps the path.
+    f.Page().GetCorpusFilePath_Click();
+    QCOMPARE(Box(f, "CorpusFilePath")->text(), kTwitter11);
+    QCOMPARE(f.platform.dialogStartNames.last(), kTwitter11);
+  }
+
+  void SixColumnExportIsTwitterFormat() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter));
+    const Session& session = f.Window().CurrentSession();
+    QCOMPARE(session.Corpus().format, CorpusFormat::kTwitter);
+    QCOMPARE(QString::fromStdString(session.Documents().FieldName(session.Documents().URLField())),
+             QStringLiteral("Extracted Links"));
+    // No short-link offer outside the Twitter1.1 format; the export is newest first, so the
+    // sort by elapsed time gives its notice.
+    QCOMPARE(f.platform.Texts(),
+             QStringList{QStringLiteral("Documents need to be sorted. This might take a moment...")});
+  }
+
+  void ViewerShowsTheExpressedFieldsOfTheChosenDocument() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    const DocumentSet& documents = f.Window().CurrentSession().Documents();
+    auto* index = Box(f, "DocViewIndex");
+    auto* scroll = f.Find<QScrollBar>(QStringLiteral("DocViewScroll"));
+    const auto expected = [&](DocIndex doc) {
+      QString text;
+      for (int field = 0; field < documents.FieldCount(); ++field) {
+        if (!documents.FieldExpressed(static_cast<FieldIndex>(field))) continue;
+        text += QString::fromStdString(documents.FieldName(static_cast<FieldIndex>(field))) +
+                QStringLiteral(": ") +
+                QString::fromUtf8(documents.Cell(doc, static_cast<FieldIndex>(field))) +
+                QStringLiteral("\r\n");
+      }
+      return text;
+    };
+    QCOMPARE(index->text(), QStringLiteral("1"));
+    QCOMPARE(f.Page().DocViewText(), expected(0));
+    QVERIFY(f.Page().DocViewText().startsWith(QStringLiteral("Tweet: ")));
+
+    index->setText(QStringLiteral("37"));
+    QCOMPARE(scroll->value(), 37);
+    QCOMPARE(f.Page().DocViewText(), expected(36));
+
+    // Out of range or no number: the box goes back to the scroll bar's position.
+    for (const QString& bad : {QStringLiteral("0"), QStringLiteral("5001"), QStringLiteral("abc"),
+                               QStringLiteral("-3")}) {
+      index->setText(bad);
+      QCOMPARE(index->text(), QStringLiteral("37"));
+      QCOMPARE(f.Page().DocViewText(), expected(36));
+    }
+    index->setText(QStringLiteral("5000"));
+    QCOMPARE(f.Page().DocViewText(), expected(4999));
+
+    scroll->setValue(12);
+    QCOMPARE(index->text(), QStringLiteral("12"));
+    QCOMPARE(f.Page().DocViewText(), expected(11));
+  }
+
+  void FieldChecksChooseTheExpressedFields() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    f.Window().show();
+    DocumentSet& documents = f.Window().CurrentSession().Documents();
+    auto* fields = f.Find<QListWidget>(QStringLiteral("FieldList"));
+    auto* frame = f.Find<QGroupBox>(QStringLiteral("TDM_Frame"));
+    fields->item(1)->setCheckState(Qt::Checked);  // UserName
+    QVERIFY(documents.FieldExpressed(1));
+    QVERIFY(f.Page().DocViewText().startsWith(QStringLiteral("UserName: ") +
+                                              QString::fromUtf8(documents.Cell(0, 1)) +
+                                              QStringLiteral("\r\nTweet: ")));
+    fields->item(1)->setCheckState(Qt::Unchecked);
+    QVERIFY(!documents.FieldExpressed(1));
+    QVERIFY(frame->isVisible());
+    fields->item(documents.ContentField())->setCheckState(Qt::Unchecked);
+    QVERIFY(!documents.FieldExpressed(documents.ContentField()));
+    QVERIFY(!frame->isVisible());  // no field for the word index
+    fields->item(documents.ContentField())->setCheckState(Qt::Checked);
+    QVERIFY(frame->isVisible());
+  }
+
+  void ScrollBarCoversEveryDocument() {
+    WindowFixture f;
+    const QString big = WriteRepeated(f.Folder(), kTwitter11, 8);
+    QVERIFY(f.Load(big));
+    const DocIndex count = f.Window().CurrentSession().Documents().DocumentCount();
+    QCOMPARE(count, 40000);
+    QCOMPARE(f.Find<QScrollBar>(QStringLiteral("DocViewScroll"))->maximum(), 40000);
+    QCOMPARE(f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->text(), QStringLiteral("42"));
+  }
+
+  void MissingFileDoesNothing() {
+    WindowFixture f;
+    Box(f, "MaxDocCount")->setText(QStringLiteral("9"));
+    Box(f, "CorpusFilePath")->setText(f.Folder() + QStringLiteral("/missing.txt"));
+    QVERIFY(!f.Page().LoadCorpus_Click());
+    QVERIFY(!f.Window().Jobs().Busy());
+    QCOMPARE(Box(f, "MaxDocCount")->text(), QStringLiteral("9"));
+    QCOMPARE(f.platform.boxes.size(), 0);
+  }
+
+  void UnloadableFileSaysLoadError() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11, /*radian=*/true));  // too few columns for a Radian 6 export
+    QCOMPARE(f.platform.boxes.size(), 1);
+    QCOMPARE(f.platform.boxes[0].text, QStringLiteral("There was an error loading ") + kTwitter11);
+    QCOMPARE(f.platform.boxes[0].title, QStringLiteral("Load Error"));
+    QCOMPARE(f.platform.boxes[0].icon, MessageIcon::kCritical);
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
+    QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
+    QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
+  }
+
+  void UnreadableFileSaysLoadError() {
+    WindowFixture f;
+    const QString folder = f.Folder() + QStringLiteral("/a_folder");
+    QDir().mkpath(folder);
+    Box(f, "CorpusFilePath")->setText(folder);
+    QVERIFY(!f.Page().LoadCorpus_Click());  // a folder is no file: nothing happens
+    QCOMPARE(f.platform.boxes.size(), 0);
+  }
+
+  void MinCharsThatIsNoNumberSaysSo() {
+    WindowFixture f;
+    Box(f, "MinDocLen")->setText(QStringLiteral("sixty"));
+    Box(f, "CorpusFilePath")->setText(kTwitter11);
+    QVERIFY(!f.Page().LoadCorpus_Click());
+    QCOMPARE(f.platform.boxes.size(), 1);
+    QCOMPARE(f.platform.boxes[0].text,
+             QStringLiteral("Min Chars (Load Options) must be a number, not \"sixty\"."));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
+  }
+
+  void CancelledLoadLeavesAnEmptyUsableWindow() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    Box(f, "CorpusFilePath")->setText(kTwitter11);
+    QVERIFY(f.Page().LoadCorpus_Click());
+    f.Window().Jobs().Cancel();
+    QVERIFY(f.WaitIdle());
+    QCOMPARE(f.Page().LoadProgressText(), QStringLiteral("Loading cancelled: no corpus is loaded."));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
+    QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
+    QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
+    QVERIFY(f.Page().isEnabled());
+    // And the next load works.
+    QVERIFY(f.Load(kTwitter11));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5000);
+  }
+
+  void ControlsAreDisabledWhileLoading() {
+    WindowFixture f;
+    f.Window().show();
+    Box(f, "CorpusFilePath")->setText(kTwitter11);
+    f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
+    QVERIFY(f.Page().LoadCorpus_Click());
+    QVERIFY(!f.Find<QPushButton>(QStringLiteral("LoadCorpus"))->isEnabled());
+    QVERIFY(f.Find<QPushButton>(QStringLiteral("CancelJob"))->isVisible());
+    QVERIFY(!f.Page().LoadCorpus_Click());  // one job at a time
+    QVERIFY(f.WaitIdle());
+    QVERIFY(f.Find<QPushButton>(QStringLiteral("LoadCorpus"))->isEnabled());
+    QVERIFY(!f.Find<QPushButton>(QStringLiteral("CancelJob"))->isVisible());
+  }
+};
+
+QTEST_MAIN(LoadWorkflowTest)
+#include "load_workflow_test.moc"

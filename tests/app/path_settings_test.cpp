@@ -1,0 +1,140 @@
+// The settings file "paths": reading, saving and the defaults.
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include "app/path_settings.h"
+#include "support/temp_dir.h"
+
+using sylvora::app::DefaultGraphvizFolder;
+using sylvora::app::DefaultStopListPath;
+using sylvora::app::PathSettings;
+using sylvora::app::ReadPathSettings;
+using sylvora::app::SavePathSettings;
+using sylvora::app::SettingsFilePath;
+using sylvora::testing::ReadFile;
+using sylvora::testing::TempDir;
+
+namespace {
+
+QString Folder(const TempDir& dir) { return QString::fromStdString(dir.Path().string()); }
+
+QString Write(const TempDir& dir, const char* name, const QByteArray& bytes) {
+  return QString::fromStdString(dir.WriteFile(name, bytes.toStdString()));
+}
+
+}  // namespace
+
+class PathSettingsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void SettingsFileIsNamedPathsInItsFolder() {
+    QCOMPARE(SettingsFilePath(QStringLiteral("/home/u/.config/sylvora")),
+             QStringLiteral("/home/u/.config/sylvora/paths"));
+  }
+
+  void MissingFileGivesNothing() {
+    TempDir dir;
+    QVERIFY(!ReadPathSettings(Folder(dir) + QStringLiteral("/paths")).has_value());
+  }
+
+  void ReadsLines_data() {
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("stop");
+    QTest::addColumn<QString>("graphviz");
+    QTest::newRow("two CR LF lines") << QByteArray("/a/common_words.txt\r\n/usr/bin\r\n")
+                                     << QStringLiteral("/a/common_words.txt")
+                                     << QStringLiteral("/usr/bin");
+    QTest::newRow("LF only") << QByteArray("/a/s.txt\n/g\n") << QStringLiteral("/a/s.txt")
+                             << QStringLiteral("/g");
+    QTest::newRow("no final line end") << QByteArray("/a/s.txt\r\n/g") << QStringLiteral("/a/s.txt")
+                                       << QStringLiteral("/g");
+    QTest::newRow("empty file") << QByteArray() << QString() << QString();
+    QTest::newRow("one line") << QByteArray("/only/stop.txt\r\n") << QStringLiteral("/only/stop.txt")
+                              << QString();
+    QTest::newRow("binary") << QByteArray("\x00\x01\xff\xfe/x\r\n\x02\x03", 10)
+                            << QStringLiteral("\uFFFD\uFFFD/x") << QString();
+    QTest::newRow("spaces and UTF-8 kept")
+        << QByteArray("/home/Zoë/my lists/stop.txt\r\n/opt/graph viz/bin\r\n")
+        << QStringLiteral("/home/Zoë/my lists/stop.txt") << QStringLiteral("/opt/graph viz/bin");
+  }
+
+  void ReadsLines() {
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, stop);
+    QFETCH(QString, graphviz);
+    TempDir dir;
+    const auto paths = ReadPathSettings(Write(dir, "paths", bytes));
+    QVERIFY(paths.has_value());
+    QCOMPARE(paths->stopPath, stop);
+    QCOMPARE(paths->graphVisPath, graphviz);
+  }
+
+  void SavesExactlyTwoCrLfLines() {
+    TempDir dir;
+    const QString file = Folder(dir) + QStringLiteral("/sub/folder/paths");
+    QString error;
+    QVERIFY(SavePathSettings(file, {QStringLiteral("/s/common_words.txt"), QStringLiteral("/g/bin")},
+                             error));
+    QCOMPARE(QByteArray::fromStdString(ReadFile(file.toStdString())),
+             QByteArray("/s/common_words.txt\r\n/g/bin\r\n"));
+    // Saving again replaces the file; empty paths still give two lines.
+    QVERIFY(SavePathSettings(file, {QString(), QString()}, error));
+    QCOMPARE(QByteArray::fromStdString(ReadFile(file.toStdString())), QByteArray("\r\n\r\n"));
+  }
+
+  void SavedPathsReadBack() {
+    TempDir dir;
+    const QString file = Folder(dir) + QStringLiteral("/paths");
+    const PathSettings saved{QStringLiteral("/x y/stop words.txt"), QStringLiteral("/opt/gv")};
+    QString error;
+    QVERIFY(SavePathSettings(file, saved, error));
+    const auto read = ReadPathSettings(file);
+    QVERIFY(read.has_value());
+    QCOMPARE(read->stopPath, saved.stopPath);
+    QCOMPARE(read->graphVisPath, saved.graphVisPath);
+  }
+
+  void UnwritableFileSaysWhy() {
+    TempDir dir;
+    const QString folderInTheWay = Folder(dir) + QStringLiteral("/paths");
+    QVERIFY(QDir().mkpath(folderInTheWay));  // a folder where the file should go
+    QString error;
+    QVERIFY(!SavePathSettings(folderInTheWay, {}, error));
+    QVERIFY2(error.contains(folderInTheWay), qPrintable(error));
+  }
+
+  void DefaultStopListIsBesideTheProgram() {
+    QCOMPARE(DefaultStopListPath(QStringLiteral("/opt/sylvora/bin")),
+             QStringLiteral("/opt/sylvora/bin/common_words.txt"));
+  }
+
+  void DefaultGraphvizFolderIsWhereSfdpIs() {
+    TempDir dir;
+    const QString root = Folder(dir);
+    QDir().mkpath(root + QStringLiteral("/empty"));
+    QDir().mkpath(root + QStringLiteral("/gv/bin"));
+    QDir().mkpath(root + QStringLiteral("/other"));
+    QFile(root + QStringLiteral("/gv/bin/sfdp")).open(QIODevice::WriteOnly);
+    QFile(root + QStringLiteral("/other/sfdp")).open(QIODevice::WriteOnly);
+    const QString path = root + QStringLiteral("/empty:") + root + QStringLiteral("/gv/bin/:") + root +
+                         QStringLiteral("/other");
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), path), root + QStringLiteral("/gv/bin"));
+  }
+
+  void DefaultGraphvizFolderFallsBackOnProgramBin() {
+    TempDir dir;
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)), QStringLiteral("/prog/bin"));
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), QString()), QStringLiteral("/prog/bin"));
+  }
+
+  void AFolderNamedSfdpIsNoProgram() {
+    TempDir dir;
+    QDir().mkpath(Folder(dir) + QStringLiteral("/sfdp"));
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)), QStringLiteral("/prog/bin"));
+  }
+};
+
+QTEST_GUILESS_MAIN(PathSettingsTest)
+#include "path_settings_test.moc"

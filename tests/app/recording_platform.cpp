@@ -1,0 +1,34 @@
+#include "recording_platform.h"
+
+namespace sylvora::testing {
+
+void RecordingPlatform::ShowMessage(const QString& text, const QString& title, MessageIcon icon) {
+  boxes.push_back({text, title, icon, false});
+}
+
+Answer RecordingPlatform::Ask(const QString& text, const QString& title, QuestionButtons buttons,
+                              MessageIcon icon) {
+  boxes.push_back({text, title, icon, true});
+  if (!answers.empty()) {
+    const Answer answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  return buttons == QuestionButtons::kYesNo ? Answer::kNo : Answer::kCancel;
+}
+
+QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileName) {
+  dialogStartNames.push_back(fileName);
+  if (chosenFiles.empty()) return {};
+  QString chosen = chosenFiles.front();
+  chosenFiles.pop_front();
+  return chosen;
+}
+
+QStringList RecordingPlatform::Texts() const {
+  QStringList texts;
+  for (const RecordedBox& box : boxes) texts.push_back(box.text);
+  return texts;
+}
+
+}  // namespace sylvora::testing

@@ -1,0 +1,48 @@
+#pragma once
+// A platform that records every message box, question, opened link, clipboard change and
+// file dialog, and answers questions and dialogs from scripts.
+
+#include <deque>
+
+#include <QImage>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include "app/platform.h"
+
+namespace sylvora::testing {
+
+struct RecordedBox {
+  QString text;
+  QString title;
+  MessageIcon icon;
+  bool question;
+};
+
+class RecordingPlatform final : public app::Platform {
+ public:
+  void ShowMessage(const QString& text, const QString& title, MessageIcon icon) override;
+  Answer Ask(const QString& text, const QString& title, QuestionButtons buttons,
+             MessageIcon icon) override;
+  void OpenLink(const QString& link) override { links.push_back(link); }
+  void SetClipboardText(const QString& text) override { clipboardText = text; }
+  void SetClipboardImage(const QImage& image) override { clipboardImage = image; }
+  QString GetOpenFileName(const QString& caption, const QString& fileName) override;
+
+  // Answers for the next questions in order; then the negative button (No, Cancel).
+  std::deque<Answer> answers;
+  // Names the next file dialogs return in order; then "" (cancelled).
+  std::deque<QString> chosenFiles;
+
+  QVector<RecordedBox> boxes;
+  QStringList links;
+  QStringList dialogStartNames;
+  QString clipboardText;
+  QImage clipboardImage;
+
+  // The texts of the boxes recorded so far.
+  QStringList Texts() const;
+};
+
+}  // namespace sylvora::testing

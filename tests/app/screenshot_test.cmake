@@ -1,0 +1,21 @@
+# Runs the real program as the README does on a machine without a display: under xvfb-run,
+# loading and indexing the sample corpus, with --screenshot. Then checks the picture.
+file(REMOVE_RECURSE ${OUT_DIR})
+file(MAKE_DIRECTORY ${OUT_DIR})
+set(picture ${OUT_DIR}/main.png)
+execute_process(
+  COMMAND ${CMAKE_COMMAND} -E env XDG_CONFIG_HOME=${OUT_DIR}/config
+          ${XVFB_RUN} -a ${PROGRAM} ${CORPUS} --screenshot ${picture}
+  RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors TIMEOUT 240)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "sylvora --screenshot failed (${result}):\n${output}\n${errors}")
+endif()
+if(NOT output MATCHES "Screenshot saved to .*main.png")
+  message(FATAL_ERROR "sylvora did not say where the picture is:\n${output}")
+endif()
+execute_process(COMMAND ${CHECKER} ${picture} RESULT_VARIABLE checked OUTPUT_VARIABLE report
+                ERROR_VARIABLE report)
+if(NOT checked EQUAL 0)
+  message(FATAL_ERROR "the picture does not show the indexed word list:\n${report}")
+endif()
+message(STATUS "${output}${report}")

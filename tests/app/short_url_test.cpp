@@ -1,0 +1,349 @@
+// Short-link expansion: the host rule, the reply parsing, requests against a stub service on
+// 127.0.0.1 (long link, no long link, 404, too slow, refused), the resolution of a corpus with
+// its "_" file, and the offer inside the load workflow.
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUrlQuery>
+
+#include "app/job_runner.h"
+#include "app/misc_functions.h"
+#include "app/short_url_expander.h"
+#include "app/short_url_resolution.h"
+#include "session/corpus_load.h"
+#include "stub_http_server.h"
+#include "support/recording_notifier.h"
+#include "window_fixture.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+using app::ExpandedURL;
+using app::ShortUrlExpander;
+
+namespace {
+
+// The link asked for in a request target.
+QString AskedLink(const QString& target) {
+  const qsizetype at = target.indexOf(QStringLiteral("url="));
+  if (at < 0) return {};
+  QString link = target.mid(at + 4);
+  const qsizetype amp = link.indexOf(u'&');
+  return amp < 0 ? link : link.left(amp);
+}
+
+// A stub service: ab.cd/x expands, t.co/404 is unknown, everything else has no long link.
+StubReply Service(const QString& target) {
+  const QString link = AskedLink(target);
+  if (link == QStringLiteral("http://ab.cd/x")) {
+    return {200, ExpandReplyXml("http://www.example-news.org/storm/marisol-landfall.html", "Landfall"), 0,
+            false};
+  }
+  if (link == QStringLiteral("http://t.co/404")) return {404, "not here", 0, false};
+  return {200, "<response><error>unknown</error></response>", 0, false};
+}
+
+// A Twitter1.1 line: date, user, text, 9 more columns, link column 12, sentiment 13..15.
+QByteArray Line(const char* user, const char* text, const char* link) {
+  QList<QByteArray> cells(16);
+  cells[0] = "Mon Sep 02 10:00:00 +0000 2013";
+  cells[1] = user;
+  cells[2] = text;
+  cells[12] = link;
+  cells[13] = "1";
+  cells[14] = "-1";
+  cells[15] = "0";
+  return cells.join('\t') + "\n";
+}
+
+QString WriteCorpus(const QString& folder) {
+  const QString path = folder + QStringLiteral("/links.txt");
+  QFile file(path);
+  file.open(QIODevice::WriteOnly);
+  file.write(Line("ann", "Storm surge expected along the harbour this evening, stay safe", "http://ab.cd/x"));
+  file.write(Line("bob", "Read the full story about the storm and the harbour tonight", "http://www.abcdefgh.ij/x"));
+  file.write(Line("cy", "Second link to the same short story about the harbour storm", "http://ab.cd/x"));
+  file.write(Line("dee", "A link the service has never seen in the storm coverage today", "http://t.co/404"));
+  file.write(Line("eve", "And one more that gives no long link at all for the harbour", "http://ef.gh/q"));
+  return path;
+}
+
+// The corpus's tweets share one time: the sort by elapsed time still gives its notice.
+void DropSortNotices(RecordingPlatform& platform) {
+  platform.boxes.removeIf([](const RecordedBox& box) {
+    return box.text == QStringLiteral("Documents need to be sorted. This might take a moment...");
+  });
+}
+
+}  // namespace
+
+class ShortUrlTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void Domain_data() {
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<bool>("strip");
+    QTest::addColumn<QString>("host");
+    QTest::newRow("www and path") << QStringLiteral("http://www.ab.cd/xyz") << true << QStringLiteral("ab.cd");
+    QTest::newRow("first label stripped") << QStringLiteral("http://news.abcdefgh.ij/x") << true
+                                          << QStringLiteral("abcdefgh.ij");
+    QTest::newRow("first label kept") << QStringLiteral("http://news.abcdefgh.ij/x") << false
+                                      << QStringLiteral("news.abcdefgh.ij");
+    QTest::newRow("short link") << QStringLiteral("http://ab.cd/x") << true << QStringLiteral("ab.cd");
+    QTest::newRow("no slash") << QStringLiteral("http://t.co") << true << QStringLiteral("t.co");
+    QTest::newRow("https stays") << QStringLiteral("https://t.co/x") << true << QStringLiteral("https:");
+    QTest::newRow("every www removed") << QStringLiteral("www.a.www.b/c") << false << QStringLiteral("a.b");
+    QTest::newRow("empty") << QString() << true << QString();
+  }
+
+  void Domain() {
+    QFETCH(QString, url);
+    QFETCH(bool, strip);
+    QFETCH(QString, host);
+    QCOMPARE(QString::fromStdString(app::GetURLDomain(url.toStdString(), strip)), host);
+  }
+
+  void ParsesReplies() {
+    const auto full = app::ParseExpandReply(
+        "<r><long-url><![CDATA[http://long.example/a]]></long-url><title><![CDATA[A title]]></title>"
+        "<meta-keywords><![CDATA[storm, harbour]]></meta-keywords></r>");
+    QVERIFY(full.has_value());
+    QCOMPARE(full->longURL, std::string("http://long.example/a"));
+    QCOMPARE(full->title, std::string("A title"));
+    QCOMPARE(full->keywords, std::string("storm, harbour"));
+    const auto bare = app::ParseExpandReply("<long-url><![CDATA[http://l.example/b]]></long-url>");
+    QVERIFY(bare.has_value());
+    QCOMPARE(bare->title, std::string());
+    QCOMPARE(bare->keywords, std::string());
+    QVERIFY(!app::ParseExpandReply("<r><title><![CDATA[x]]></title></r>").has_value());
+    // The value runs to the first "]", wherever the marker is.
+    QCOMPARE(app::ParseExpandReply("<long-url>123456789abc]def")->longURL, std::string("abc"));
+  }
+
+  void RequestAddressKeepsTheLinkAsItStands() {
+    const ShortUrlExpander expander(QStringLiteral("http://svc.example/"));
+    QCOMPARE(expander.RequestAddress("http://ab.cd/x?a=1", false, false),
+             QStringLiteral("http://svc.example/v2/expand?url=http://ab.cd/x?a=1"));
+    QCOMPARE(expander.RequestAddress("http://ab.cd/x", true, true),
+             QStringLiteral("http://svc.example/v2/expand?url=http://ab.cd/x&title=1&meta-keywords=1"));
+  }
+
+  void ExpandsAgainstTheStub_data() {
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("longLink");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("200 with a long link") << QStringLiteral("http://ab.cd/x")
+                                          << QStringLiteral("http://www.example-news.org/storm/marisol-landfall.html")
+                                          << QStringLiteral("Landfall");
+    QTest::newRow("200 without a long link") << QStringLiteral("http://ef.gh/q") << QStringLiteral("http://ef.gh/q")
+                                             << QStringLiteral("<no title>");
+    QTest::newRow("404") << QStringLiteral("http://t.co/404") << QStringLiteral("http://t.co/404")
+                         << QStringLiteral("<no title>");
+  }
+
+  void ExpandsAgainstTheStub() {
+    QFETCH(QString, link);
+    QFETCH(QString, longLink);
+    QFETCH(QString, title);
+    StubHttpServer server;
+    server.handler = Service;
+    QVERIFY(server.Listen());
+    ShortUrlExpander expander(server.BaseAddress());
+    const ExpandedURL result = expander.ExpandShortURL(link.toStdString(), true, false);
+    QCOMPARE(QString::fromStdString(result.longURL), longLink);
+    QCOMPARE(QString::fromStdString(result.title), title);
+    QCOMPARE(server.requests, QStringList{QStringLiteral("/v2/expand?url=") + link + QStringLiteral("&title=1")});
+  }
+
+  void SlowReplyIsGivenUpAfterFiveSeconds() {
+    StubHttpServer server;
+    server.handler = [](const QString&) { return StubReply{200, ExpandReplyXml("http://late.example/x"), 7000, false}; };
+    QVERIFY(server.Listen());
+    ShortUrlExpander expander(server.BaseAddress());
+    QElapsedTimer timer;
+    timer.start();
+    const ExpandedURL result = expander.ExpandShortURL("http://ab.cd/slow", false, false);
+    const qint64 elapsed = timer.elapsed();
+    QCOMPARE(result.longURL, std::string("http://ab.cd/slow"));
+    QCOMPARE(result.title, std::string("<no title>"));
+    QCOMPARE(result.keywords, std::string("<no keys>"));
+    QVERIFY2(elapsed >= 4900 && elapsed < 6500, qPrintable(QString::number(elapsed)));
+  }
+
+  void RefusedConnectionKeepsTheLink() {
+    ShortUrlExpander expander(StubHttpServer::RefusingAddress());
+    QElapsedTimer timer;
+    timer.start();
+    const ExpandedURL result = expander.ExpandShortURL("http://ab.cd/x", false, false);
+    QCOMPARE(result.longURL, std::string("http://ab.cd/x"));
+    QVERIFY(timer.elapsed() < 4000);
+  }
+
+  void StopRequestEndsTheWaitEarly() {
+    StubHttpServer server;
+    server.handler = [](const QString&) { return StubReply{200, {}, 0, true}; };
+    QVERIFY(server.Listen());
+    ShortUrlExpander expander(server.BaseAddress());
+    QElapsedTimer timer;
+    timer.start();
+    const ExpandedURL result =
+        expander.ExpandShortURL("http://ab.cd/x", false, false, [&] { return timer.elapsed() > 300; });
+    QCOMPARE(result.longURL, std::string("http://ab.cd/x"));
+    QVERIFY(timer.elapsed() < 2000);
+  }
+
+  void ResolvesACorpusAndSavesIt() {
+    StubHttpServer server;
+    server.handler = Service;
+    QVERIFY(server.Listen());
+    TempDir dir;
+    const QString path = WriteCorpus(QString::fromStdString(dir.Path().string()));
+    Session session;
+    RecordingNotifier notifier;
+    LoadOptions options;
+    options.path = path.toStdString();
+    options.minDocLen = 10;
+    std::string corpusPath = options.path;
+    ShortUrlExpander expander(server.BaseAddress());
+    app::ShortURLReport report;
+    QStringList texts;
+    const LoadReport load = LoadCorpus(session, options, notifier, {}, [&](Session& s, LoadReport&) {
+      report = app::ResolveShortURLs(
+          s, corpusPath,
+          [&](std::string_view link) { return expander.ExpandShortURL(link, false, false); },
+          [&](const std::string& text) { texts.push_back(QString::fromStdString(text)); });
+      return true;
+    });
+    QVERIFY2(load.loaded, load.error.c_str());
+    QCOMPARE(report.links, 4);
+    QCOMPARE(report.attempts, 3);  // ab.cd, t.co and ef.gh; abcdefgh.ij is long
+    QCOMPARE(report.successes, 1);
+    QVERIFY(report.saved);
+    QCOMPARE(report.progressText,
+             QStringLiteral("Attempting to resolve Short URLs:\r\nProcessed 4 out of 4 URLs\r\n"
+                            "Attempted resolutions: 3\r\nSuccessful resolutions: 1Saving updated "
+                            "corpus to %1_\r\n").arg(path).toStdString());
+    QCOMPARE(texts.last(), QString::fromStdString(report.progressText));
+    QCOMPARE(server.requests.size(), 3);
+
+    const DocumentSet& documents = session.Documents();
+    const FieldIndex url = documents.URLField();
+    int replaced = 0;
+    for (DocIndex d = 0; d < documents.DocumentCount(); ++d) {
+      const std::string cell(documents.Cell(d, url));
+      QVERIFY(cell.find("http://ab.cd/x") == std::string::npos);
+      if (cell.find("marisol-landfall") != std::string::npos) ++replaced;
+    }
+    QCOMPARE(replaced, 2);
+    QFile saved(path + QStringLiteral("_"));
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    const QByteArray bytes = saved.readAll();
+    QCOMPARE(bytes.count("http://www.example-news.org/storm/marisol-landfall.html"), 2);
+    QVERIFY(bytes.contains("http://t.co/404"));
+  }
+
+  void OfferInsideTheLoadRunsTheResolution() {
+    StubHttpServer server;
+    server.handler = Service;
+    QVERIFY(server.Listen());
+    WindowOptions options;
+    options.shortUrlService = server.BaseAddress();
+    WindowFixture f(options);
+    const QString path = WriteCorpus(f.Folder());
+    f.Find<QLineEdit>(QStringLiteral("MinDocLen"))->setText(QStringLiteral("10"));
+    f.platform.answers.push_back(Answer::kYes);
+    QSignalSpy progress(&f.Page(), &app::LoadIndexPage::loadProgressChanged);
+    QVERIFY(f.Load(path));
+    DropSortNotices(f.platform);
+    QCOMPARE(f.platform.boxes.size(), 1);
+    const RecordedBox& offer = f.platform.boxes[0];
+    QVERIFY(offer.question);
+    QCOMPARE(offer.title, QStringLiteral("Expanding Short URLs"));
+    QCOMPARE(offer.text,
+             QStringLiteral("Sylvora can attempt to resolve Short URLs. This may take several minutes "
+                            "depending on the size of the file. \r\nThe resolved URLs will be saved to "
+                            "a new file named ") + path +
+                 QStringLiteral("_ .\r\nUsing this file in future sessions will result in faster load times."));
+    QVERIFY(QFile::exists(path + QStringLiteral("_")));
+    QStringList texts;
+    for (const auto& arguments : progress) texts.push_back(arguments.at(0).toString());
+    QVERIFY(texts.contains(QStringLiteral("Attempting to resolve Short URLs:\r\nProcessed 4 out of 4 URLs\r\n"
+                                          "Attempted resolutions: 3\r\nSuccessful resolutions: 1")));
+    QCOMPARE(f.Page().LoadProgressText(),
+             QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
+                            "to new fields...\r\nAll done :)"));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5);
+
+    // The saved file loads without a new offer.
+    f.platform.boxes.clear();
+    QVERIFY(f.Load(path + QStringLiteral("_")));
+    DropSortNotices(f.platform);
+    QCOMPARE(f.platform.boxes.size(), 0);
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5);
+  }
+
+  void NoAnswerNoRequests() {
+    StubHttpServer server;
+    server.handler = Service;
+    QVERIFY(server.Listen());
+    WindowOptions options;
+    options.shortUrlService = server.BaseAddress();
+    WindowFixture f(options);
+    const QString path = WriteCorpus(f.Folder());
+    f.Find<QLineEdit>(QStringLiteral("MinDocLen"))->setText(QStringLiteral("10"));
+    f.platform.answers.push_back(Answer::kNo);
+    QVERIFY(f.Load(path));
+    QCOMPARE(server.requests.size(), 0);
+    QVERIFY(!QFile::exists(path + QStringLiteral("_")));
+  }
+
+  void UnwritableSaveSaysSoAndKeepsTheCorpus() {
+    StubHttpServer server;
+    server.handler = Service;
+    QVERIFY(server.Listen());
+    WindowOptions options;
+    options.shortUrlService = server.BaseAddress();
+    WindowFixture f(options);
+    const QString path = WriteCorpus(f.Folder());
+    QVERIFY(QDir().mkpath(path + QStringLiteral("_")));  // a folder where the file should go
+    f.Find<QLineEdit>(QStringLiteral("MinDocLen"))->setText(QStringLiteral("10"));
+    f.platform.answers.push_back(Answer::kYes);
+    QVERIFY(f.Load(path));
+    DropSortNotices(f.platform);
+    QCOMPARE(f.platform.boxes.size(), 2);
+    QVERIFY2(f.platform.boxes[1].text.startsWith(
+                 QStringLiteral("The corpus with its expanded links could not be saved: ")),
+             qPrintable(f.platform.boxes[1].text));
+    QVERIFY(f.platform.boxes[1].text.endsWith(QStringLiteral("The loaded corpus is kept.")));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5);
+  }
+
+  void CancelDuringExpansionEmptiesTheSet() {
+    StubHttpServer server;
+    server.handler = [](const QString&) { return StubReply{200, {}, 0, true}; };  // never answers
+    QVERIFY(server.Listen());
+    WindowOptions options;
+    options.shortUrlService = server.BaseAddress();
+    WindowFixture f(options);
+    const QString path = WriteCorpus(f.Folder());
+    f.Find<QLineEdit>(QStringLiteral("MinDocLen"))->setText(QStringLiteral("10"));
+    f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
+    f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->setText(path);
+    f.platform.answers.push_back(Answer::kYes);
+    QVERIFY(f.Page().LoadCorpus_Click());
+    QTRY_VERIFY_WITH_TIMEOUT(!server.requests.isEmpty(), 10000);
+    QElapsedTimer timer;
+    timer.start();
+    f.Window().Jobs().Cancel();
+    QVERIFY(f.WaitIdle());
+    QVERIFY(timer.elapsed() < 2000);
+    QCOMPARE(f.Page().LoadProgressText(), QStringLiteral("Loading cancelled: no corpus is loaded."));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
+    QVERIFY(!QFile::exists(path + QStringLiteral("_")));
+  }
+};
+
+QTEST_MAIN(ShortUrlTest)
+#include "short_url_test.moc"
