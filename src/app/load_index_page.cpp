@@ -23,6 +23,7 @@
 #include "app/job_runner.h"
 #include "app/platform.h"
 #include "app/term_list_model.h"
+#include "views/table_lens.h"
 #include "common/leading_number.h"
 
 namespace sylvora::app {
@@ -272,7 +273,8 @@ QWidget* LoadIndexPage::BuildIndexColumn() {
     connect(view, &QTableView::doubleClicked, this,
             [this, kind](const QModelIndex& index) { OnTermListDoubleClicked(kind, index.row()); });
   }
-  layout->addWidget(termLists_, 1);
+  layout->addWidget(termLists_, 3);
+  layout->addWidget(BuildWordIndexViewer(), 2);
   return column;
 }
 
@@ -390,6 +392,7 @@ void LoadIndexPage::SetIndexingStatus(const QString& status) {
 void LoadIndexPage::BeginJob() {
   // The job owns the session until it ends: nothing on the page may read it meanwhile.
   DetachTermLists();
+  DropWordIndexViewer();
   setEnabled(false);
 }
 

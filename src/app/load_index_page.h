@@ -34,6 +34,7 @@ class QTableView;
 
 namespace sylvora {
 class Notifier;
+class TableLens;
 struct LoadReport;
 struct IndexReport;
 }  // namespace sylvora
@@ -95,6 +96,8 @@ class LoadIndexPage final : public QWidget {
   // ---- For the window, the later tabs and tests ----
   TermListModel& TermList(IndexKind kind);
   QTableView* TermListView(IndexKind kind);
+  // The word index viewer ("TDMView"); null until the word index is built and while a job runs.
+  TableLens* WordIndexViewer() { return tdmView_.get(); }
   // The document viewer's text as the viewer builds it (CR LF lines).
   const QString& DocViewText() const { return docViewText_; }
   // The progress label's text with its CR LF line breaks.
@@ -118,6 +121,12 @@ class LoadIndexPage final : public QWidget {
   QWidget* BuildLoadColumn();
   QWidget* BuildViewerColumn();
   QWidget* BuildIndexColumn();
+  QGroupBox* BuildWordIndexViewer();
+  // Drops the word index viewer (before a job replaces the index it shows).
+  void DropWordIndexViewer();
+  // A new table lens over the word index: cell style 4, row i named by term i.
+  void ShowWordIndexViewer();
+  void TDMViewCols_Change(int columns);
   QGroupBox* BuildExpertPanel();
   QGroupBox* BuildWordIndexOptions();
 
@@ -191,6 +200,7 @@ class LoadIndexPage final : public QWidget {
   QScrollBar* tdmViewHScroller_ = nullptr;
   QScrollBar* tdmViewVScroller_ = nullptr;
   QSlider* tdmViewCols_ = nullptr;
+  std::unique_ptr<TableLens> tdmView_;
 };
 
 }  // namespace sylvora::app

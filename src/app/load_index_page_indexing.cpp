@@ -93,6 +93,7 @@ bool LoadIndexPage::DoIndex_Click() {
 void LoadIndexPage::FinishIndexing(bool cancelled, const IndexReport& report) {
   EndJob();
   AttachTermLists();
+  if (services_.session.Indexed()) ShowWordIndexViewer();
   if (report.indexed) {
     QString log = QString::fromStdString(report.log);
     tdmLog_->setPlainText(log.replace(u"\r\n"_s, u"\n"_s));

@@ -24,6 +24,7 @@ StartupEnvironment StartupEnvironment::FromProcess(const QString& commandLine) {
   StartupEnvironment environment;
   environment.configFolder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
   environment.programFolder = QCoreApplication::applicationDirPath();
+  environment.dataFolder = QStringLiteral(SYLVORA_DATA_DIR);
   environment.searchPath = qEnvironmentVariable("PATH");
   environment.commandLine = commandLine;
   return environment;
@@ -82,7 +83,7 @@ void Main::ReadSettings() {
   if (const auto saved = ReadPathSettings(settingsFile_)) {
     paths = *saved;
   } else {
-    paths.stopPath = DefaultStopListPath(environment_.programFolder);
+    paths.stopPath = DefaultStopListPath(environment_.programFolder, environment_.dataFolder);
     paths.graphVisPath = DefaultGraphvizFolder(environment_.programFolder, environment_.searchPath);
   }
   loadIndexPage_->SetPaths(paths);

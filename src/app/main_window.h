@@ -33,6 +33,7 @@ class UiNotifier;
 struct StartupEnvironment {
   QString configFolder;   // holds "paths" and "sylvora.ini"
   QString programFolder;  // the folder of the executable
+  QString dataFolder;     // where the shipped stop list is when it is not beside the program
   QString searchPath;     // the PATH variable
   QString commandLine;    // the corpus named on the command line, or empty
 

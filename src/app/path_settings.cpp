@@ -50,8 +50,13 @@ bool SavePathSettings(const QString& filePath, const PathSettings& paths, QStrin
   return true;
 }
 
-QString DefaultStopListPath(const QString& programFolder) {
-  return programFolder + QStringLiteral("/common_words.txt");
+QString DefaultStopListPath(const QString& programFolder, const QString& dataFolder) {
+  const QString name = QStringLiteral("/common_words.txt");
+  if (!FileExists(programFolder + name) && !dataFolder.isEmpty() &&
+      FileExists(dataFolder + name)) {
+    return dataFolder + name;
+  }
+  return programFolder + name;
 }
 
 QString DefaultGraphvizFolder(const QString& programFolder, const QString& searchPath) {

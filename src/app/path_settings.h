@@ -38,10 +38,12 @@ std::optional<PathSettings> ReadPathSettings(const QString& filePath);
 // `error` naming the file and the reason, when it cannot be written.
 bool SavePathSettings(const QString& filePath, const PathSettings& paths, QString& error);
 
-// The defaults when there is no settings file: the stop list shipped beside the program, and
-// the folder of the first "sfdp" on `searchPath` (the PATH variable, ":"-separated), else
-// the program's folder + "/bin".
-QString DefaultStopListPath(const QString& programFolder);
+// The defaults when there is no settings file: the stop list shipped beside the program (when
+// there is none, the one in `dataFolder`, where a program in a build folder finds it; when
+// neither exists, the path beside the program, which then warns), and the folder of the first
+// "sfdp" on `searchPath` (the PATH variable, ":"-separated), else the program's folder +
+// "/bin".
+QString DefaultStopListPath(const QString& programFolder, const QString& dataFolder = {});
 QString DefaultGraphvizFolder(const QString& programFolder, const QString& searchPath);
 
 // The file test of the window: an existing entry that is not a folder.

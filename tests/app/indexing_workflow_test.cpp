@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QRegularExpression>
+#include <QSlider>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableView>
@@ -12,6 +13,7 @@
 
 #include "app/job_runner.h"
 #include "app/term_list_model.h"
+#include "views/table_lens.h"
 #include "window_fixture.h"
 
 using namespace sylvora;
@@ -112,6 +114,46 @@ class IndexingWorkflowTest : public QObject {
                QStringLiteral("%1").arg(session.WordIndex().GlobalFreq(term), 5, 10, QLatin1Char('0')));
       QCOMPARE(list.CellText(row, 3), QString());
     }
+  }
+
+  void WordIndexViewerShowsTheWordIndexAsVerticalBars() {
+    WindowFixture f;
+    f.Window().show();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.Window()));
+    QVERIFY(f.Load(kTwitter11));
+    QVERIFY(f.Page().WordIndexViewer() == nullptr);
+    QVERIFY(f.Index());
+    TableLens* lens = f.Page().WordIndexViewer();
+    QVERIFY(lens != nullptr);
+    QCOMPARE(lens->objectName(), QStringLiteral("TDMView"));
+    const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
+    QCOMPARE(int(lens->CellStyle()), 4);
+    QCOMPARE(lens->RowName(1), QString::fromStdString(words.Term(1)));
+    QCOMPARE(lens->RowName(words.TermCount()), QString::fromStdString(words.Term(words.TermCount())));
+    QVERIFY(lens->VisibleColumns() >= 10);
+    QVERIFY(lens->TLContainer() != nullptr);
+    QCOMPARE(lens->TLContainer()->objectName(), QStringLiteral("TDMViewContainer"));
+    auto* slider = f.Find<QSlider>(QStringLiteral("TDMViewCols"));
+    QVERIFY(slider->isEnabled());
+    QCOMPARE(slider->value(), lens->VisibleColumns());
+    slider->setValue(25);
+    QCOMPARE(lens->VisibleColumns(), 25);
+    slider->setValue(40);
+    QCOMPARE(lens->VisibleColumns(), 40);
+    // The picture shows black bars: some pixels of the grid are black.
+    QCOMPARE(int(lens->CellStyle()), 4);
+    const QImage picture = lens->Snapshot();
+    int black = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) black += qGray(picture.pixel(x, y)) < 20 ? 1 : 0;
+    }
+    QVERIFY(black > 100);
+    // While a job runs the viewer is gone; a cancel brings it back over the kept index.
+    QVERIFY(f.Page().DoIndex_Click());
+    QVERIFY(f.Page().WordIndexViewer() == nullptr);
+    f.Window().Jobs().Cancel();
+    QVERIFY(f.WaitIdle());
+    QVERIFY(f.Page().WordIndexViewer() != nullptr);
   }
 
   void WordIndexUsesTheBoxes() {

@@ -108,6 +108,21 @@ class PathSettingsTest : public QObject {
   void DefaultStopListIsBesideTheProgram() {
     QCOMPARE(DefaultStopListPath(QStringLiteral("/opt/sylvora/bin")),
              QStringLiteral("/opt/sylvora/bin/common_words.txt"));
+    TempDir program, data;
+    Write(program, "common_words.txt", "the\r\n");
+    Write(data, "common_words.txt", "the\r\n");
+    QCOMPARE(DefaultStopListPath(Folder(program), Folder(data)),
+             Folder(program) + QStringLiteral("/common_words.txt"));
+  }
+
+  void DefaultStopListOfABuildFolderIsTheDataFolders() {
+    TempDir program, data;
+    Write(data, "common_words.txt", "the\r\n");
+    QCOMPARE(DefaultStopListPath(Folder(program), Folder(data)),
+             Folder(data) + QStringLiteral("/common_words.txt"));
+    TempDir empty;
+    QCOMPARE(DefaultStopListPath(Folder(program), Folder(empty)),
+             Folder(program) + QStringLiteral("/common_words.txt"));
   }
 
   void DefaultGraphvizFolderIsWhereSfdpIs() {

@@ -227,7 +227,9 @@ TEST_F(CorpusLoad, CancelEmptiesTheSet) {
 TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {
   LoadOptions options;
   options.path = dir_.WriteFile("h.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob",
-                                                   "short one", "http://ab.cd/x"));
+                                                   "short one", "http://ab.cd/x") +
+                                             Twitter11("Wed Aug 28 11:30:00 +0000 2013", "ann",
+                                                       "no link"));
   options.minDocLen = 0;
   std::string dateSeen, linkSeen;
   const LoadReport report =
@@ -251,7 +253,8 @@ TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {
 
 TEST_F(CorpusLoad, StepAfterLinksCanCancel) {
   LoadOptions options;
-  options.path = dir_.WriteFile("k.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "x"));
+  options.path = dir_.WriteFile("k.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "x") +
+                                             Twitter11("Wed Aug 28 11:30:00 +0000 2013", "ann", "y"));
   options.minDocLen = 0;
   const LoadReport report =
       LoadCorpus(session_, options, notifier_, {}, [](Session&, LoadReport&) { return false; });
