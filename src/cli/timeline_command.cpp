@@ -26,10 +26,6 @@ constexpr const char* kUsage =
     "  --png FILE           also draw the term time line (Line style) into a PNG picture\n"
     "  --yes                answer OK to the model-building questions\n";
 
-constexpr std::size_t kBurstWords = 3;
-
-bool IsUndefined(float value) { return std::isnan(value); }
-
 // Reads an event file: each line's first tab-separated field is the date-time and the second
 // the description.
 bool ReadEvents(const std::string& path, std::vector<TimelineEvent>& events, std::string& error) {
@@ -50,16 +46,6 @@ bool ReadEvents(const std::string& path, std::vector<TimelineEvent>& events, std
     events.push_back(std::move(event));
   }
   return true;
-}
-
-std::string CsvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + '"';
 }
 
 std::string JsonString(const std::string& text) {
@@ -88,29 +74,6 @@ std::string JsonString(const std::string& text) {
 std::string JsonScore(float value) {
   const std::string text = ScoreText(value);
   return std::isfinite(value) ? text : JsonString(text);
-}
-
-void WriteCsv(std::ostream& out, const std::vector<TimelineRow>& rows) {
-  out << "interval,start,documents,documents_with_links,novelty,homogeneity,link_ratio,"
-         "positive_mean,positive_mode,positive_median,negative_mean,negative_mode,"
-         "negative_median,burst_term_1,burst_score_1,burst_term_2,burst_score_2,burst_term_3,"
-         "burst_score_3,events\n";
-  for (const TimelineRow& row : rows) {
-    out << row.interval << ',' << row.start << ',' << row.documents << ','
-        << row.documentsWithLinks << ',' << ScoreText(row.novelty) << ','
-        << ScoreText(row.homogeneity) << ',' << ScoreText(row.linkRatio) << ','
-        << ScoreText(row.positiveMean) << ',' << row.positiveMode << ',' << row.positiveMedian
-        << ',' << ScoreText(row.negativeMean) << ',' << row.negativeMode << ','
-        << row.negativeMedian;
-    for (std::size_t k = 0; k < kBurstWords; ++k) {
-      if (k < row.bursts.size()) {
-        out << ',' << CsvField(row.bursts[k].term) << ',' << ScoreText(row.bursts[k].score);
-      } else {
-        out << ",,";
-      }
-    }
-    out << ',' << CsvField(row.events) << '\n';
-  }
 }
 
 struct JsonHeader {
@@ -154,72 +117,11 @@ void WriteJson(std::ostream& out, const JsonHeader& header, const std::vector<Ti
 
 }  // namespace
 
-std::string ScoreText(float value) {
-  if (std::isnan(value)) return "nan";
-  if (std::isinf(value)) return value > 0 ? "inf" : "-inf";
-  char buffer[32];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return std::string(buffer, result.ptr);
-}
-
 std::vector<TimelineRow> TimelineRows(Session& session, std::uint8_t noveltyWindow,
                                       std::int32_t burstMeasure) {
-  TextStream& words = session.WordModel();
-  const TermDocumentMatrix& index = session.WordIndex();
-  const std::string& unit = session.IntervalUnit();
-  std::vector<TimelineRow> rows;
-  std::vector<std::pair<std::int32_t, float>> scored;
-  for (std::int32_t i = 1; i <= words.IntervalCount(); ++i) {
-    TimelineRow row;
-    row.interval = i;
-    row.start = words.IntervalDateTimeBounds(i, unit)[0];
-    row.documents = words.IntervalDocCount(i);
-    row.documentsWithLinks = words.URLCount(i);
-    row.novelty = words.IntervalNoveltyScore(i, noveltyWindow);
-    row.homogeneity =
-        words.IntervalHomogScore(i, TextStream::ChartHomogSampleStep(i, row.documents));
-    row.linkRatio = words.URLRatio(i);
-    std::int16_t positive = 1, negative = -1;
-    row.positiveMean = words.IntervalSentimentMean(i, positive);
-    row.positiveMode = words.IntervalSentimentMode(i, positive);
-    row.positiveMedian = words.IntervalSentimentMedian(i, positive);
-    row.negativeMean = words.IntervalSentimentMean(i, negative);
-    row.negativeMode = words.IntervalSentimentMode(i, negative);
-    row.negativeMedian = words.IntervalSentimentMedian(i, negative);
-
-    // Only the terms present in the interval are ranked, as the interval's word list does.
-    scored.clear();
-    const SparseVectorSingle& column = *words.TIFM().Vector(i);
-    const auto terms = column.ElementIndexes();
-    const auto values = column.ElementValues();
-    for (std::size_t k = 0; k < terms.size(); ++k) {
-      if (values[k] <= 0.0f) continue;
-      const std::int32_t t = terms[k];
-      float score = 0.0f;
-      switch (burstMeasure) {
-        case TextStream::kRatioBurst: score = words.RatioBurstScore(t, i); break;
-        case TextStream::kTemporalRatioBurst: score = words.TemporalRatioBurstScore(t, i); break;
-        case TextStream::kZScoreBurst: score = words.TermIntervalZScore(t, i); break;
-        default: break;
-      }
-      scored.emplace_back(t, score);
-    }
-    const auto better = [](const std::pair<std::int32_t, float>& a,
-                           const std::pair<std::int32_t, float>& b) {
-      if (IsUndefined(a.second) != IsUndefined(b.second)) return IsUndefined(b.second);
-      if (!IsUndefined(a.second) && a.second != b.second) return a.second > b.second;
-      return a.first < b.first;
-    };
-    const std::size_t keep = std::min(kBurstWords, scored.size());
-    std::partial_sort(scored.begin(), scored.begin() + static_cast<std::ptrdiff_t>(keep),
-                      scored.end(), better);
-    for (std::size_t k = 0; k < keep; ++k) {
-      row.bursts.push_back({index.Term(scored[k].first), scored[k].second});
-    }
-    row.events = words.Events(i);
-    rows.push_back(std::move(row));
-  }
-  return rows;
+  IntervalSeries series;
+  ComputeIntervalSeries(session, noveltyWindow, burstMeasure, series);
+  return std::move(series.rows);
 }
 
 int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& out,
@@ -306,7 +208,7 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
                static_cast<std::int32_t>(*window), burst, built.trunK},
               rows);
   } else {
-    WriteCsv(out, rows);
+    WriteIntervalSeriesCsv(out, rows);
   }
 
   double drawing = 0.0;

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "session/interval_series.h"
 #include "session/session.h"
 
 namespace sylvora::cli {
@@ -22,40 +23,12 @@ namespace sylvora::cli {
 int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& out,
                        std::ostream& err);
 
-// One burst word of an interval.
-struct BurstTerm {
-  std::string term;
-  float score = 0.0f;
-};
-
 // The figures of one interval, as the timeline command writes them.
-struct TimelineRow {
-  std::int32_t interval = 0;
-  std::string start;
-  std::int32_t documents = 0;
-  std::int32_t documentsWithLinks = 0;
-  float novelty = 0.0f;
-  float homogeneity = 0.0f;
-  float linkRatio = 0.0f;
-  float positiveMean = 0.0f;
-  std::int32_t positiveMode = 0;
-  std::int32_t positiveMedian = 0;
-  float negativeMean = 0.0f;
-  std::int32_t negativeMode = 0;
-  std::int32_t negativeMedian = 0;
-  std::vector<BurstTerm> bursts;  // at most three, highest first
-  std::string events;             // "" or "|A|B"
-};
+using TimelineRow = IntervalSeriesRow;
 
-// The rows of every interval of the session's built words model, in order. Homogeneity is
-// computed for interval 1 first, as the chart draws it. `burstMeasure` is a TextStream burst
-// measure; the burst words are the terms present in the interval (TIFM > 0) ordered by falling
-// score (an undefined score last, equal scores in term order).
+// The rows of every interval of the session's built words model, in order
+// (ComputeIntervalSeries without progress).
 std::vector<TimelineRow> TimelineRows(Session& session, std::uint8_t noveltyWindow,
                                       std::int32_t burstMeasure);
-
-// A score as the command writes it: the shortest text that reads back as the same float, or
-// "inf", "-inf", "nan".
-std::string ScoreText(float value);
 
 }  // namespace sylvora::cli

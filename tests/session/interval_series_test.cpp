@@ -1,0 +1,375 @@
+// The per-interval series of a built session: each column on hand-made corpora, the chart's
+// homogeneity and the hover text's, burst ranking, events, progress and cancel, the CSV text
+// and file, and the bundled sample corpus.
+
+#include "session/interval_series.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <cstdio>
+#include <numeric>
+#include <sstream>
+
+#include "session/corpus_index.h"
+#include "session/corpus_load.h"
+#include "session/interval_models.h"
+#include "support/recording_notifier.h"
+#include "support/temp_dir.h"
+
+namespace sylvora {
+namespace {
+
+using testing::RecordingNotifier;
+using testing::TempDir;
+
+struct Tweet {
+  int hour = 0;  // hours after 2013-09-02 00:00 (UTC)
+  std::string text;
+  std::string pos = "2";
+  std::string neg = "-1";
+  int minute = 0;
+};
+
+// One line of the sixteen-column export.
+std::string Line(const Tweet& t) {
+  const int day = 2 + t.hour / 24;
+  char date[64];
+  std::snprintf(date, sizeof date, "Mon Sep %02d %02d:%02d:00 +0000 2013", day, t.hour % 24,
+                t.minute);
+  std::string line;
+  for (const std::string& cell :
+       {std::string(date), std::string("ann"), t.text, std::string("123"), std::string("Ann"),
+        std::string("10"), std::string("20"), std::string("0"), std::string("UTC"),
+        std::string(""), std::string("99"), std::string("0"), std::string(""), t.pos, t.neg,
+        std::string("1")}) {
+    line += (line.empty() ? "" : "\t") + cell;
+  }
+  return line + "\n";
+}
+
+std::string StopList() { return (testing::SourceDir() / "data" / "common_words.txt").string(); }
+
+class IntervalSeriesTest : public ::testing::Test {
+ protected:
+  // Loads, indexes (every term kept) and builds the models with `length` hours.
+  void Build(const std::vector<Tweet>& tweets, const std::string& length,
+             const std::vector<TimelineEvent>& events = {}) {
+    std::string content;
+    for (const Tweet& t : tweets) content += Line(t);
+    LoadOptions load;
+    load.path = dir_.WriteFile("corpus.txt", content);
+    load.minDocLen = 0;
+    RecordingNotifier quiet;
+    const LoadReport loaded = LoadCorpus(session_, load, quiet);
+    ASSERT_TRUE(loaded.loaded) << loaded.error;
+    IndexOptions index;
+    index.stopListPath = StopList();
+    index.minDocFrequency = 1;
+    index.maxDocFrequency = 1e9;
+    index.secondaryMinDocFrequency = 1;
+    const IndexReport indexed = BuildIndexes(session_, index);
+    ASSERT_TRUE(indexed.indexed) << indexed.error;
+    ModelOptions options;
+    options.intervalLength = length;
+    options.events = events;
+    const ModelReport built = BuildModels(session_, options, quiet);
+    ASSERT_TRUE(built.built) << built.error;
+  }
+
+  IntervalSeries Series(std::uint8_t window = 1, std::int32_t measure = TextStream::kRatioBurst) {
+    IntervalSeries series;
+    EXPECT_TRUE(ComputeIntervalSeries(session_, window, measure, series));
+    return series;
+  }
+
+  TempDir dir_;
+  Session session_;
+};
+
+// Three intervals of two hours: storm talk, power talk with a link, then one mixed tweet.
+std::vector<Tweet> ThreeIntervals() {
+  return {{0, "storm harbour flood", "2", "-1"},
+          {1, "storm harbour", "4", "-3"},
+          {2, "power outage street http://t.co/abcdef", "1", "-2"},
+          {3, "power outage", "3", "-1"},
+          {4, "storm power", "1", "-1"}};
+}
+
+TEST_F(IntervalSeriesTest, OneRowPerIntervalWithCountsAndStarts) {
+  Build(ThreeIntervals(), "2");
+  const IntervalSeries series = Series();
+  ASSERT_EQ(series.rows.size(), 3u);
+  EXPECT_EQ(series.maxIntervalDocCount, 2);
+  EXPECT_EQ(series.noveltyWindow, 1);
+  EXPECT_EQ(series.burstMeasure, TextStream::kRatioBurst);
+  const std::vector<std::string> starts = {"2013-09-02 00:00:00", "2013-09-02 02:00:00",
+                                           "2013-09-02 04:00:00"};
+  const std::vector<std::int32_t> documents = {2, 2, 1};
+  const std::vector<std::int32_t> links = {0, 1, 0};
+  for (std::size_t k = 0; k < 3; ++k) {
+    SCOPED_TRACE(k);
+    EXPECT_EQ(series.rows[k].interval, static_cast<std::int32_t>(k) + 1);
+    EXPECT_EQ(series.rows[k].start, starts[k]);
+    EXPECT_EQ(series.rows[k].documents, documents[k]);
+    EXPECT_EQ(series.rows[k].documentsWithLinks, links[k]);
+  }
+  EXPECT_FLOAT_EQ(series.rows[0].linkRatio, 0.0f);
+  EXPECT_FLOAT_EQ(series.rows[1].linkRatio, 0.5f);
+}
+
+TEST_F(IntervalSeriesTest, NoveltyFollowsTheWindow) {
+  Build(ThreeIntervals(), "2");
+  const IntervalSeries one = Series(1);
+  EXPECT_FLOAT_EQ(one.rows[0].novelty, 0.0f);  // no full window before interval 1
+  EXPECT_FLOAT_EQ(one.rows[1].novelty, 1.0f);  // shares no word with interval 1
+  EXPECT_GT(one.rows[2].novelty, 0.0f);
+  EXPECT_LT(one.rows[2].novelty, 1.0f);
+  const IntervalSeries two = Series(2);
+  EXPECT_FLOAT_EQ(two.rows[1].novelty, 0.0f);  // no full window of two before interval 2
+  EXPECT_GT(two.rows[2].novelty, 0.0f);
+  const IntervalSeries none = Series(0);
+  for (const IntervalSeriesRow& row : none.rows) EXPECT_FLOAT_EQ(row.novelty, 0.0f);
+  // The cheap refresh gives the same values.
+  const std::vector<float> refreshed = IntervalNoveltySeries(session_.WordModel(), 2);
+  ASSERT_EQ(refreshed.size(), 3u);
+  for (std::size_t k = 0; k < 3; ++k) EXPECT_EQ(refreshed[k], two.rows[k].novelty);
+}
+
+TEST_F(IntervalSeriesTest, SentimentOfBothSides) {
+  Build(ThreeIntervals(), "2");
+  const IntervalSeries series = Series();
+  const IntervalSeriesRow& first = series.rows[0];
+  // Positive 2 and 4: mean 3, mode 2 (tie to the weaker), median 4.
+  EXPECT_FLOAT_EQ(first.positiveMean, 3.0f);
+  EXPECT_EQ(first.positiveMode, 2);
+  EXPECT_EQ(first.positiveMedian, 4);
+  // Negative -1 and -3: mean 2 (a positive number).
+  EXPECT_FLOAT_EQ(first.negativeMean, 2.0f);
+  std::int16_t negative = -1;
+  EXPECT_EQ(first.negativeMode, session_.WordModel().IntervalSentimentMode(1, negative));
+  negative = -1;
+  EXPECT_EQ(first.negativeMedian, session_.WordModel().IntervalSentimentMedian(1, negative));
+  const IntervalSeriesRow& third = series.rows[2];
+  EXPECT_FLOAT_EQ(third.positiveMean, 1.0f);
+  EXPECT_FLOAT_EQ(third.negativeMean, 1.0f);
+}
+
+TEST_F(IntervalSeriesTest, HomogeneityAsTheChartComputesIt) {
+  // Interval 2 (hours 2-3): a, b, c where only a and c share a word. The chart compares each
+  // document with its successor only: 0. The hover text's every-pair mean is not 0.
+  // Interval 1: every pair, and a pair sharing everything.
+  Build({{0, "storm harbour"},
+         {0, "storm harbour", "2", "-1", 30},
+         {2, "power outage"},
+         {2, "flood river", "2", "-1", 20},
+         {3, "power outage"},
+         {4, "storm"}},
+        "2");
+  const IntervalSeries series = Series();
+  ASSERT_EQ(series.rows.size(), 3u);
+  EXPECT_NEAR(series.rows[0].homogeneity, 1.0f, 1e-6);
+  EXPECT_EQ(series.rows[0].detailsHomogeneity, series.rows[0].homogeneity);
+  EXPECT_EQ(series.rows[1].documents, 3);
+  EXPECT_FLOAT_EQ(series.rows[1].homogeneity, 0.0f);
+  // Pairs (a,b) 0, (a,c) 1, (b,c) 0: mean 1/3.
+  EXPECT_NEAR(series.rows[1].detailsHomogeneity, 1.0f / 3.0f, 1e-6);
+  // One document: no pair.
+  EXPECT_FLOAT_EQ(series.rows[2].homogeneity, 0.0f);
+  EXPECT_FLOAT_EQ(series.rows[2].detailsHomogeneity, 0.0f);
+  // The model's cache answers the hover text's call with the same value.
+  EXPECT_EQ(session_.WordModel().IntervalHomogScore(2, 1), series.rows[1].detailsHomogeneity);
+}
+
+TEST_F(IntervalSeriesTest, BurstWordsByTheChosenMeasure) {
+  Build(ThreeIntervals(), "2");
+  const IntervalSeries ratio = Series(1, TextStream::kRatioBurst);
+  // f / (df / N) x ln(100 f + 1): harbour 1 / .4 x ln 101, flood .5 / .2 x ln 51,
+  // storm 1 / .6 x ln 101.
+  ASSERT_EQ(ratio.rows[0].bursts.size(), 3u);
+  EXPECT_EQ(ratio.rows[0].bursts[0].term, "harbour");
+  EXPECT_EQ(ratio.rows[0].bursts[1].term, "flood");
+  EXPECT_EQ(ratio.rows[0].bursts[2].term, "storm");
+  EXPECT_NEAR(ratio.rows[0].bursts[0].score, 1.0 / 0.4 * std::log(101.0), 1e-4);
+  // Interval 3 holds two words: two bursts only.
+  EXPECT_EQ(ratio.rows[2].bursts.size(), 2u);
+  // Every measure ranks only the words present; an unknown measure scores 0, ties in term
+  // order.
+  const IntervalSeries unknown = Series(1, 7);
+  ASSERT_EQ(unknown.rows[2].bursts.size(), 2u);
+  for (const BurstTerm& burst : unknown.rows[2].bursts) EXPECT_EQ(burst.score, 0.0f);
+  const TermDocumentMatrix& words = session_.WordIndex();
+  EXPECT_LT(words.TermIndex(unknown.rows[2].bursts[0].term),
+            words.TermIndex(unknown.rows[2].bursts[1].term));
+  const IntervalSeries z = Series(1, TextStream::kZScoreBurst);
+  EXPECT_EQ(z.rows[0].bursts.size(), 3u);
+  for (std::size_t k = 1; k < z.rows[0].bursts.size(); ++k) {
+    EXPECT_GE(z.rows[0].bursts[k - 1].score, z.rows[0].bursts[k].score);
+  }
+}
+
+TEST_F(IntervalSeriesTest, EventsOfEachInterval) {
+  Build(ThreeIntervals(), "2",
+        {{"02/09/2013 04:00:00", "Landfall"}, {"02/09/2013 05:00:00", "Flood, \"big\""}});
+  const IntervalSeries series = Series();
+  EXPECT_EQ(series.rows[0].events, "");
+  EXPECT_EQ(series.rows[1].events, "|Landfall|Flood, \"big\"");
+  std::ostringstream csv;
+  WriteIntervalSeriesCsv(csv, series.rows);
+  EXPECT_NE(csv.str().find(",\"|Landfall|Flood, \"\"big\"\"\"\n"), std::string::npos) << csv.str();
+}
+
+TEST_F(IntervalSeriesTest, ProgressOncePerIntervalAndCancel) {
+  Build(ThreeIntervals(), "2");
+  std::vector<std::int64_t> done;
+  IntervalSeries series;
+  ASSERT_TRUE(ComputeIntervalSeries(session_, 1, 0, series,
+                                    [&](std::string_view stage, std::int64_t d, std::int64_t total) {
+                                      EXPECT_EQ(stage, "series");
+                                      EXPECT_EQ(total, 3);
+                                      done.push_back(d);
+                                      return true;
+                                    }));
+  EXPECT_EQ(done, (std::vector<std::int64_t>{1, 2, 3}));
+  EXPECT_EQ(series.rows.size(), 3u);
+  int calls = 0;
+  EXPECT_FALSE(ComputeIntervalSeries(session_, 1, 0, series,
+                                     [&](std::string_view, std::int64_t, std::int64_t) {
+                                       return ++calls < 2;
+                                     }));
+  EXPECT_EQ(calls, 2);
+  EXPECT_TRUE(series.rows.empty());
+}
+
+TEST_F(IntervalSeriesTest, AnUnbuiltSessionHasNoRows) {
+  IntervalSeries series;
+  series.rows.resize(4);
+  EXPECT_TRUE(ComputeIntervalSeries(session_, 1, 0, series));
+  EXPECT_TRUE(series.rows.empty());
+  EXPECT_EQ(series.maxIntervalDocCount, 0);
+  EXPECT_TRUE(IntervalNoveltySeries(session_.WordModel(), 1).empty());
+}
+
+TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
+  IntervalSeriesRow row;
+  row.interval = 7;
+  row.start = "2013-09-02 00:00:00";
+  row.documents = 12;
+  row.documentsWithLinks = 3;
+  row.novelty = 0.25f;
+  row.homogeneity = 0.1f;
+  row.linkRatio = 0.25f;
+  row.positiveMean = 1.5f;
+  row.positiveMode = 1;
+  row.positiveMedian = 2;
+  row.negativeMean = std::numeric_limits<float>::quiet_NaN();
+  row.negativeMode = 3;
+  row.negativeMedian = 4;
+  row.bursts = {{"storm", std::numeric_limits<float>::infinity()}, {"a,b", 2.0f}};
+  row.events = "|Line\nbreak";
+  std::ostringstream out;
+  WriteIntervalSeriesCsv(out, {row});
+  EXPECT_EQ(out.str(),
+            std::string(kIntervalSeriesCsvHeader) +
+                "\n7,2013-09-02 00:00:00,12,3,0.25,0.1,0.25,1.5,1,2,nan,3,4,storm,inf,\"a,b\",2,,,"
+                "\"|Line\nbreak\"\n");
+  EXPECT_EQ(std::string(kIntervalSeriesCsvHeader).substr(0, 30), "interval,start,documents,docum");
+  std::ostringstream empty;
+  WriteIntervalSeriesCsv(empty, {});
+  EXPECT_EQ(empty.str(), std::string(kIntervalSeriesCsvHeader) + "\n");
+}
+
+TEST(IntervalSeriesCsv, FieldsAreQuotedOnlyWhenNeeded) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"plain", "plain"},       {"", ""},
+      {"a,b", "\"a,b\""},       {"say \"hi\"", "\"say \"\"hi\"\"\""},
+      {"two\nlines", "\"two\nlines\""}, {"cr\r", "\"cr\r\""},
+      {"café", "café"}};
+  for (const auto& [text, expected] : cases) EXPECT_EQ(CsvField(text), expected) << text;
+}
+
+TEST(IntervalSeriesCsv, ScoreTexts) {
+  EXPECT_EQ(ScoreText(0.0f), "0");
+  EXPECT_EQ(ScoreText(0.1f), "0.1");
+  EXPECT_EQ(ScoreText(-2.5f), "-2.5");
+  EXPECT_EQ(ScoreText(std::numeric_limits<float>::infinity()), "inf");
+  EXPECT_EQ(ScoreText(-std::numeric_limits<float>::infinity()), "-inf");
+  EXPECT_EQ(ScoreText(std::numeric_limits<float>::quiet_NaN()), "nan");
+}
+
+TEST(IntervalSeriesCsv, FileWrittenAndFailureReported) {
+  TempDir dir;
+  IntervalSeriesRow row;
+  row.interval = 1;
+  row.start = "2013-09-02 00:00:00";
+  const std::string path = (dir.Path() / "series.csv").string();
+  std::string error;
+  ASSERT_TRUE(WriteIntervalSeriesCsvFile(path, {row}, error)) << error;
+  std::ostringstream expected;
+  WriteIntervalSeriesCsv(expected, {row});
+  EXPECT_EQ(testing::ReadFile(path), expected.str());
+  const std::string bad = (dir.Path() / "missing" / "series.csv").string();
+  EXPECT_FALSE(WriteIntervalSeriesCsvFile(bad, {row}, error));
+  EXPECT_NE(error.find("missing"), std::string::npos) << error;
+}
+
+TEST(IntervalSeriesSample, TheBundledCorpusByDay) {
+  Session session;
+  RecordingNotifier notifier;
+  LoadOptions load;
+  load.path = (testing::SourceDir() / "data" / "sample_twitter11.txt").string();
+  ASSERT_TRUE(LoadCorpus(session, load, notifier).loaded);
+  IndexOptions index;
+  index.stopListPath = StopList();
+  ASSERT_TRUE(BuildIndexes(session, index).indexed);
+  ModelOptions options;
+  options.intervalLength = "24";
+  ASSERT_TRUE(BuildModels(session, options, notifier).built);
+  IntervalSeries series;
+  ASSERT_TRUE(ComputeIntervalSeries(session, 1, TextStream::kRatioBurst, series));
+  const TextStream& words = session.WordModel();
+  ASSERT_EQ(static_cast<std::int32_t>(series.rows.size()), words.IntervalCount());
+  ASSERT_GE(series.rows.size(), 17u);  // 2-19 September
+  std::int64_t documents = 0;
+  std::int32_t largest = 0;
+  for (const IntervalSeriesRow& row : series.rows) {
+    SCOPED_TRACE(row.interval);
+    documents += row.documents;
+    largest = std::max(largest, row.documents);
+    EXPECT_GE(row.homogeneity, 0.0f);
+    EXPECT_LE(row.homogeneity, 1.0f);
+    EXPECT_GE(row.novelty, 0.0f);
+    EXPECT_LE(row.novelty, 1.0f);
+    EXPECT_LE(row.documentsWithLinks, row.documents);
+    if (row.documents > 0) {
+      EXPECT_FLOAT_EQ(row.linkRatio,
+                      static_cast<float>(static_cast<double>(row.documentsWithLinks) / row.documents));
+      EXPECT_EQ(row.bursts.size(), kSeriesBurstTerms);
+      EXPECT_GT(row.positiveMean, 0.0f);
+      EXPECT_GT(row.negativeMean, 0.0f);
+    }
+  }
+  EXPECT_EQ(documents, session.Documents().DocumentCount());
+  EXPECT_EQ(series.maxIntervalDocCount, largest);
+  EXPECT_EQ(series.rows[0].start.substr(0, 10), "2013-09-02");
+  // The storm's bursts: the busiest day holds several times the quietest day's tweets.
+  const auto [quiet, busy] = std::minmax_element(
+      series.rows.begin(), series.rows.end(),
+      [](const IntervalSeriesRow& a, const IntervalSeriesRow& b) { return a.documents < b.documents; });
+  EXPECT_GT(busy->documents, 2 * quiet->documents);
+  // A second run over the same models gives the same rows (the caches answer the same).
+  IntervalSeries again;
+  ASSERT_TRUE(ComputeIntervalSeries(session, 1, TextStream::kRatioBurst, again));
+  std::ostringstream first, second;
+  WriteIntervalSeriesCsv(first, series.rows);
+  WriteIntervalSeriesCsv(second, again.rows);
+  EXPECT_EQ(first.str(), second.str());
+  const std::string text = first.str();
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'),
+            static_cast<std::ptrdiff_t>(series.rows.size()) + 1);
+}
+
+}  // namespace
+}  // namespace sylvora
