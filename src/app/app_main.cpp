@@ -1,18 +1,24 @@
 #include "app/app_main.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QPixmap>
+#include <QSlider>
 #include <QStringList>
 #include <QTimer>
 
+#include "app/cluster_explorer_page.h"
 #include "app/console_platform.h"
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
 #include "app/main_window.h"
 #include "app/qt_platform.h"
+#include "session/interval_models.h"
 
 namespace sylvora::app {
 
@@ -52,7 +58,87 @@ bool ParseArguments(const QStringList& list, Arguments& arguments, QString& erro
   return true;
 }
 
-// Loads and indexes the corpus, saves the window's picture and quits with the exit code.
+// "<folder>/<name>-clusters.<suffix>" beside the main picture.
+QString ClustersPictureName(const QString& file) {
+  const QFileInfo info(file);
+  const QString suffix = info.suffix().isEmpty() ? u"png"_s : info.suffix();
+  return info.dir().filePath(info.completeBaseName() + u"-clusters."_s + suffix);
+}
+
+// The label slider value (documents per thousand, at most the slider's end) that labels the
+// `count` most frequent words.
+int LabelValueForTopWords(const TermDocumentMatrix& index, std::size_t count) {
+  std::vector<std::int32_t> frequencies;
+  for (std::int32_t t = 1; t <= index.TermCount(); ++t) frequencies.push_back(index.DocFreq(t));
+  if (frequencies.empty() || index.DocCount() < 1) return ClusterExplorerPage::kLabelSliderStart;
+  std::sort(frequencies.begin(), frequencies.end(), std::greater<>());
+  const std::int32_t least = frequencies[std::min(count, frequencies.size()) - 1];
+  const auto value = static_cast<int>(least * 1000.0 / index.DocCount());
+  return std::clamp(value, 0, ClusterExplorerPage::kLabelSliderMax);
+}
+
+// After the main picture: builds the interval models, shows the cluster explorer with its
+// word and interval maps and the tweet map of the busiest interval, saves its picture and
+// quits with the exit code.
+void ScreenshotClusters(Main& window, const QString& file, const std::function<void(QString)>& fail) {
+  Session& session = window.CurrentSession();
+  ClusterExplorerPage& page = window.ClusterExplorer();
+  const QString picture = ClustersPictureName(file);
+  const auto save = [&window, picture, fail] {
+    QTimer::singleShot(200, &window, [&window, picture, fail] {
+      const QPixmap shot = window.grab();
+      if (shot.isNull() || !shot.save(picture, "PNG")) {
+        fail(u"cannot save the screenshot to "_s + picture);
+        return;
+      }
+      std::printf("Screenshot saved to %s\n", qUtf8Printable(QFileInfo(picture).absoluteFilePath()));
+      std::fflush(stdout);
+      QCoreApplication::exit(0);
+    });
+  };
+  // The word and interval maps first, then the tweet map of the busiest interval.
+  QObject::connect(&page, &ClusterExplorerPage::mapFinished, &window,
+                   [&page, &session, save, fail](int kind, bool built) {
+                     if (!built) {
+                       fail(u"a cluster map could not be built"_s);
+                       return;
+                     }
+                     if (kind == static_cast<int>(MapKind::kTweets)) {
+                       save();
+                       return;
+                     }
+                     if (kind == static_cast<int>(MapKind::kWords)) {
+                       // Label the forty most frequent words (the start threshold of 12 %
+                       // labels few words of a small corpus).
+                       page.LabelSlider()->setValue(LabelValueForTopWords(session.WordIndex(), 40));
+                     }
+                     if (page.Building()) return;
+                     const TextStream& model = session.WordModel();
+                     int busiest = 1;
+                     for (int k = 1; k <= model.IntervalCount(); ++k) {
+                       if (model.IntervalDocCount(k) > model.IntervalDocCount(busiest)) busiest = k;
+                     }
+                     page.ISVis_OnNodeClick(busiest - 1);
+                   });
+  const bool started = window.Jobs().Start(
+      u"Building views"_s,
+      [&session](const ProgressCallback& progress) {
+        SilentNotifier silent;
+        BuildModels(session, ModelOptions{}, silent, progress);
+      },
+      [&window, &page, &session, fail](bool cancelled) {
+        if (cancelled || !session.ModelsBuilt()) {
+          fail(u"the interval models could not be built"_s);
+          return;
+        }
+        page.ModelsRebuilt();
+        window.Tabs().setCurrentWidget(&page);
+      });
+  if (!started) fail(u"the interval models could not be built"_s);
+}
+
+// Loads and indexes the corpus, saves the window's picture, then the cluster explorer's, and
+// quits with the exit code.
 void TakeScreenshot(Main& window, const QString& file) {
   LoadIndexPage& page = window.LoadIndex();
   const auto fail = [](const QString& why) {
@@ -69,7 +155,7 @@ void TakeScreenshot(Main& window, const QString& file) {
       }
       std::printf("Screenshot saved to %s\n", qUtf8Printable(QFileInfo(file).absoluteFilePath()));
       std::fflush(stdout);
-      QCoreApplication::exit(0);
+      ScreenshotClusters(window, file, fail);
     });
   };
   QObject::connect(&page, &LoadIndexPage::indexesBuilt, &window, [save, fail](bool built) {

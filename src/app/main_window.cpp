@@ -66,6 +66,7 @@ Main::Main(Platform& platform, StartupEnvironment environment, QWidget* parent)
   tabs_->addTab(loadIndexPage_, u"Load and Index"_s);
   setCentralWidget(tabs_);
   connect(loadIndexPage_, &LoadIndexPage::captionChanged, this, &QWidget::setWindowTitle);
+  ComposeClusterExplorer();
   resize(1280, 800);
 }
 

@@ -24,8 +24,10 @@ class QTabWidget;
 
 namespace sylvora::app {
 
+class ClusterExplorerPage;
 class JobRunner;
 class LoadIndexPage;
+class RelatedTerms;
 class Platform;
 class UiNotifier;
 
@@ -65,6 +67,8 @@ class Main final : public QMainWindow {
   int AddPage(QWidget* page, const QString& title);
 
   LoadIndexPage& LoadIndex() { return *loadIndexPage_; }
+  ClusterExplorerPage& ClusterExplorer() { return *clusterPage_; }
+  RelatedTerms& RelatedWords() { return *relatedTerms_; }
   JobRunner& Jobs() { return *jobs_; }
   Session& CurrentSession() { return *session_; }
   QTabWidget& Tabs() { return *tabs_; }
@@ -76,6 +80,8 @@ class Main final : public QMainWindow {
 
  private:
   void ReadSettings();
+  // The cluster explorer tab and the "Related Words" window with their links (main_window_clusters.cpp).
+  void ComposeClusterExplorer();
   void closeEvent(QCloseEvent* event) override;
 
   Platform& platform_;
@@ -87,6 +93,8 @@ class Main final : public QMainWindow {
   JobRunner* jobs_ = nullptr;
   QTabWidget* tabs_ = nullptr;
   LoadIndexPage* loadIndexPage_ = nullptr;
+  ClusterExplorerPage* clusterPage_ = nullptr;
+  RelatedTerms* relatedTerms_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
   QLabel* jobStage_ = nullptr;
   QPushButton* cancelJob_ = nullptr;

@@ -33,6 +33,12 @@ class Platform {
   virtual void SetClipboardImage(const QImage& image) = 0;
   // The common open-file dialog; `fileName` is the name it starts with. Empty when cancelled.
   virtual QString GetOpenFileName(const QString& caption, const QString& fileName) = 0;
+  // The common save-file dialog, starting at `fileName` and offering the file types of `filter`
+  // ("PNG picture (*.png)"). Empty when cancelled (and on platforms without dialogs).
+  virtual QString GetSaveFileName(const QString& /*caption*/, const QString& /*fileName*/,
+                                  const QString& /*filter*/) {
+    return {};
+  }
 };
 
 }  // namespace sylvora::app

@@ -61,4 +61,9 @@ QString QtPlatform::GetOpenFileName(const QString& caption, const QString& fileN
   return QFileDialog::getOpenFileName(window_, caption, fileName);
 }
 
+QString QtPlatform::GetSaveFileName(const QString& caption, const QString& fileName,
+                                    const QString& filter) {
+  return QFileDialog::getSaveFileName(window_, caption, fileName, filter);
+}
+
 }  // namespace sylvora::app

@@ -19,6 +19,8 @@ class QtPlatform final : public Platform {
   void SetClipboardText(const QString& text) override;
   void SetClipboardImage(const QImage& image) override;
   QString GetOpenFileName(const QString& caption, const QString& fileName) override;
+  QString GetSaveFileName(const QString& caption, const QString& fileName,
+                          const QString& filter) override;
 
  private:
   QPointer<QWidget> window_;

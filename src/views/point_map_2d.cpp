@@ -389,6 +389,12 @@ void PointMap2D::BottomRight(int x, int y) {
   }
 }
 
+void PointMap2D::SetView(const ViewRect& view) {
+  if (nodeCount_ < 1) return;
+  view_ = view;
+  RenderView(true, false);
+}
+
 void PointMap2D::ZoomTo(std::int32_t node, float zoomPercent) {
   if (!ValidNode(node) || !(zoomPercent > 0.0f)) return;
   const float halfWidth = dataWidth_ / (zoomPercent * 0.02f);

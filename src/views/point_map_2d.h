@@ -162,6 +162,10 @@ class PointMap2D : public QObject {
   // Shows the data's width and height divided by ZoomPercent / 50 around the node. A node
   // outside 0..n-1 or a percentage of 0 or below is ignored.
   void ZoomTo(std::int32_t node, float zoomPercent);
+  // Shows `view` (one the map showed before, e.g. from its owner's Back and Forward) and draws.
+  // Raises no ViewChanged: the owner that sets a view knows it changed. Ignored before the
+  // first SetCoordinates.
+  void SetView(const ViewRect& view);
 
   // Redraws the picture (erasing it first when `clear`) and shows the selection square when
   // `lassoo`. Nothing is drawn before the first SetCoordinates.

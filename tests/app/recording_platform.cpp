@@ -25,6 +25,15 @@ QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileNa
   return chosen;
 }
 
+QString RecordingPlatform::GetSaveFileName(const QString&, const QString& fileName,
+                                           const QString&) {
+  dialogStartNames.push_back(fileName);
+  if (savedFiles.empty()) return {};
+  QString chosen = savedFiles.front();
+  savedFiles.pop_front();
+  return chosen;
+}
+
 QStringList RecordingPlatform::Texts() const {
   QStringList texts;
   for (const RecordedBox& box : boxes) texts.push_back(box.text);

@@ -29,11 +29,15 @@ class RecordingPlatform final : public app::Platform {
   void SetClipboardText(const QString& text) override { clipboardText = text; }
   void SetClipboardImage(const QImage& image) override { clipboardImage = image; }
   QString GetOpenFileName(const QString& caption, const QString& fileName) override;
+  QString GetSaveFileName(const QString& caption, const QString& fileName,
+                          const QString& filter) override;
 
   // Answers for the next questions in order; then the negative button (No, Cancel).
   std::deque<Answer> answers;
   // Names the next file dialogs return in order; then "" (cancelled).
   std::deque<QString> chosenFiles;
+  // Names the next save dialogs return in order; then "" (cancelled).
+  std::deque<QString> savedFiles;
 
   QVector<RecordedBox> boxes;
   QStringList links;

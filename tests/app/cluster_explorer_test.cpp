@@ -1,0 +1,400 @@
+// The cluster explorer on the sample corpus with the real sfdp: the three maps after a model
+// build, their sizes, weights and labels; the hover and click links; the label slider and the
+// node-size buttons; the recolouring by visible words; Back and Forward; saving a map.
+#include <cmath>
+
+#include <QDoubleSpinBox>
+#include <QFile>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QTabWidget>
+#include <QTest>
+#include <QToolButton>
+
+#include "app/cluster_explorer_page.h"
+#include "app/cluster_links.h"
+#include "app/cluster_map_panel.h"
+#include "app/job_runner.h"
+#include "cluster_test_support.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+using app::ClusterExplorerPage;
+using app::ClusterMapPanel;
+
+namespace {
+
+// A view around one node so small that no other node is strictly inside it.
+PointMap2D::ViewRect AroundNode(const PointMap2D& map, int node) {
+  const float x = map.NodeX(node);
+  const float y = map.NodeY(node);
+  const float d = map.DataWidth() * 1e-6f + 1e-6f;
+  return {x - d, x + d, y - d, y + d};
+}
+
+}  // namespace
+
+class ClusterExplorerTest : public QObject {
+  Q_OBJECT
+
+ private:
+  std::unique_ptr<WindowFixture> f_;
+  ClusterExplorerPage* page_ = nullptr;
+
+  const Session& S() { return f_->Window().CurrentSession(); }
+  PointMap2D& Words() { return page_->Map(MapKind::kWords); }
+  PointMap2D& Intervals() { return page_->Map(MapKind::kIntervals); }
+  PointMap2D& Tweets() { return page_->Map(MapKind::kTweets); }
+
+  // An interval with at least `minimum` tweets (the first such).
+  int IntervalWithTweets(int minimum) {
+    for (int k = 1; k <= S().WordModel().IntervalCount(); ++k) {
+      if (S().WordModel().IntervalDocCount(k) >= minimum) return k;
+    }
+    return 0;
+  }
+
+  void BuildTweetMap(int interval) {
+    QSignalSpy finished(page_, &ClusterExplorerPage::mapFinished);
+    page_->ISVis_OnNodeClick(interval - 1);
+    QVERIFY(WaitClusterIdle(*f_));
+    QCOMPARE(finished.size(), 1);
+    QCOMPARE(finished[0][0].toInt(), static_cast<int>(MapKind::kTweets));
+    QVERIFY(finished[0][1].toBool());
+  }
+
+ private slots:
+  void initTestCase() {
+    if (RealGraphvizFolder().isEmpty()) QSKIP("Graphviz (sfdp) is not installed");
+    f_ = std::make_unique<WindowFixture>();
+    page_ = &f_->Window().ClusterExplorer();
+    QVERIFY(PrepareSampleModels(*f_, RealGraphvizFolder()));
+    QVERIFY(page_->WordMapStale());
+    QVERIFY(page_->IntervalMapStale());
+    QVERIFY(!Words().IsSet());
+    QSignalSpy captions(page_, &ClusterExplorerPage::captionChanged);
+    const QString usual = f_->Window().windowTitle();
+    QVERIFY(VisitClusterExplorer(*f_));
+    QVERIFY(!page_->WordMapStale());
+    QVERIFY(!page_->IntervalMapStale());
+    QVERIFY2(f_->platform.boxes.isEmpty(), qPrintable(f_->platform.Texts().join(u'|')));
+    // The progress captions in build order, then the usual caption again.
+    QStringList texts;
+    for (const auto& arguments : captions) texts.push_back(arguments.at(0).toString());
+    QCOMPARE(texts, (QStringList{QStringLiteral("Computing interval cluster visualization..."),
+                                 QStringLiteral("Computing word cluster visualization..."), usual}));
+    QCOMPARE(f_->Window().windowTitle(), usual);
+  }
+
+  void cleanupTestCase() { f_.reset(); }
+
+  void TheTabIsTheThirdAndNamedItsMaps() {
+    QCOMPARE(f_->Window().Tabs().tabText(f_->Window().Tabs().indexOf(page_)),
+             QStringLiteral("Cluster Explorer"));
+    for (const char* name : {"TermSimVis", "ISVis", "TweetSimVis"}) {
+      QVERIFY2(page_->findChild<PointMap2D*>(QLatin1String(name)) != nullptr, name);
+      QVERIFY2(page_->findChild<QWidget*>(QLatin1String(name) + QStringLiteral("Container")) != nullptr,
+               name);
+    }
+  }
+
+  void TheIntervalMapHasOneNodePerIntervalWeightedByItsTweets() {
+    const TextStream& model = S().WordModel();
+    QVERIFY(model.IntervalCount() >= 10);
+    QCOMPARE(Intervals().NodeCount(), model.IntervalCount());
+    for (int k = 1; k <= model.IntervalCount(); ++k) {
+      QCOMPARE(Intervals().NodeLabel(k - 1), QString::number(k));
+      const float expected = static_cast<float>(static_cast<double>(model.IntervalDocCount(k)) /
+                                                model.MaxIntervalDocCount() * 5.0);
+      QCOMPARE(Intervals().Weight(k - 1), expected);
+    }
+    QVERIFY(Intervals().ShowNodeLabels());
+    QVERIFY(Intervals().ShowEdges());
+    QCOMPARE(Intervals().NodeShape(), std::uint8_t{2});
+    QVERIFY(page_->Panel(MapKind::kIntervals).Surface()->isEnabled());
+  }
+
+  void TheWordMapHasEveryTermWeightedByDocumentsPerThousand() {
+    const TermDocumentMatrix& index = S().WordIndex();
+    QCOMPARE(Words().NodeCount(), index.TermCount());
+    QCOMPARE(page_->Level(), WordMapLevel::kTweet);
+    for (int t = 1; t <= index.TermCount(); ++t) {
+      QCOMPARE(Words().NodeLabel(t - 1), QString::fromStdString(index.Term(t)));
+      const auto expected = static_cast<float>(index.DocFreq(t) / static_cast<double>(index.DocCount()) * 1000.0);
+      QCOMPARE(Words().Weight(t - 1), expected);
+    }
+    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{120});
+    QCOMPARE(page_->LabelSlider()->value(), 120);
+    QVERIFY(Words().ShowNodeLabels());
+    QVERIFY(Words().ShowEdges());
+    QCOMPARE(Words().NodeShape(), std::uint8_t{2});
+    // Every node is sized weight^0.75 x base.
+    const float base = Words().BaseNodeSize();
+    QVERIFY(std::abs(Words().NodeSize(0) - std::pow(Words().Weight(0), 0.75f) * base) <= 1e-4f * base);
+  }
+
+  void HoveringAWordShowsItsLabel() {
+    page_->TermSimVis_OnNewNodeOver(0);
+    QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(), QString::fromStdString(S().WordIndex().Term(1)));
+    page_->TermSimVis_OnNewNodeOver(-1);
+    QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(), QString());
+  }
+
+  void ClickingAWordListsItOverAllIntervals() {
+    QSignalSpy chosen(page_, &ClusterExplorerPage::wordChosen);
+    page_->TermSimVis_OnNodeClick(4);
+    QCOMPARE(chosen.size(), 1);
+    QCOMPARE(chosen[0][0].toInt(), 5);
+    QCOMPARE(chosen[0][1].toInt(), 1);
+    QCOMPARE(chosen[0][2].toInt(), S().WordModel().IntervalCount());
+  }
+
+  void HoveringAnIntervalShowsItsTwoBestTerms() {
+    QSignalSpy hovered(page_, &ClusterExplorerPage::intervalHovered);
+    const int k = IntervalWithTweets(50);
+    QVERIFY(k > 0);
+    page_->ISVis_OnNewNodeOver(k - 1);
+    const QString tip = page_->Panel(MapKind::kIntervals).Surface()->toolTip();
+    QVERIFY2(tip.startsWith(QString::number(k) + QStringLiteral(": ")), qPrintable(tip));
+    QCOMPARE(hovered.size(), 1);
+    QCOMPARE(hovered[0][0].toInt(), k);
+    // The best term has the largest weighted score of the interval.
+    const QString best = tip.section(QStringLiteral(": "), 1).section(QStringLiteral(", "), 0, 0);
+    const std::int32_t bestTerm = S().WordIndex().TermIndex(best.toStdString());
+    QVERIFY(bestTerm > 0 || S().WordIndex().Term(1) == best.toStdString());
+    page_->ISVis_OnNewNodeOver(-1);
+    QCOMPARE(page_->Panel(MapKind::kIntervals).Surface()->toolTip(), QString());
+    QCOMPARE(hovered.size(), 1);
+  }
+
+  void ClickingAnIntervalSelectsItAndMapsItsTweets() {
+    const int k = IntervalWithTweets(30);
+    QVERIFY(k > 0);
+    QSignalSpy selected(page_, &ClusterExplorerPage::intervalSelected);
+    BuildTweetMap(k);
+    QCOMPARE(selected.size(), 1);
+    QCOMPARE(selected[0][0].toInt(), k);
+    QCOMPARE(page_->SelectedInterval(), k);
+    QCOMPARE(Intervals().SelectedNode(), k - 1);
+    QCOMPARE(Tweets().NodeCount(), S().WordModel().IntervalDocCount(k));
+    QCOMPARE(Tweets().NodeLabel(0), QStringLiteral("1"));
+    const ClusterMap* data = page_->Panel(MapKind::kTweets).Data();
+    QVERIFY(data != nullptr);
+    QCOMPARE(data->firstDocument, S().WordModel().FirstDocumentIndex(k));
+    QVERIFY(page_->Panel(MapKind::kIntervals).Surface()->isEnabled());
+
+    // Hover: the tweet's text; click: its corpus row.
+    const DocumentSet& documents = S().Documents();
+    page_->TweetSimVis_OnNewNodeOver(2);
+    QCOMPARE(page_->Panel(MapKind::kTweets).Surface()->toolTip(),
+             QString::fromStdString(documents.Text(data->firstDocument + 2, documents.ContentField())));
+    QSignalSpy chosen(page_, &ClusterExplorerPage::tweetChosen);
+    page_->TweetSimVis_OnNodeClick(2);
+    QCOMPARE(chosen.size(), 1);
+    QCOMPARE(chosen[0][0].toInt(), data->firstDocument + 2);
+
+    // A view change lists the visible tweets in node order.
+    QSignalSpy shown(page_, &ClusterExplorerPage::tweetsShown);
+    Tweets().SetView(AroundNode(Tweets(), 3));
+    page_->TweetSimVis_ViewChanged();
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown[0][0].value<QVector<int>>(), QVector<int>{data->firstDocument + 3});
+    Tweets().SetView(Tweets().HomeView());
+    page_->TweetSimVis_ViewChanged();
+    QCOMPARE(shown[1][0].value<QVector<int>>().size(), Tweets().NodeCount());
+  }
+
+  void TheTimeLineSelectsAndHoversIntervals() {
+    page_->SelectInterval(3);
+    QCOMPARE(Intervals().SelectedNode(), 2);
+    page_->HoverInterval(4);
+    QCOMPARE(Intervals().HoverNode(), 3);
+  }
+
+  void TheLabelSliderShowsItsThresholdAsAPercentage() {
+    QSlider* slider = page_->LabelSlider();
+    QCOMPARE(slider->minimum(), 0);
+    QCOMPARE(slider->maximum(), 250);
+    QCOMPARE(slider->singleStep(), 1);
+    QCOMPARE(slider->pageStep(), 10);
+    slider->setValue(250);
+    QCOMPARE(slider->toolTip(), QStringLiteral("Doc Freq >= 25%"));
+    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{250});
+    slider->setValue(5);
+    QCOMPARE(slider->toolTip(), QStringLiteral("Doc Freq >= 0.5%"));
+    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{5});
+    // Typed as a percentage: within the slider's range it moves the slider, beyond it holds.
+    auto* typed = page_->findChild<QDoubleSpinBox*>(QStringLiteral("TermLabelThreshPercent"));
+    QVERIFY(typed != nullptr);
+    QCOMPARE(typed->value(), 0.5);
+    typed->setValue(3.5);
+    QCOMPARE(slider->value(), 35);
+    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{35});
+    typed->setValue(40.0);
+    QCOMPARE(slider->value(), 250);
+    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{400});
+    slider->setValue(120);
+    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{120});
+    QCOMPARE(typed->value(), 12.0);
+  }
+
+  void TheNodeSizeButtonsScaleByATenth() {
+    const float start = Words().BaseNodeSize();
+    auto buttons = page_->findChildren<QToolButton*>(QStringLiteral("AdjTermNodeSz"));
+    QCOMPARE(buttons.size(), 2);
+    QToolButton* plus = buttons[0]->property("index").toInt() == 1 ? buttons[0] : buttons[1];
+    QToolButton* minus = plus == buttons[0] ? buttons[1] : buttons[0];
+    QCOMPARE(plus->text(), QStringLiteral("+"));
+    for (int i = 0; i < 3; ++i) plus->click();
+    QVERIFY(std::abs(Words().BaseNodeSize() - start * 1.1f * 1.1f * 1.1f) <= 1e-5f * start);
+    for (int i = 0; i < 3; ++i) page_->AdjTermNodeSz_Click(0);
+    minus->click();
+    page_->AdjTermNodeSz_Click(1);
+    const float expected = start * 1.1f * 1.1f * 1.1f * 0.9f * 0.9f * 0.9f * 0.9f * 1.1f;
+    QVERIFY(std::abs(Words().BaseNodeSize() - expected) <= 1e-5f * start);
+    QVERIFY(std::abs(expected / start - 0.99f * 0.99f * 0.99f * 0.99f) < 1e-4f);
+  }
+
+  void OneVisibleWordTurnsTheItemsHoldingItToEntryNine() {
+    const int k = IntervalWithTweets(30);
+    if (page_->Panel(MapKind::kTweets).Data() == nullptr) BuildTweetMap(k);
+    const ClusterMap* tweets = page_->Panel(MapKind::kTweets).Data();
+    const TermDocumentMatrix& index = S().WordIndex();
+    const TextStream& model = S().WordModel();
+    // The most frequent word occurs in some intervals' tweets and not in others.
+    int term = 1;
+    for (int t = 1; t <= index.TermCount(); ++t) {
+      if (index.DocFreq(t) > index.DocFreq(term)) term = t;
+    }
+    Words().SetView(AroundNode(Words(), term - 1));
+    page_->TermSimVis_ViewChanged();
+    QCOMPARE(Intervals().GetClusterColor(9), QColor(0, 255, 0));
+    QCOMPARE(Intervals().GetClusterColor(0), QColor(0, 0, 0));
+    int nines = 0;
+    for (int i = 1; i <= model.IntervalCount(); ++i) {
+      const int expected = model.IntervalFrequency(term, i) != 0.0f ? 9 : 0;
+      QCOMPARE(Intervals().NodeCluster(i - 1), std::int16_t(expected));
+      nines += expected == 9;
+    }
+    QVERIFY(nines > 0);
+    int tweetNines = 0;
+    for (int node = 0; node < Tweets().NodeCount(); ++node) {
+      const int expected = index.TermFreq(term, tweets->firstDocument + node + 1) != 0 ? 9 : 0;
+      QCOMPARE(Tweets().NodeCluster(node), std::int16_t(expected));
+      tweetNines += expected == 9;
+    }
+    QVERIFY(tweetNines > 0);
+
+    // A view without any word keeps the colours.
+    const PointMap2D::ViewRect nowhere{Words().HomeView().right + 1000.0f, Words().HomeView().right + 2000.0f,
+                                       Words().HomeView().bottom + 1000.0f, Words().HomeView().bottom + 2000.0f};
+    Words().SetView(nowhere);
+    page_->TermSimVis_ViewChanged();
+    int unchanged = 0;
+    for (int i = 1; i <= model.IntervalCount(); ++i) unchanged += Intervals().NodeCluster(i - 1) == 9;
+    QCOMPARE(unchanged, nines);
+    Words().SetView(Words().HomeView());
+  }
+
+  void BackAndForwardReturnToEarlierViews() {
+    ClusterMapPanel& panel = page_->Panel(MapKind::kWords);
+    panel.ViewsReset();
+    const PointMap2D::ViewRect home = Words().View();
+    // A lasso zoom, as the user drags it, then a second one.
+    Words().ZoomTo(0, 200.0f);
+    const PointMap2D::ViewRect first = Words().View();
+    panel.RecordView();
+    Words().ZoomTo(1, 400.0f);
+    const PointMap2D::ViewRect second = Words().View();
+    panel.RecordView();
+    QCOMPARE(panel.History().Size(), std::size_t{3});
+    QVERIFY(panel.Back());
+    QVERIFY(app::SameView(Words().View(), first));
+    // Alt+Left on the page goes back once more, Alt+Right forward.
+    f_->Window().show();
+    f_->Window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&f_->Window()));
+    QTest::keyClick(page_, Qt::Key_Left, Qt::AltModifier);
+    QVERIFY(app::SameView(Words().View(), home));
+    QVERIFY(!panel.Back());
+    QTest::keyClick(page_, Qt::Key_Right, Qt::AltModifier);
+    QVERIFY(app::SameView(Words().View(), first));
+    QVERIFY(panel.Forward());
+    QVERIFY(app::SameView(Words().View(), second));
+    QVERIFY(!panel.Forward());
+    // The buttons follow.
+    QVERIFY(panel.findChild<QToolButton*>(QStringLiteral("TermSimVisBack"))->isEnabled());
+    QVERIFY(!panel.findChild<QToolButton*>(QStringLiteral("TermSimVisForward"))->isEnabled());
+    // A zoom after going back drops the views ahead.
+    panel.Back();
+    Words().ZoomTo(2, 300.0f);
+    panel.RecordView();
+    QVERIFY(!panel.History().CanGoForward());
+    // A view change rests kViewRestMs before it is recorded.
+    const std::size_t before = panel.History().Size();
+    Words().ZoomTo(3, 500.0f);
+    emit Words().ViewChanged();
+    QTRY_COMPARE_WITH_TIMEOUT(panel.History().Size(), before + 1, 2000);
+    Words().SetView(Words().HomeView());
+  }
+
+  void EachMapIsSavedAsPictureGraphMlAndTables() {
+    TempDir dir;
+    const QString folder = QString::fromStdString(dir.Path().string());
+    ClusterMapPanel& panel = page_->Panel(MapKind::kIntervals);
+    f_->platform.savedFiles = {folder + QStringLiteral("/intervals.png"),
+                               folder + QStringLiteral("/intervals.graphml")};
+    panel.SavePicture_Click();
+    panel.SaveMapFiles_Click();
+    QVERIFY(f_->platform.boxes.isEmpty());
+    QImage picture(folder + QStringLiteral("/intervals.png"));
+    QVERIFY(!picture.isNull());
+    QFile nodes(folder + QStringLiteral("/intervals_nodes.csv"));
+    QVERIFY(nodes.open(QIODevice::ReadOnly));
+    QCOMPARE(nodes.readLine(), QByteArray("index,label,x,y,weight,degree\r\n"));
+    int rows = 0;
+    while (!nodes.readLine().isEmpty()) ++rows;
+    QCOMPARE(rows, Intervals().NodeCount());
+    QVERIFY(QFile::exists(folder + QStringLiteral("/intervals_edges.csv")));
+    QVERIFY(QFile::exists(folder + QStringLiteral("/intervals.graphml")));
+    // A folder that cannot be written is reported.
+    f_->platform.savedFiles = {QStringLiteral("/nonexistent-folder/x.png")};
+    panel.SavePicture_Click();
+    QCOMPARE(f_->platform.boxes.size(), 1);
+    QVERIFY(f_->platform.boxes[0].text.contains(QStringLiteral("/nonexistent-folder/x.png")));
+    f_->platform.boxes.clear();
+    // A cancelled dialog writes nothing.
+    panel.SavePicture_Click();
+    QVERIFY(f_->platform.boxes.isEmpty());
+  }
+
+  void TheIntervalLevelKeepsTheNodeSet() {
+    QSignalSpy finished(page_, &ClusterExplorerPage::mapFinished);
+    page_->FeatureType_Click(1);
+    QVERIFY(WaitClusterIdle(*f_));
+    QCOMPARE(finished.size(), 1);
+    QVERIFY(finished[0][1].toBool());
+    QCOMPARE(page_->Level(), WordMapLevel::kInterval);
+    QCOMPARE(Words().NodeCount(), S().WordIndex().TermCount());
+    QCOMPARE(Words().NodeLabel(0), QString::fromStdString(S().WordIndex().Term(1)));
+  }
+
+  void CancellingABuildKeepsTheMapAsItWas() {
+    const PointMap2D::ViewRect before = Words().HomeView();
+    const ClusterMap* data = page_->Panel(MapKind::kWords).Data();
+    QSignalSpy finished(page_, &ClusterExplorerPage::mapFinished);
+    page_->FeatureType_Click(0);
+    QVERIFY(f_->Window().Jobs().Busy());
+    f_->Window().Jobs().Cancel();
+    QVERIFY(WaitClusterIdle(*f_));
+    QCOMPARE(finished.size(), 1);
+    QVERIFY(!finished[0][1].toBool());
+    QCOMPARE(page_->Panel(MapKind::kWords).Data(), data);
+    QVERIFY(app::SameView(Words().HomeView(), before));
+    QVERIFY(page_->Panel(MapKind::kWords).Status().startsWith(QStringLiteral("Cancelled")));
+    QVERIFY(f_->platform.boxes.isEmpty());
+  }
+};
+
+QTEST_MAIN(ClusterExplorerTest)
+#include "cluster_explorer_test.moc"

@@ -1,0 +1,141 @@
+// The rules behind the cluster explorer's links, on hand-made numbers: the two best terms of an
+// interval, the visible-word gradient, the slider's tooltip text, and the view history.
+#include <cmath>
+#include <limits>
+
+#include <QTest>
+
+#include "app/cluster_links.h"
+#include "app/map_view_history.h"
+
+using namespace sylvora;
+using app::BestTwoTerms;
+using app::MapViewHistory;
+
+class ClusterLinksTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void OnlyANewBestMovesPlaces_data() {
+    QTest::addColumn<std::vector<float>>("weighted");  // entry t for term t; entry 0 unused
+    QTest::addColumn<int>("best");
+    QTest::addColumn<int>("second");
+    QTest::newRow("0.5, 2, 1") << std::vector<float>{0, 0.5f, 2, 1} << 2 << 1;
+    QTest::newRow("ascending") << std::vector<float>{0, 1, 2, 3} << 3 << 2;
+    QTest::newRow("descending: the second stays empty") << std::vector<float>{0, 3, 2, 1} << 1 << 0;
+    QTest::newRow("equal scores: the later wins") << std::vector<float>{0, 2, 2} << 2 << 1;
+    QTest::newRow("zeros count from the start") << std::vector<float>{0, 0, 0, 0} << 3 << 2;
+    QTest::newRow("negatives never win") << std::vector<float>{0, -1, -2} << 0 << 0;
+    QTest::newRow("no terms") << std::vector<float>{0} << 0 << 0;
+  }
+  void OnlyANewBestMovesPlaces() {
+    QFETCH(std::vector<float>, weighted);
+    QFETCH(int, best);
+    QFETCH(int, second);
+    const BestTwoTerms result = app::PickBestTwoTerms(weighted);
+    QCOMPARE(result.best, best);
+    QCOMPARE(result.second, second);
+  }
+
+  void ScoresAreWeightedByTheLogOfTheFrequency() {
+    const float inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<float> z = {0, 2.0f, inf, nan, 1.5f};
+    const std::vector<float> f = {0, 0.5f, 0.0f, 0.0f, static_cast<float>(std::exp(1.0) - 1.0)};
+    const std::vector<float> weighted = app::WeightedBurstScores(z, f);
+    QCOMPARE(weighted.size(), std::size_t{5});
+    QCOMPARE(weighted[1], static_cast<float>(2.0 * std::log(1.5)));
+    // Absent terms weigh 0 whatever their z-score (not NaN).
+    QCOMPARE(weighted[2], 0.0f);
+    QCOMPARE(weighted[3], 0.0f);
+    QVERIFY(std::abs(weighted[4] - 1.5f) < 1e-6f);
+  }
+
+  void TheGradientRoundsHalvesToEven_data() {
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("visible");
+    QTest::addColumn<int>("entry");
+    QTest::newRow("all") << 7 << 7 << 9;
+    QTest::newRow("none") << 0 << 7 << 0;
+    QTest::newRow("1 of 2: 4.5 -> 4") << 1 << 2 << 4;
+    QTest::newRow("5 of 6: 7.5 -> 8") << 5 << 6 << 8;
+    QTest::newRow("1 of 6: 1.5 -> 2") << 1 << 6 << 2;
+    QTest::newRow("1 of 3: 3") << 1 << 3 << 3;
+    QTest::newRow("2 of 3: 6") << 2 << 3 << 6;
+    QTest::newRow("1 of 18: 0.5 -> 0") << 1 << 18 << 0;
+    QTest::newRow("3 of 18: 1.5 -> 2") << 3 << 18 << 2;
+  }
+  void TheGradientRoundsHalvesToEven() {
+    QFETCH(int, count);
+    QFETCH(int, visible);
+    QFETCH(int, entry);
+    QCOMPARE(app::GradientEntry(count, visible), std::int16_t(entry));
+  }
+
+  void TheGradientRunsFromBlackToGreen() {
+    PointMap2D map;
+    app::SetVisibleWordGradient(map);
+    QCOMPARE(map.GetClusterColor(0), QColor(0, 0, 0));
+    QCOMPARE(map.GetClusterColor(9), QColor(0, 255, 0));
+    QVERIFY(map.GetClusterColor(4).green() > 0 && map.GetClusterColor(4).green() < 255);
+    QCOMPARE(map.GetClusterColor(4).red(), 0);
+  }
+
+  void TheSliderTipIsAPercentage_data() {
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("tip");
+    QTest::newRow("250") << 250 << QStringLiteral("Doc Freq >= 25%");
+    QTest::newRow("5") << 5 << QStringLiteral("Doc Freq >= 0.5%");
+    QTest::newRow("120") << 120 << QStringLiteral("Doc Freq >= 12%");
+    QTest::newRow("0") << 0 << QStringLiteral("Doc Freq >= 0%");
+    QTest::newRow("3") << 3 << QStringLiteral("Doc Freq >= 0.3%");
+    QTest::newRow("125") << 125 << QStringLiteral("Doc Freq >= 12.5%");
+  }
+  void TheSliderTipIsAPercentage() {
+    QFETCH(int, value);
+    QFETCH(QString, tip);
+    QCOMPARE(app::LabelThresholdTip(value), tip);
+  }
+
+  void TheHistoryGoesBackAndForward() {
+    MapViewHistory history;
+    QVERIFY(!history.CanGoBack());
+    QVERIFY(!history.Back());
+    const MapViewHistory::View home{0, 10, 0, 10};
+    const MapViewHistory::View a{1, 2, 1, 2};
+    const MapViewHistory::View b{3, 4, 3, 4};
+    const MapViewHistory::View c{5, 6, 5, 6};
+    history.Reset(home);
+    history.Record(a);
+    history.Record(a);  // the same view once
+    history.Record(b);
+    QCOMPARE(history.Size(), std::size_t{3});
+    QVERIFY(app::SameView(*history.Back(), a));
+    QVERIFY(app::SameView(*history.Back(), home));
+    QVERIFY(!history.Back());
+    QVERIFY(app::SameView(*history.Forward(), a));
+    // A new view after going back drops the ones ahead.
+    history.Record(c);
+    QCOMPARE(history.Size(), std::size_t{3});
+    QVERIFY(!history.CanGoForward());
+    QVERIFY(app::SameView(history.Current(), c));
+    QVERIFY(app::SameView(*history.Back(), a));
+  }
+
+  void TheHistoryKeepsTheLatestViews() {
+    MapViewHistory history;
+    history.Reset({0, 1, 0, 1});
+    for (int i = 1; i <= 150; ++i) {
+      history.Record({static_cast<float>(i), static_cast<float>(i + 1), 0, 1});
+    }
+    QCOMPARE(history.Size(), MapViewHistory::kMaxViews);
+    QCOMPARE(history.Current().left, 150.0f);
+    int steps = 0;
+    while (history.Back()) ++steps;
+    QCOMPARE(steps, static_cast<int>(MapViewHistory::kMaxViews) - 1);
+    QCOMPARE(history.Current().left, 51.0f);
+  }
+};
+
+QTEST_MAIN(ClusterLinksTest)
+#include "cluster_links_test.moc"
