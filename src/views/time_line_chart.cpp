@@ -1,0 +1,354 @@
+#include "views/time_line_chart.h"
+
+#include <QPainter>
+#include <QPen>
+#include <QPolygonF>
+#include <QRectF>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "sparse/number_format.h"
+#include "views/picture_device.h"
+#include "views/table_lens.h"
+
+namespace sylvora {
+namespace {
+
+const QColor kVolumeColour(150, 150, 150);
+const QColor kLinkColour(100, 100, 100);
+const QColor kNoveltyColour(255, 0, 0);
+const QColor kNoveltyPointColour(0, 0, 0);
+const QColor kPositiveColour(0, 255, 0);
+const QColor kNegativeColour(0, 0, 255);
+const QColor kHomogeneityColour(200, 200, 0);
+const QColor kEventColour(0, 0, 128);
+const QColor kHoverColour(50, 50, 50);
+const QColor kSelectedColour(160, 0, 160);
+const QColor kClickedColour(0, 0, 0);
+const QColor kWhite(255, 255, 255);
+
+// Novelty points are circles of a tenth of a column; below half a pixel they would not show.
+constexpr double kNoveltyPointRadius = 0.1;
+constexpr double kSmallestVisibleRadius = 0.5;
+// Sentiment strengths run to 5: the lines plot strength / 5.
+constexpr double kSentimentScale = 5.0;
+// Marks cover 0.9 of the column.
+constexpr double kMarkWidth = 0.9;
+
+QString Formatted(float value, std::string_view pattern) {
+  return QString::fromStdString(FormatNumber(value, pattern));
+}
+
+}  // namespace
+
+QString ChartDetailsText(const TimeLineChartInterval& figures, std::int32_t interval) {
+  return QString::number(figures.documents) + QStringLiteral(" docs ") +
+         QStringLiteral("@ INT #") + QString::number(interval) + QStringLiteral(" (") +
+         figures.start + QStringLiteral("), ") + QStringLiteral("NOV=") +
+         Formatted(figures.novelty * 100.0f, "###") + QStringLiteral("%") +
+         QStringLiteral(", HOM=") + Formatted(figures.detailsHomogeneity * 100.0f, "###") +
+         QStringLiteral("%") + QStringLiteral(", LR=") + Formatted(figures.linkRatio, "0.00") +
+         QStringLiteral(", SENT+ ") + Formatted(figures.positiveMean, "0.00") +
+         QStringLiteral("(") + QString::number(figures.positiveMode) + QStringLiteral(") ") +
+         QStringLiteral(", SENT- ") + Formatted(figures.negativeMean, "0.00") +
+         QStringLiteral("(") + QString::number(figures.negativeMode) + QStringLiteral(")");
+}
+
+TimeLineChart::TimeLineChart(QObject* parent) : QObject(parent) {}
+
+TimeLineChart::~TimeLineChart() = default;
+
+void TimeLineChart::SetPictureSize(QSize size) {
+  offscreenSize_ = size;
+  if (!surface_) Redraw();
+}
+
+QSize TimeLineChart::PictureSize() const { return surface_ ? surface_->Size() : offscreenSize_; }
+
+QWidget* TimeLineChart::ChartSurface() const { return surface_ ? surface_->Widget() : nullptr; }
+
+void TimeLineChart::SetData(TimeLineChartData data) {
+  data_ = std::move(data);
+  hoverInterval_ = 0;
+  selectedInterval_ = 0;
+  overlay_ = OverlayMode::kNone;
+  if (surface_) surface_->SetToolTip(QString());
+  Redraw();
+}
+
+void TimeLineChart::SetNovelty(const std::vector<float>& novelty, std::uint8_t window) {
+  const std::size_t count = std::min(novelty.size(), data_.intervals.size());
+  for (std::size_t k = 0; k < count; ++k) data_.intervals[k].novelty = novelty[k];
+  data_.noveltyWindow = window;
+  Redraw();
+}
+
+void TimeLineChart::SetSentimentAverage(std::int16_t average) {
+  if (average < kMean || average > kMedian) return;
+  sentimentAverage_ = average;
+  Redraw();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Geometry
+
+void TimeLineChart::SetColumnGeometry(const ColumnGeometry& geometry) {
+  customColumns_ = geometry.width > 0.0;
+  columns_ = geometry;
+  Redraw();
+}
+
+void TimeLineChart::ResetColumnGeometry() {
+  customColumns_ = false;
+  Redraw();
+}
+
+TimeLineChart::ColumnGeometry TimeLineChart::Columns() const {
+  if (customColumns_) return columns_;
+  // The term time line's layout without a row header: IntervalCount + 1 columns.
+  const double width = std::max(1, PictureSize().width()) / (IntervalCount() + 1.0);
+  return {width, width, 1};
+}
+
+TimeLineChart::ColumnGeometry TimeLineChart::ColumnGeometryOfLens(const TableLens& lens,
+                                                                  double shift) {
+  const QRectF first = lens.CellRect(0, 1);
+  return {first.left() - shift, first.width(), lens.LeftColumn()};
+}
+
+QPointF TimeLineChart::ToPixels(double x, double y) const {
+  const ColumnGeometry columns = Columns();
+  return {columns.left + (x - columns.firstInterval) * columns.width,
+          (1.0 - y) * PictureSize().height()};
+}
+
+double TimeLineChart::UnitsX(double px) const {
+  const ColumnGeometry columns = Columns();
+  return columns.firstInterval + (px - columns.left) / columns.width;
+}
+
+double TimeLineChart::UnitsY(double py) const {
+  return 1.0 - py / std::max(1, PictureSize().height());
+}
+
+std::int32_t TimeLineChart::IntervalAt(QPointF pixel) const {
+  if (UnitsY(pixel.y()) <= 0.0) return 0;
+  const double x = std::floor(UnitsX(pixel.x()));
+  if (!(x >= 1.0 && x <= IntervalCount())) return 0;
+  return static_cast<std::int32_t>(x);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Drawing
+
+float TimeLineChart::SentimentValue(const TimeLineChartInterval& figures, bool positive) const {
+  switch (sentimentAverage_) {
+    case kMode:
+      return static_cast<float>(positive ? figures.positiveMode : figures.negativeMode);
+    case kMedian:
+      return static_cast<float>(positive ? figures.positiveMedian : figures.negativeMedian);
+    default:
+      return positive ? figures.positiveMean : figures.negativeMean;
+  }
+}
+
+void TimeLineChart::Redraw() {
+  const QSize size = PictureSize();
+  if (picture_.size() != size) {
+    picture_ = NewPicture(size);
+  } else if (!picture_.isNull()) {
+    picture_.fill(kWhite);
+  }
+  if (picture_.isNull()) return;
+  if (surface_) surface_->SetHostCursor(Qt::WaitCursor);
+  {
+    QPainter painter(&picture_);
+    DrawLayers(painter);
+  }
+  if (surface_) {
+    surface_->UnsetHostCursor();
+    surface_->Refresh();
+  }
+}
+
+void TimeLineChart::DrawLayers(QPainter& painter) const {
+  const std::int32_t count = IntervalCount();
+  if (count == 0) return;
+  const auto figures = [this](std::int32_t i) -> const TimeLineChartInterval& {
+    return data_.intervals[static_cast<std::size_t>(i - 1)];
+  };
+
+  // Volume and, over it, the documents with links.
+  const double scale = data_.maxIntervalDocCount > 0 ? 1.0 / data_.maxIntervalDocCount : 0.0;
+  for (std::int32_t i = 1; i <= count; ++i) {
+    const double volume = figures(i).documents * scale;
+    if (volume <= 0.0) continue;
+    painter.fillRect(QRectF(ToPixels(i, volume), ToPixels(i + 1.0, 0.0)), kVolumeColour);
+    const double links = static_cast<double>(figures(i).linkRatio) * volume;
+    if (links > 0.0) {
+      painter.fillRect(QRectF(ToPixels(i, links), ToPixels(i + 1.0, 0.0)), kLinkColour);
+    }
+  }
+
+  painter.setBrush(Qt::NoBrush);
+  QPolygonF line;
+  line.reserve(count + 1);
+
+  // Novelty, from the first interval with a full window.
+  const std::int32_t firstNovel = data_.noveltyWindow + 1;
+  if (firstNovel <= count) {
+    line.append(ToPixels(firstNovel, figures(firstNovel).novelty));
+    for (std::int32_t i = firstNovel; i <= count; ++i) {
+      line.append(ToPixels(i + 0.5, figures(i).novelty));
+    }
+    painter.setPen(QPen(kNoveltyColour, 1));
+    painter.drawPolyline(line);
+    const double radius = kNoveltyPointRadius * Columns().width;
+    if (radius >= kSmallestVisibleRadius) {
+      painter.setPen(QPen(kNoveltyPointColour, 1));
+      for (qsizetype k = 1; k < line.size(); ++k) painter.drawEllipse(line[k], radius, radius);
+    }
+  }
+
+  // Sentiment of each side, from (-1, 0).
+  for (const bool positive : {true, false}) {
+    line.clear();
+    line.append(ToPixels(-1.0, 0.0));
+    for (std::int32_t i = 1; i <= count; ++i) {
+      line.append(ToPixels(i + 0.5, SentimentValue(figures(i), positive) / kSentimentScale));
+    }
+    painter.setPen(QPen(positive ? kPositiveColour : kNegativeColour, 1));
+    painter.drawPolyline(line);
+  }
+
+  // Homogeneity, from (1, hom(1)).
+  if (count >= 2) {
+    line.clear();
+    line.append(ToPixels(1.0, figures(1).homogeneity));
+    for (std::int32_t i = 2; i <= count; ++i) {
+      line.append(ToPixels(i + 0.5, figures(i).homogeneity));
+    }
+    painter.setPen(QPen(kHomogeneityColour, 1));
+    painter.drawPolyline(line);
+  }
+
+  // Event marks along the top.
+  for (std::int32_t i = 1; i <= count; ++i) {
+    if (figures(i).events.isEmpty()) continue;
+    painter.fillRect(QRectF(ToPixels(i + 0.3, 1.0), ToPixels(i + 0.6, 0.9)), kEventColour);
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Overlay
+
+void TimeLineChart::PaintOverlay(QPainter& painter) const {
+  if (overlay_ == OverlayMode::kNone) return;
+  const double bottom = std::max(0, PictureSize().height() - 1);
+  const auto outline = [&](std::int32_t interval, const QColor& colour) {
+    if (!ValidInterval(interval)) return;
+    const double left = ToPixels(interval, 0.0).x();
+    const double right = ToPixels(interval + kMarkWidth, 0.0).x();
+    painter.setPen(QPen(colour, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(QRectF(QPointF(left, 0.0), QPointF(right, bottom)));
+  };
+  if (overlay_ == OverlayMode::kClicked) {
+    outline(selectedInterval_, kClickedColour);
+    return;
+  }
+  outline(hoverInterval_, kHoverColour);
+  outline(selectedInterval_, kSelectedColour);
+}
+
+void TimeLineChart::Paint(QPainter& painter) const {
+  if (picture_.isNull()) return;
+  painter.drawImage(0, 0, picture_);
+  PaintOverlay(painter);
+}
+
+QImage TimeLineChart::Snapshot() const {
+  QImage image = picture_.copy();
+  if (!image.isNull()) {
+    QPainter painter(&image);
+    PaintOverlay(painter);
+  }
+  return image;
+}
+
+QImage TimeLineChart::ClipboardPicture() {
+  Redraw();
+  QImage copy = picture_.copy();
+  Redraw();
+  return copy;
+}
+
+bool TimeLineChart::SavePng(const QString& path, QString& error) const {
+  const QImage image = Snapshot();
+  if (image.isNull()) {
+    error = QStringLiteral("Nothing to draw");
+    return false;
+  }
+  if (!image.save(path, "PNG")) {
+    error = QStringLiteral("Cannot write the picture file \"") + path + QStringLiteral("\"");
+    return false;
+  }
+  return true;
+}
+
+void TimeLineChart::Refresh() {
+  if (surface_) surface_->Refresh();
+}
+
+void TimeLineChart::SurfaceResized() { Redraw(); }
+
+// ---------------------------------------------------------------------------------------------
+// Hover, selection, input
+
+QString TimeLineChart::ChartDetails(std::int32_t interval) const {
+  if (!ValidInterval(interval)) return {};
+  return ChartDetailsText(data_.intervals[static_cast<std::size_t>(interval - 1)], interval);
+}
+
+QString TimeLineChart::ToolTipText(std::int32_t interval) const {
+  if (!ValidInterval(interval)) return {};
+  return data_.intervals[static_cast<std::size_t>(interval - 1)].events;
+}
+
+void TimeLineChart::SetHoverInterval(std::int32_t interval) {
+  if (!ValidInterval(interval) || interval == hoverInterval_) return;
+  hoverInterval_ = interval;
+  overlay_ = OverlayMode::kHover;
+  if (surface_) surface_->SetToolTip(ToolTipText(interval));
+  Refresh();
+  emit HoverChanged(interval, ChartDetails(interval));
+}
+
+void TimeLineChart::SelectInterval(std::int32_t interval) {
+  if (!ValidInterval(interval)) return;
+  hoverInterval_ = interval;
+  selectedInterval_ = interval;
+  overlay_ = OverlayMode::kClicked;
+  Refresh();
+}
+
+void TimeLineChart::MouseMove(QPointF position) { SetHoverInterval(IntervalAt(position)); }
+
+void TimeLineChart::MousePress(Qt::MouseButton button, QPointF position) {
+  if (button != Qt::LeftButton) return;
+  const std::int32_t interval = IntervalAt(position);
+  if (interval == 0) return;
+  SetHoverInterval(interval);
+  SelectInterval(interval);
+  emit IntervalClicked(interval);
+}
+
+void TimeLineChart::MouseDoubleClick(Qt::MouseButton button, QPointF position) {
+  (void)position;
+  if (button != Qt::LeftButton) return;
+  emit ChartDoubleClicked();
+}
+
+}  // namespace sylvora
