@@ -18,12 +18,14 @@ namespace {
 constexpr const char* kUsage =
     "usage: sylvora-cli timeline FILE [--length L] [--unit s|n|h|d|ww] [--novelty-window W]\n"
     "                                 [--burst ratio|temporal|z] [--json] [--events FILE]\n"
-    "                                 [--png FILE] [--yes] and the load and index flags of 'index'\n"
+    "                                 [--png FILE] [--chart-png FILE] [--yes] and the load and\n"
+    "                                 index flags of 'index'\n"
     "  --length L           interval length in units (default 24)\n"
     "  --novelty-window W   intervals compared for novelty, 0..255 (default 1)\n"
     "  --burst M            burst measure of the burst words (default ratio)\n"
     "  --events FILE        tab-separated lines: date-time, description\n"
     "  --png FILE           also draw the term time line (Line style) into a PNG picture\n"
+    "  --chart-png FILE     also draw the main time line (mean sentiment) into a PNG picture\n"
     "  --yes                answer OK to the model-building questions\n";
 
 // Reads an event file: each line's first tab-separated field is the date-time and the second
@@ -127,7 +129,7 @@ std::vector<TimelineRow> TimelineRows(Session& session, std::uint8_t noveltyWind
 int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& out,
                        std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
-  valueOptions.insert({"length", "novelty-window", "burst", "events", "png"});
+  valueOptions.insert({"length", "novelty-window", "burst", "events", "png", "chart-png"});
   std::set<std::string> switches = CorpusSwitches();
   switches.insert("json");
   CommandLine line(valueOptions, switches);
@@ -221,13 +223,26 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     }
     drawing = watch.Lap();
   }
+  if (line.Has("chart-png")) {
+    IntervalSeries series;
+    series.noveltyWindow = static_cast<std::uint8_t>(*window);
+    series.maxIntervalDocCount = session.WordModel().MaxIntervalDocCount();
+    series.rows = rows;
+    std::string error;
+    if (!WriteTimeLineChartPng(series, 0, line.Value("chart-png", ""), PictureSize{1600, 400},
+                               error)) {
+      err << "Error: " << error << '\n';
+      return 1;
+    }
+    drawing += watch.Lap();
+  }
 
   std::vector<StageTiming> stages;
   for (const StageTiming& stage : load.stages) stages.push_back({"load: " + stage.stage, stage.seconds});
   stages.insert(stages.end(), indexed.stages.begin(), indexed.stages.end());
   for (const StageTiming& stage : built.stages) stages.push_back({"model: " + stage.stage, stage.seconds});
   stages.push_back({"scores", scoring});
-  if (line.Has("png")) stages.push_back({"picture", drawing});
+  if (line.Has("png") || line.Has("chart-png")) stages.push_back({"picture", drawing});
   PrintStages(err, stages);
   return 0;
 }

@@ -1,6 +1,5 @@
 #include "views/session_views.h"
 
-#include <utility>
 #include <vector>
 
 #include "indexing/term_document_matrix.h"
@@ -57,31 +56,6 @@ void ShowTermTimeline(TableLens& lens, const TextStream& wordModel,
   for (std::int32_t i = 1; i <= wordModel.IntervalCount(); ++i) {
     lens.SetColumnName(i, QString::fromStdString(wordModel.IntervalDateTimeBounds(i, unitCode)[0]));
   }
-}
-
-TimeLineChartData TimeLineChartDataFromSeries(const IntervalSeries& series) {
-  TimeLineChartData data;
-  data.maxIntervalDocCount = series.maxIntervalDocCount;
-  data.noveltyWindow = series.noveltyWindow;
-  data.intervals.reserve(series.rows.size());
-  for (const IntervalSeriesRow& row : series.rows) {
-    TimeLineChartInterval figures;
-    figures.documents = row.documents;
-    figures.linkRatio = row.linkRatio;
-    figures.novelty = row.novelty;
-    figures.homogeneity = row.homogeneity;
-    figures.detailsHomogeneity = row.detailsHomogeneity;
-    figures.positiveMean = row.positiveMean;
-    figures.positiveMode = row.positiveMode;
-    figures.positiveMedian = row.positiveMedian;
-    figures.negativeMean = row.negativeMean;
-    figures.negativeMode = row.negativeMode;
-    figures.negativeMedian = row.negativeMedian;
-    figures.start = QString::fromStdString(row.start);
-    figures.events = QString::fromStdString(row.events);
-    data.intervals.push_back(std::move(figures));
-  }
-  return data;
 }
 
 }  // namespace sylvora

@@ -7,10 +7,9 @@
 #include <string>
 
 #include "session/cluster_map.h"
-#include "session/interval_series.h"
 #include "views/point_map_2d.h"
 #include "views/table_lens.h"
-#include "views/time_line_chart.h"
+#include "views/time_line_chart_series.h"
 #include "views/view_pictures.h"
 
 namespace sylvora {
@@ -34,9 +33,5 @@ void ShowClusterMap(PointMap2D& map, const ClusterMap& clusterMap,
 // fit, Line style, raw values. The model must outlive the lens's use of it.
 void ShowTermTimeline(TableLens& lens, const TextStream& wordModel,
                       const TermDocumentMatrix& wordIndex, const std::string& unitCode);
-
-// The figures of the main time line from the session's interval series (ComputeIntervalSeries):
-// one chart interval per row, with the series' novelty window and volume scale.
-TimeLineChartData TimeLineChartDataFromSeries(const IntervalSeries& series);
 
 }  // namespace sylvora

@@ -24,8 +24,8 @@
 // column layout (the TableLens that sits below it: ColumnGeometryOfLens).
 //
 // Data. The chart draws a plain copy of the per-interval figures (TimeLineChartData, filled
-// from the session's interval series by TimeLineChartDataFromSeries in session_views.h); it
-// never reads the session and computes no score while painting.
+// from the session's interval series by TimeLineChartDataFromSeries in
+// time_line_chart_series.h); it never reads the session and computes no score while painting.
 //
 // Public API for the page that hosts it:
 //   InitializeChart(host, box)     bind to a widget (box, or a new child "Chart" filling host)

@@ -11,6 +11,7 @@
 #include "views/point_map_2d.h"
 #include "views/session_views.h"
 #include "views/table_lens.h"
+#include "views/time_line_chart.h"
 
 namespace sylvora {
 namespace {
@@ -76,6 +77,29 @@ bool WriteTermTimelinePng(const TextStream& wordModel, const TermDocumentMatrix&
   lens.SetPictureSize(QSize(width, size.height));
   ShowTermTimeline(lens, wordModel, wordIndex, unitCode);
   return Save(lens.Snapshot(), path, error);
+}
+
+bool WriteTimeLineChartPng(const IntervalSeries& series, std::int16_t sentimentAverage,
+                           const std::string& path, PictureSize size, std::string& error) {
+  if (series.rows.empty()) {
+    error = "The series has no intervals";
+    return false;
+  }
+  EnsureGuiApplication();
+  constexpr std::int64_t kColumnPixels = 30;
+  const std::int64_t columnsWidth =
+      kColumnPixels * (static_cast<std::int64_t>(series.rows.size()) + 1);
+  const auto width = static_cast<int>(std::clamp<std::int64_t>(columnsWidth, 320, size.width));
+  TimeLineChart chart;
+  chart.SetPictureSize(QSize(width, size.height));
+  chart.SetSentimentAverage(sentimentAverage);
+  chart.SetData(TimeLineChartDataFromSeries(series));
+  QString message;
+  if (!chart.SavePng(QString::fromStdString(path), message)) {
+    error = message.toStdString();
+    return false;
+  }
+  return true;
 }
 
 }  // namespace sylvora

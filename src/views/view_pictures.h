@@ -13,6 +13,7 @@ namespace sylvora {
 
 class TermDocumentMatrix;
 class TextStream;
+struct IntervalSeries;
 
 // The word map's start label threshold (documents per thousand: 12 %).
 inline constexpr std::int16_t kWordMapLabelThreshold = 120;
@@ -37,5 +38,12 @@ bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
 bool WriteTermTimelinePng(const TextStream& wordModel, const TermDocumentMatrix& wordIndex,
                           const std::string& unitCode, const std::string& path,
                           PictureSize size, std::string& error);
+
+// The main time line of the series (ComputeIntervalSeries) as the time line explorer draws it,
+// with the sentiment lines by `sentimentAverage` (0 mean, 1 mode, 2 median), `size` high and
+// at most `size` wide (columns of at most 30 pixels). False, with `error` saying why, when the
+// series has no intervals or the file cannot be written.
+bool WriteTimeLineChartPng(const IntervalSeries& series, std::int16_t sentimentAverage,
+                           const std::string& path, PictureSize size, std::string& error);
 
 }  // namespace sylvora

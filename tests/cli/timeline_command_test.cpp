@@ -248,6 +248,24 @@ std::vector<std::vector<std::string>> SampleRows(const std::string& length, cons
   return rows;
 }
 
+TEST(TimelineCommand, ChartPngDrawsTheMainTimeLine) {
+  testing::TempDir dir;
+  std::vector<std::string> arguments = SmallArguments(SmallCorpus(dir));
+  const std::string path = (dir.Path() / "chart.png").string();
+  arguments.insert(arguments.end(), {"--chart-png", path});
+  const CommandRun run = Timeline(arguments);
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_EQ(testing::ReadFile(path).substr(0, 4), "\x89PNG");
+  EXPECT_TRUE(Has(run.err, "picture")) << run.err;
+  // The table is the same with or without the picture.
+  EXPECT_EQ(run.out, Timeline(SmallArguments(SmallCorpus(dir))).out);
+
+  arguments.back() = (dir.Path() / "missing" / "chart.png").string();
+  const CommandRun failed = Timeline(arguments);
+  EXPECT_EQ(failed.code, 1);
+  EXPECT_TRUE(Has(failed.err, "Error: Cannot write the picture file")) << failed.err;
+}
+
 TEST(TimelineCommand, TheSampleCorpusShowsItsThreeBursts) {
   // The generator starts the festival burst on 5 Sep 14:00, landfall on 9 Sep 21:00 and the
   // power outage on 10 Sep 04:00 (the corpus runs from 2 Sep).

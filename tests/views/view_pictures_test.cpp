@@ -6,6 +6,7 @@
 #include <QString>
 #include <QTest>
 
+#include "session/interval_series.h"
 #include "support/temp_dir.h"
 #include "temporal/text_stream.h"
 #include "indexing/term_document_matrix.h"
@@ -49,6 +50,33 @@ class ViewPicturesTest : public QObject {
     QVERIFY(!WriteTermTimelinePng(model, index, "h", (dir.Path() / "t.png").string(),
                                   PictureSize{}, error));
     QCOMPARE(QString::fromStdString(error), QStringLiteral("The words model has no intervals"));
+  }
+
+  void timeLineChartPicture() {
+    testing::TempDir dir;
+    IntervalSeries series;
+    series.maxIntervalDocCount = 10;
+    series.noveltyWindow = 1;
+    for (std::int32_t i = 1; i <= 3; ++i) {
+      IntervalSeriesRow row;
+      row.interval = i;
+      row.documents = 10;
+      row.linkRatio = i == 2 ? 0.5f : 0.0f;
+      series.rows.push_back(row);
+    }
+    const std::string path = (dir.Path() / "chart.png").string();
+    std::string error;
+    QVERIFY2(WriteTimeLineChartPng(series, 0, path, PictureSize{1600, 400}, error), error.c_str());
+    const QImage picture(QString::fromStdString(path));
+    // Three intervals and the column before them: 30-pixel columns, at least 320 wide.
+    QCOMPARE(picture.size(), QSize(320, 400));
+    // Interval 2 at x 2..3 of 4 columns (80 pixels each): links in its lower half.
+    QCOMPARE(testing::PixelAt(picture, {200, 100}), QColor(150, 150, 150));
+    QCOMPARE(testing::PixelAt(picture, {200, 300}), QColor(100, 100, 100));
+    QCOMPARE(testing::PixelAt(picture, {40, 300}), QColor(255, 255, 255));
+    QVERIFY(!WriteTimeLineChartPng(IntervalSeries{}, 0, path, PictureSize{}, error));
+    QCOMPARE(QString::fromStdString(error), QStringLiteral("The series has no intervals"));
+    QVERIFY(!WriteTimeLineChartPng(series, 0, "/nonexistent-folder/c.png", PictureSize{}, error));
   }
 
   void unwritableFileIsReported() {
