@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QLabel>
+#include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
@@ -14,6 +15,8 @@
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
 #include "app/platform.h"
+#include "app/time_line_explorer_page.h"
+#include "app/time_line_links.h"
 #include "app/ui_notifier.h"
 
 namespace sylvora::app {
@@ -64,6 +67,10 @@ Main::Main(Platform& platform, StartupEnvironment environment, QWidget* parent)
   tabs_->setObjectName(u"MainTabs"_s);
   loadIndexPage_ = new LoadIndexPage(PageServices{platform_, *notifier_, *jobs_, *session_});
   tabs_->addTab(loadIndexPage_, u"Load and Index"_s);
+  timeLinePage_ = new TimeLineExplorerPage(PageServices{platform_, *notifier_, *jobs_, *session_});
+  tabs_->addTab(timeLinePage_, u"Time Line Explorer"_s);
+  timeLinePage_->InstallMenus(menuBar());
+  timeLineLinks_ = new TimeLineLinks(*loadIndexPage_, *timeLinePage_, *session_, platform_, this);
   setCentralWidget(tabs_);
   connect(loadIndexPage_, &LoadIndexPage::captionChanged, this, &QWidget::setWindowTitle);
   ComposeClusterExplorer();

@@ -28,6 +28,8 @@ class ClusterExplorerPage;
 class JobRunner;
 class LoadIndexPage;
 class RelatedTerms;
+class TimeLineExplorerPage;
+class TimeLineLinks;
 class Platform;
 class UiNotifier;
 
@@ -69,6 +71,7 @@ class Main final : public QMainWindow {
   LoadIndexPage& LoadIndex() { return *loadIndexPage_; }
   ClusterExplorerPage& ClusterExplorer() { return *clusterPage_; }
   RelatedTerms& RelatedWords() { return *relatedTerms_; }
+  TimeLineExplorerPage& TimeLine() { return *timeLinePage_; }
   JobRunner& Jobs() { return *jobs_; }
   Session& CurrentSession() { return *session_; }
   QTabWidget& Tabs() { return *tabs_; }
@@ -95,6 +98,8 @@ class Main final : public QMainWindow {
   LoadIndexPage* loadIndexPage_ = nullptr;
   ClusterExplorerPage* clusterPage_ = nullptr;
   RelatedTerms* relatedTerms_ = nullptr;
+  TimeLineExplorerPage* timeLinePage_ = nullptr;
+  TimeLineLinks* timeLineLinks_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
   QLabel* jobStage_ = nullptr;
   QPushButton* cancelJob_ = nullptr;

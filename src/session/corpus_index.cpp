@@ -250,6 +250,8 @@ IndexReport BuildIndexes(Session& session, const IndexOptions& options,
     return report;
   }
 
+  // The interval models counted the old indexes' terms: they go with them.
+  session.ClearModels();
   session.WordIndex() = std::move(words);
   session.LinkIndex() = std::move(links);
   session.HashtagIndex() = std::move(hashtags);

@@ -127,6 +127,21 @@ TEST_F(IntervalModels, BuildsTheFiveModelsOverTheSameIntervals) {
   EXPECT_EQ(report.stages.size(), 7u);
 }
 
+// Regression: a second indexing run left the models of the first one built, counting terms by
+// the old numbering.
+TEST_F(IntervalModels, IndexingAgainDropsTheModels) {
+  Prepare(EveryTwoHours());
+  ASSERT_TRUE(Build("4").built);
+  IndexOptions index;
+  index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+  index.minDocFrequency = 1;
+  index.maxDocFrequency = 1e9;
+  ASSERT_TRUE(BuildIndexes(session_, index).indexed);
+  EXPECT_FALSE(session_.ModelsBuilt());
+  for (const IndexKind kind : kIndexKinds) EXPECT_EQ(session_.Model(kind).IntervalCount(), 0);
+  EXPECT_EQ(session_.IntervalLength(), 0);
+}
+
 TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
   Prepare(EveryTwoHours());
   ASSERT_TRUE(Build("4").built);

@@ -1,0 +1,652 @@
+// The time line explorer on the sample corpus: the build checks at their boundaries, bad
+// options, a cancelled build keeping the previous models, an interval selected everywhere,
+// the interval lists' columns and formats, the message captions of each term kind, the menus'
+// check marks, the event time line, the clipboard texts and the CSV files.
+#include <QAction>
+#include <QComboBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTest>
+
+#include "app/interval_term_model.h"
+#include "app/job_runner.h"
+#include "app/term_list_model.h"
+#include "app/time_line_explorer_page.h"
+#include "app/tweet_list_model.h"
+#include "app/tweet_view_summary.h"
+#include "session/interval_models.h"
+#include "views/table_lens.h"
+#include "window_fixture.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+using app::IntervalTermModel;
+using app::TimeLineExplorerPage;
+
+namespace {
+
+const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
+
+QString Q(const char* text) { return QString::fromUtf8(text); }
+QString Q(const std::string& text) { return QString::fromStdString(text); }
+
+// A window with the sample loaded and indexed.
+struct Indexed {
+  Indexed() {
+    ok = f.Load(kTwitter11) && f.Index() && f.Window().CurrentSession().Indexed();
+    f.platform.boxes.clear();
+  }
+  TimeLineExplorerPage& Page() { return f.Window().TimeLine(); }
+  Session& S() { return f.Window().CurrentSession(); }
+  // Sets the options and builds; true when a job ran.
+  bool Build(const QString& length = QStringLiteral("24"), const QString& window = QStringLiteral("1")) {
+    f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(length);
+    f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(window);
+    if (!Page().BuildModels_Click()) return false;
+    return f.WaitIdle();
+  }
+  WindowFixture f;
+  bool ok = false;
+};
+
+// Sets the elapsed-time value of the corpus's last document.
+void SetLastElapsed(Session& session, const char* value) {
+  DocumentSet& documents = session.Documents();
+  documents.SetText(documents.DocumentCount() - 1, documents.ElapsedTimeField(), value);
+}
+
+QStringList FirstLines(const QString& path, int count) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  const QString text = QString::fromUtf8(file.readAll());
+  return text.split(QStringLiteral("\r\n")).mid(0, count);
+}
+
+}  // namespace
+
+class TimeLineWorkflowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void PageIsTheSecondTabWithItsControls() {
+    WindowFixture f;
+    auto* tabs = f.Find<QTabWidget>(QStringLiteral("MainTabs"));
+    QCOMPARE(tabs->widget(1)->objectName(), QStringLiteral("TLE_Frame"));
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->text(), QStringLiteral("24"));
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->text(), QStringLiteral("1"));
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("TrunK"))->text(), QStringLiteral("100"));
+    QCOMPARE(f.Find<QPushButton>(QStringLiteral("BuildModels"))->text(),
+             QStringLiteral("(Re)Build Views"));
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("FindTermStr"))->text(),
+             QStringLiteral("[enter search term]"));
+    QVERIFY(!f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
+    QStringList menus;
+    for (QAction* action : f.Window().menuBar()->actions()) menus.push_back(action->text());
+    QVERIFY(menus.contains(QStringLiteral("Main Time Line")));
+    QVERIFY(menus.contains(QStringLiteral("Term Time Line")));
+    QVERIFY(menus.contains(QStringLiteral("Users")));
+    QVERIFY(menus.contains(QStringLiteral("File")));
+  }
+
+  void UnitComboMapsItsTextsToUnitCodes() {
+    WindowFixture f;
+    auto* combo = f.Find<QComboBox>(QStringLiteral("ETI_Combo"));
+    QSignalSpy units(&f.Window().TimeLine(), &TimeLineExplorerPage::intervalUnitChanged);
+    const std::pair<QString, QString> cases[] = {{QStringLiteral("Seconds"), QStringLiteral("s")},
+                                                 {QStringLiteral("Minutes"), QStringLiteral("n")},
+                                                 {QStringLiteral("Days"), QStringLiteral("d")},
+                                                 {QStringLiteral("Weeks"), QStringLiteral("ww")},
+                                                 {QStringLiteral("Hours"), QStringLiteral("h")}};
+    for (const auto& [text, code] : cases) {
+      combo->setCurrentText(text);
+      QCOMPARE(f.Window().TimeLine().IntervalUnit(), code);
+    }
+    QCOMPARE(units.size(), 5);
+  }
+
+  void BuildBeforeIndexingAndClicksBeforeABuildOnlyTellTheUser() {
+    WindowFixture f;
+    f.platform.boxes.clear();
+    QVERIFY(!f.Window().TimeLine().BuildModels_Click());
+    QCOMPARE(f.platform.boxes.size(), 1);
+    f.Window().TimeLine().SelectInterval(3);
+    QCOMPARE(f.platform.boxes.size(), 2);
+    QCOMPARE(f.Window().TimeLine().SelectedInterval(), 0);
+    f.Window().TimeLine().FindTerm_Click(0);
+    QVERIFY(f.platform.boxes.last().text.startsWith(QStringLiteral("Cannot find any variant of ")));
+  }
+
+  void ElapsedFortySevenOverTwentyFourStops() {
+    Indexed w;
+    QVERIFY(w.ok);
+    SetLastElapsed(w.S(), "47");
+    QVERIFY(w.Build());
+    QCOMPARE(w.f.platform.boxes.size(), 1);
+    QCOMPARE(w.f.platform.boxes[0].text, Q(kIntervalTooLongMessage));
+    QCOMPARE(w.f.platform.boxes[0].title, QStringLiteral("Reset Interval Length"));
+    QCOMPARE(w.f.platform.boxes[0].icon, MessageIcon::kExclamation);
+    QVERIFY(!w.f.platform.boxes[0].question);
+    QVERIFY(!w.Page().ModelsBuilt());
+    QVERIFY(w.Page().TIFMView() == nullptr);
+    QVERIFY(w.Page().isEnabled());
+  }
+
+  void ElapsedFortyEightOverTwentyFourAsksAndCancelStops() {
+    Indexed w;
+    QVERIFY(w.ok);
+    SetLastElapsed(w.S(), "48");
+    QVERIFY(w.Build());
+    QCOMPARE(w.f.platform.boxes.size(), 1);
+    QCOMPARE(w.f.platform.boxes[0].text, Q(kFewIntervalsQuestion));
+    QCOMPARE(w.f.platform.boxes[0].title, QStringLiteral("Interval length warning"));
+    QVERIFY(w.f.platform.boxes[0].question);
+    QVERIFY(!w.Page().ModelsBuilt());
+  }
+
+  void BadOptionsGiveAMessageAndBuildNothing() {
+    Indexed w;
+    QVERIFY(w.ok);
+    for (const char* length : {"0", "-3", "abc", ""}) {
+      w.f.platform.boxes.clear();
+      w.Build(Q(length));
+      QCOMPARE(w.f.platform.boxes.size(), 1);
+      QCOMPARE(w.f.platform.boxes[0].text, Q(kIntervalLengthInvalidMessage));
+      QVERIFY(!w.Page().ModelsBuilt());
+    }
+    for (const char* window : {"256", "-1", "x", "1.5"}) {
+      w.f.platform.boxes.clear();
+      QVERIFY(!w.Build(QStringLiteral("24"), Q(window)));
+      QCOMPARE(w.f.platform.boxes.size(), 1);
+      QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("Novelty comparison period")));
+    }
+  }
+
+  void BuildShowsTheTermTimeLineAndFillsTheAllTermLists() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QSignalSpy built(&w.Page(), &TimeLineExplorerPage::modelsBuilt);
+    QVERIFY(w.Build());
+    QVERIFY2(w.Page().ModelsBuilt(), qPrintable(w.f.platform.Texts().join(u'\n')));
+    QCOMPARE(built.size(), 1);
+    const TextStream& words = w.S().WordModel();
+    QVERIFY(words.IntervalCount() >= 10);
+    TableLens* lens = w.Page().TIFMView();
+    QVERIFY(lens != nullptr);
+    QCOMPARE(lens->objectName(), QStringLiteral("TIFMView"));
+    QCOMPARE(lens->TLContainer()->objectName(), QStringLiteral("TIFMViewContainer"));
+    QCOMPARE(int(lens->CellStyle()), int(TableLens::kLine));
+    QVERIFY(!lens->NormedCellValues());
+    QCOMPARE(lens->VisibleColumns(), words.IntervalCount());
+    QCOMPARE(lens->RowName(1), Q(w.S().WordIndex().Term(1)));
+    QCOMPARE(lens->ColumnName(2), Q(words.IntervalDateTimeBounds(2, "h")[0]));
+    QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
+
+    // The temporal columns: first, last and their difference, "000".
+    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kHashtags);
+    for (int row : {0, list.rowCount() - 1}) {
+      const std::int32_t term = list.TermAt(row);
+      const TextStream& tags = w.S().Model(IndexKind::kHashtags);
+      const int first = tags.FirstTermInterval(term);
+      const int last = tags.LastTermInterval(term);
+      QCOMPARE(list.CellText(row, 3), QStringLiteral("%1").arg(first, 3, 10, QLatin1Char('0')));
+      QCOMPARE(list.CellText(row, 4), QStringLiteral("%1").arg(last, 3, 10, QLatin1Char('0')));
+      QCOMPARE(list.CellText(row, 5),
+               QStringLiteral("%1").arg(last - first, 3, 10, QLatin1Char('0')));
+    }
+  }
+
+  void CancelledRebuildKeepsThePreviousModelsAndViews() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    const int intervals = w.S().WordModel().IntervalCount();
+    w.Page().SelectInterval(5);
+    const QString caption = w.Page().TweetViewSummaryText();
+    w.f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(QStringLiteral("6"));
+    QVERIFY(w.Page().BuildModels_Click());
+    QVERIFY(!w.Page().isEnabled());
+    QVERIFY(w.Page().TIFMView() == nullptr);
+    w.f.Window().Jobs().Cancel();
+    QVERIFY(w.f.WaitIdle());
+    QVERIFY(w.Page().ModelsBuilt());
+    QVERIFY(w.S().ModelsBuilt());
+    QCOMPARE(w.S().WordModel().IntervalCount(), intervals);
+    QCOMPARE(w.S().IntervalLength(), 24);
+    QVERIFY(w.Page().TIFMView() != nullptr);
+    QCOMPARE(w.Page().SelectedInterval(), 5);
+    QCOMPARE(w.Page().TweetViewSummaryText(), caption);
+    QVERIFY(w.Page().isEnabled());
+  }
+
+  void AClickSelectsTheIntervalEverywhere() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    QSignalSpy selected(&w.Page(), &TimeLineExplorerPage::intervalSelected);
+    const TextStream& words = w.S().WordModel();
+    const int interval = 4;
+    w.Page().SelectInterval(interval);
+    QCOMPARE(selected.size(), 1);
+    QCOMPARE(selected[0][0].toInt(), interval);
+    QCOMPARE(w.Page().SelectedInterval(), interval);
+    QCOMPARE(w.Page().TIFMView()->CursorColumn(), interval);
+    // The message list: every document of the interval, in corpus order.
+    const int n = words.IntervalDocCount(interval);
+    QVERIFY(n > 0);
+    QCOMPARE(w.Page().TweetList().rowCount(), n);
+    QCOMPARE(w.Page().TweetList().DocumentAt(0), words.FirstDocumentIndex(interval));
+    QCOMPARE(w.Page().TweetList().DocumentAt(n - 1), words.LastDocumentIndex(interval));
+    const auto bounds = words.IntervalDateTimeBounds(interval, "h");
+    QCOMPARE(w.Page().TweetViewSummaryText(),
+             QStringLiteral("SHOWING THE %1 TWEETS FROM: %2 TO: %3")
+                 .arg(n)
+                 .arg(Q(bounds[0]), Q(bounds[1])));
+    // The interval lists, their frame and tab captions, the first row selected.
+    QCOMPARE(w.f.Find<QGroupBox>(QStringLiteral("IntervalTerms_Frame"))->title(),
+             QStringLiteral("Interval #4 Term Statistics"));
+    auto* tabs = w.f.Find<QTabWidget>(QStringLiteral("IntervalTerms"));
+    const char* captions[] = {"Words", "Tags", "Links", "Mentions", "Users"};
+    for (int tab = 0; tab < 5; ++tab) {
+      const IndexKind kind = app::kIntervalListOrder[static_cast<std::size_t>(tab)];
+      const IntervalTermModel& list = w.Page().IntervalTerms(kind);
+      QCOMPARE(tabs->tabText(tab), QStringLiteral("%1 (%2)").arg(Q(captions[tab])).arg(list.rowCount()));
+      int expected = 0;
+      const TextStream& model = w.S().Model(kind);
+      for (std::int32_t t = 1; t <= w.S().Index(kind).TermCount(); ++t) {
+        expected += model.IntervalFrequency(t, interval) > 0 ? 1 : 0;
+      }
+      QCOMPARE(list.rowCount(), expected);
+      if (expected > 0) {
+        const QModelIndexList rows =
+            w.Page().IntervalTermView(kind)->selectionModel()->selectedRows();
+        QCOMPARE(rows.size(), 1);
+        QCOMPARE(rows[0].row(), 0);
+      }
+    }
+    QVERIFY(w.Page().IntervalTerms(IndexKind::kWords).rowCount() > 10);
+
+    // A left click in the term time line selects its column and lists the term there.
+    TableLens* lens = w.Page().TIFMView();
+    std::int32_t term = w.Page().IntervalTerms(IndexKind::kWords).TermAt(0);
+    emit lens->CellMouseClick(term, 6, Qt::LeftButton);
+    QCOMPARE(w.Page().SelectedInterval(), 6);
+    QCOMPARE(lens->CursorColumn(), 6);
+    QVERIFY(w.Page().TweetViewSummaryText().contains(
+        QStringLiteral(" OCCURRENCES OF %1 FROM: ").arg(Q(w.S().WordIndex().Term(term)))));
+    emit lens->CellMouseClick(term, 7, Qt::RightButton);
+    QCOMPARE(w.Page().SelectedInterval(), 6);
+    // Hovering a cell hovers its interval.
+    QSignalSpy hovered(&w.Page(), &TimeLineExplorerPage::intervalHovered);
+    emit lens->CellMouseOver(8, 1);
+    emit lens->CellMouseOver(8, 2);
+    emit lens->CellMouseOver(9, 0);
+    QCOMPARE(hovered.size(), 1);
+    QCOMPARE(w.Page().HoveredInterval(), 8);
+  }
+
+  void IntervalListsHaveTheirColumnsAndFormats() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    const int interval = 5;
+    w.Page().SelectInterval(interval);
+    QCOMPARE(IntervalTermModel::Headings(IndexKind::kWords),
+             (QStringList{QStringLiteral("Term"), QStringLiteral("Z-Score"), QStringLiteral("Ratio"),
+                          QStringLiteral("Temporal"), QStringLiteral("Docs"), QStringLiteral("First"),
+                          QStringLiteral("Sent+"), QStringLiteral("Sent-")}));
+    QCOMPARE(IntervalTermModel::Headings(IndexKind::kHashtags).size(), 6);
+    QCOMPARE(IntervalTermModel::Headings(IndexKind::kUsers),
+             (QStringList{QStringLiteral("Term"), QStringLiteral("Docs"), QStringLiteral("First")}));
+    const QRegularExpression score3(QStringLiteral("^-?\\d{3,}\\.\\d\\d$"));
+    const QRegularExpression score2(QStringLiteral("^-?\\d{2,}\\.\\d\\d$"));
+    const QRegularExpression whole3(QStringLiteral("^\\d{3,}$"));
+    const QRegularExpression mean(QStringLiteral("^\\d\\.\\d\\d$"));
+    const QRegularExpression negativeMean(QStringLiteral("^-?\\d\\.\\d\\d$"));
+    TextStream& words = w.S().WordModel();
+    const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
+    const auto z = words.IntervalBurstScores(interval, TextStream::kZScoreBurst);
+    const auto ratio = words.IntervalBurstScores(interval, TextStream::kRatioBurst);
+    const int n = words.IntervalDocCount(interval);
+    for (int row = 0; row < list.rowCount(); ++row) {
+      const std::int32_t t = list.TermAt(row);
+      QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
+      for (int c : {1, 2, 3}) {
+        if (std::isfinite(c == 1 ? z[static_cast<std::size_t>(t)] : 0.0f)) {
+          QVERIFY2(score3.match(list.CellText(row, c)).hasMatch(), qPrintable(list.CellText(row, c)));
+        }
+      }
+      QVERIFY(whole3.match(list.CellText(row, 4)).hasMatch());
+      QCOMPARE(list.CellText(row, 4).toInt(),
+               static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
+      QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
+      QVERIFY2(mean.match(list.CellText(row, 6)).hasMatch(), qPrintable(list.CellText(row, 6)));
+      QVERIFY2(negativeMean.match(list.CellText(row, 7)).hasMatch(), qPrintable(list.CellText(row, 7)));
+      QCOMPARE(list.CellText(row, 2).toDouble(), std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
+    }
+    const IntervalTermModel& tags = w.Page().IntervalTerms(IndexKind::kHashtags);
+    QVERIFY(tags.rowCount() > 0);
+    for (int row = 0; row < tags.rowCount(); ++row) {
+      QVERIFY2(score2.match(tags.CellText(row, 2)).hasMatch(), qPrintable(tags.CellText(row, 2)));
+      QVERIFY(whole3.match(tags.CellText(row, 4)).hasMatch());
+    }
+    const IntervalTermModel& users = w.Page().IntervalTerms(IndexKind::kUsers);
+    QCOMPARE(users.columnCount(), 3);
+    QVERIFY(whole3.match(users.CellText(0, 1)).hasMatch());
+    QVERIFY(whole3.match(users.CellText(0, 2)).hasMatch());
+  }
+
+  void MessageCaptionsForEachTermKind() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    const int interval = 6;
+    w.Page().SelectInterval(interval);
+    const auto bounds = w.S().WordModel().IntervalDateTimeBounds(interval, "h");
+    const QString range = QStringLiteral(" FROM: %1 TO: %2").arg(Q(bounds[0]), Q(bounds[1]));
+    const std::pair<IndexKind, QString> kinds[] = {
+        {IndexKind::kWords, QStringLiteral(" OCCURRENCES OF %1")},
+        {IndexKind::kLinks, QStringLiteral(" OCCURRENCES OF [%1]")},
+        {IndexKind::kHashtags, QStringLiteral(" OCCURRENCES OF #%1")},
+        {IndexKind::kMentions, QStringLiteral(" MENTIONS OF @%1")},
+        {IndexKind::kUsers, QStringLiteral(" TWEETS BY @%1")}};
+    for (const auto& [kind, what] : kinds) {
+      const IntervalTermModel& list = w.Page().IntervalTerms(kind);
+      QVERIFY2(list.rowCount() > 0, IndexKindName(kind).data());
+      QSignalSpy located(&w.Page(), &TimeLineExplorerPage::termLocated);
+      w.Page().IntervalTerm_Click(kind, 0);
+      const QString term = list.TermTextAt(0);
+      const int k = w.Page().TweetList().rowCount();
+      QCOMPARE(k, list.CellText(0, kind == IndexKind::kWords || kind == IndexKind::kHashtags ? 4 : 1).toInt());
+      QCOMPARE(w.Page().TweetViewSummaryText(),
+               QStringLiteral("SHOWING THE %1").arg(k) + what.arg(kind == IndexKind::kLinks ? term.left(80) : term) + range);
+      QCOMPARE(located.size(), 1);
+      // The same term is selected in its all-term list.
+      QTableView* all = w.f.Page().TermListView(kind);
+      const QModelIndexList rows = all->selectionModel()->selectedRows();
+      QCOMPARE(rows.size(), 1);
+      QCOMPARE(w.f.Page().TermList(kind).CellText(rows[0].row(), 0), term);
+    }
+    // The word's row is marked in the term time line.
+    const std::int32_t word = w.Page().IntervalTerms(IndexKind::kWords).TermAt(0);
+    QVERIFY(w.Page().TIFMView()->RowMarked(word));
+    QCOMPARE(w.Page().TIFMView()->MarkedRowCount(), 1);
+    w.Page().IntervalTerm_Click(IndexKind::kWords, 0);
+    QCOMPARE(w.Page().TIFMView()->MarkedRowCount(), 1);
+  }
+
+  void AllTermListClicksListTheWholeTimeLine() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    const TextStream& words = w.S().WordModel();
+    const TermDocumentMatrix& links = w.S().LinkIndex();
+    emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
+    const int k = w.Page().TweetList().rowCount();
+    QCOMPARE(k, links.DocFreq(1));
+    QCOMPARE(w.Page().TweetList().SortColumn(), 0);
+    QCOMPARE(w.Page().TweetList().SortOrder(), Qt::AscendingOrder);
+    QVERIFY(w.Page().TweetViewSummaryText().endsWith(
+        QStringLiteral(" FROM: %1 TO: %2")
+            .arg(Q(words.IntervalDateTimeBounds(1, "h")[0]),
+                 Q(words.IntervalDateTimeBounds(words.IntervalCount(), "h")[1]))));
+    emit w.f.Page().termClicked(IndexKind::kWords, Q(w.S().WordIndex().Term(3)));
+    QCOMPARE(w.Page().TweetList().rowCount(), w.S().WordIndex().DocFreq(3));
+    QVERIFY(w.Page().TIFMView()->RowMarked(3));
+
+    w.f.platform.boxes.clear();
+    w.Page().AllTermList_Click(IndexKind::kWords, QStringLiteral("zzqqxx"));
+    QCOMPARE(w.f.platform.boxes.size(), 1);
+    QCOMPARE(w.f.platform.boxes[0].text, QStringLiteral("Couldn't locate term in index"));
+    QCOMPARE(w.f.platform.boxes[0].title, QStringLiteral("Error"));
+    QCOMPARE(w.f.platform.boxes[0].icon, MessageIcon::kCritical);
+  }
+
+  void TweetViewColumnsSortingAndSearch() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    w.Page().SelectInterval(3);
+    app::TweetListModel& tweets = w.Page().TweetList();
+    const int last = tweets.columnCount() - 1;
+    QCOMPARE(tweets.headerData(last, Qt::Horizontal).toString(), QStringLiteral("CorpIdx"));
+    QCOMPARE(tweets.headerData(0, Qt::Horizontal).toString(), QStringLiteral("DateTime"));
+    QCOMPARE(tweets.headerData(2, Qt::Horizontal).toString(), QStringLiteral("Tweet"));
+    QCOMPARE(tweets.CellText(0, last), QString::number(tweets.DocumentAt(0)));
+    QCOMPARE(w.Page().TweetView()->columnWidth(last), 1);
+    // Header clicks alternate: ascending, descending, ascending.
+    for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder, Qt::AscendingOrder}) {
+      w.Page().TweetView_HeaderClick(1);
+      QCOMPARE(tweets.SortOrder(), order);
+      for (int row = 1; row < tweets.rowCount(); ++row) {
+        const int compared = tweets.CellText(row - 1, 1).compare(tweets.CellText(row, 1), Qt::CaseInsensitive);
+        QVERIFY(order == Qt::AscendingOrder ? compared <= 0 : compared >= 0);
+      }
+    }
+    w.Page().TweetView_HeaderClick(last);
+    QCOMPARE(tweets.SortOrder(), Qt::AscendingOrder);
+    QVERIFY(tweets.DocumentAt(0) < tweets.DocumentAt(1));
+
+    // The tweet search goes forward from the row after the selection, any column but the first.
+    const QString user = tweets.CellText(tweets.rowCount() - 1, 1);
+    w.f.Find<QLineEdit>(QStringLiteral("FindTermStr"))->setText(user.toUpper());
+    w.Page().FindTerm_Click(1);
+    QModelIndexList rows = w.Page().TweetView()->selectionModel()->selectedRows();
+    QCOMPARE(rows.size(), 1);
+    const int found = rows[0].row();
+    QVERIFY(tweets.CellText(found, 1).contains(user, Qt::CaseInsensitive) ||
+            tweets.CellText(found, 2).contains(user, Qt::CaseInsensitive));
+    // From the last row nothing is found and the selection stays.
+    w.Page().TweetView()->selectRow(tweets.rowCount() - 1);
+    w.Page().FindTerm_Click(1);
+    rows = w.Page().TweetView()->selectionModel()->selectedRows();
+    QCOMPARE(rows[0].row(), tweets.rowCount() - 1);
+  }
+
+  void TimeLineSearchMarksAndFiltersTheRow() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    auto* box = w.f.Find<QLineEdit>(QStringLiteral("FindTermStr"));
+    box->setText(QStringLiteral("zzqqxx"));
+    w.Page().FindTerm_Click(0);
+    QCOMPARE(w.f.platform.boxes.last().text, QStringLiteral("Cannot find any variant of zzqqxx"));
+    QVERIFY(!w.Page().Action(QStringLiteral("mFilterRows"))->isChecked());
+    const std::string term = w.S().WordIndex().Term(7);
+    box->setText(Q(term));
+    QTest::keyClick(box, Qt::Key_Return);
+    QVERIFY(w.Page().TIFMView()->RowMarked(7));
+    QVERIFY(w.Page().TIFMView()->FilterRows());
+    QVERIFY(w.Page().Action(QStringLiteral("mFilterRows"))->isChecked());
+    // A click in the box empties it.
+    QTest::mouseClick(box, Qt::LeftButton);
+    QCOMPARE(box->text(), QString());
+  }
+
+  void MenusKeepTheirCheckMarks() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    TimeLineExplorerPage& page = w.Page();
+    const auto checked = [&page](const QString& name) {
+      QStringList marks;
+      for (QAction* action : page.findChildren<QAction*>(name)) {
+        if (action->isChecked()) marks.push_back(action->text());
+      }
+      return marks;
+    };
+    QCOMPARE(checked(QStringLiteral("mSentiAvg")), QStringList{QStringLiteral("Mean")});
+    QCOMPARE(checked(QStringLiteral("mTIVCell")), QStringList{QStringLiteral("Line")});
+    QCOMPARE(checked(QStringLiteral("mRatioBurst")).size(), 1);
+    QSignalSpy redraws(&page, &TimeLineExplorerPage::chartRedrawRequested);
+    for (QAction* action : page.findChildren<QAction*>(QStringLiteral("mSentiAvg"))) {
+      if (action->text() == QStringLiteral("Median")) action->trigger();
+    }
+    QCOMPARE(checked(QStringLiteral("mSentiAvg")), QStringList{QStringLiteral("Median")});
+    QCOMPARE(page.CurrentSentimentAverage(), TimeLineExplorerPage::kMedian);
+    page.Action(QStringLiteral("mTVRedraw"))->trigger();
+    QCOMPARE(redraws.size(), 2);
+
+    for (QAction* action : page.findChildren<QAction*>(QStringLiteral("mTIVCell"))) {
+      if (action->text() == QStringLiteral("Vertical Bar")) action->trigger();
+    }
+    QCOMPARE(checked(QStringLiteral("mTIVCell")), QStringList{QStringLiteral("Vertical Bar")});
+    QCOMPARE(int(page.TIFMView()->CellStyle()), 4);
+
+    page.Action(QStringLiteral("mFilterRows"))->trigger();
+    QVERIFY(page.Action(QStringLiteral("mFilterRows"))->isChecked());
+    QVERIFY(page.TIFMView()->FilterRows());
+    page.Action(QStringLiteral("mFilterRows"))->trigger();
+    QVERIFY(!page.TIFMView()->FilterRows());
+
+    const QString bursts[] = {QStringLiteral("mRatioBurst"), QStringLiteral("mTemporalBurst"),
+                              QStringLiteral("mTIZBurst")};
+    for (int chosen : {2, 1, 0, 2}) {
+      page.Action(bursts[chosen])->trigger();
+      QCOMPARE(page.BurstMeasure(), chosen);
+      for (int i = 0; i < 3; ++i) QCOMPARE(page.Action(bursts[i])->isChecked(), i == chosen);
+    }
+  }
+
+  void EventFileIsPlacedInItsInterval() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    const QString path = w.f.Folder() + QStringLiteral("/events.txt");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("2013-09-10 12:00:00\tLandfall\textra\r\nno tab on this line\r\n"
+               "someday\tNot a date\r\n\r\n09/09/2013 08:00\tWarning issued\r\n");
+    file.close();
+    w.f.platform.chosenFiles.push_back(path);
+    w.f.platform.boxes.clear();
+    w.Page().GetTL_Click();
+    QCOMPARE(w.f.platform.boxes.size(), 1);
+    QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("2 line(s) of the event file were skipped")));
+    auto* list = w.f.Find<QComboBox>(QStringLiteral("EventList"));
+    QCOMPARE(list->count(), 2);
+    QCOMPARE(list->itemText(0), QStringLiteral("2013-09-10 12:00:00-Landfall-extra"));
+    QVERIFY(!w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
+    QVERIFY(w.Build());
+    const TextStream& words = w.S().WordModel();
+    const auto interval = words.IntervalFromDateTime("2013-09-10 12:00:00", "h");
+    QVERIFY(interval.has_value());
+    QVERIFY(*interval >= 1 && *interval <= words.IntervalCount());
+    QCOMPARE(Q(words.Events(*interval)), QStringLiteral("|Landfall"));
+    const auto warning = words.IntervalFromDateTime("09/09/2013 08:00", "h");
+    QVERIFY(Q(words.Events(*warning)).contains(QStringLiteral("|Warning issued")));
+  }
+
+  void BadEventFilesAreToldAndChangeNothing() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    const QString empty = w.f.Folder() + QStringLiteral("/empty.txt");
+    QFile(empty).open(QIODevice::WriteOnly);
+    const QString noTabs = w.f.Folder() + QStringLiteral("/notabs.txt");
+    QFile file(noTabs);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("line one\nline two\n");
+    file.close();
+    for (const QString& path : {w.f.Folder() + QStringLiteral("/missing.txt"), empty, noTabs}) {
+      w.f.platform.boxes.clear();
+      w.f.platform.chosenFiles.push_back(path);
+      w.Page().GetTL_Click();
+      QCOMPARE(w.f.platform.boxes.size(), 1);
+      QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
+      QCOMPARE(w.f.Find<QComboBox>(QStringLiteral("EventList"))->count(), 0);
+    }
+    w.f.platform.boxes.clear();
+    w.Page().GetTL_Click();  // the dialog cancelled
+    QCOMPARE(w.f.platform.boxes.size(), 0);
+  }
+
+  void ClipboardAndLinkTexts() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    QTableView* users = w.f.Page().TermListView(IndexKind::kUsers);
+    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kUsers);
+    users->selectionModel()->select(list.index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    users->selectionModel()->select(list.index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    w.Page().Action(QStringLiteral("mCopySelectedUsers"))->trigger();
+    QCOMPARE(w.f.platform.clipboardText,
+             list.CellText(0, 0) + QStringLiteral("\r\n") + list.CellText(2, 0) + QStringLiteral("\r\n"));
+
+    // "Follow URL" opens the link of the selected message.
+    const TermDocumentMatrix& links = w.S().LinkIndex();
+    emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
+    w.Page().TweetView()->selectRow(0);
+    w.Page().Action(QStringLiteral("mFollURL"))->trigger();
+    QCOMPARE(w.f.platform.links.size(), 1);
+    const DocumentSet& documents = w.S().Documents();
+    const DocIndex doc = w.Page().TweetList().DocumentAt(0);
+    QCOMPARE(w.f.platform.links[0],
+             QString::fromUtf8(documents.Cell(doc, documents.URLField())).section(u' ', 0, 0, QString::SectionSkipEmpty));
+    QCOMPARE(w.Page().TweetList().CellText(0, 4),
+             QString::fromUtf8(documents.Cell(doc, documents.URLField())));
+  }
+
+  void CsvFilesStartWithTheirHeaders() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    w.Page().SelectInterval(4);
+    const QString terms = w.f.Folder() + QStringLiteral("/terms.csv");
+    QStringList asked;
+    w.Page().SetSaveFileChooser([&](const QString& caption, const QString& name) {
+      asked.push_back(caption + u'|' + name);
+      return terms;
+    });
+    QVERIFY(w.Page().SaveIntervalTermsAs(IndexKind::kWords));
+    QCOMPARE(asked, QStringList{QStringLiteral("Save Interval Term List|interval-004-words.csv")});
+    const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
+    QStringList lines = FirstLines(terms, 2);
+    QCOMPARE(lines[0], QStringLiteral("Term,Z-Score,Ratio,Temporal,Docs,First,Sent+,Sent-"));
+    QStringList cells;
+    for (int c = 0; c < list.columnCount(); ++c) cells.push_back(list.CellText(0, c));
+    QCOMPARE(lines[1], cells.join(u','));
+
+    const QString tweets = w.f.Folder() + QStringLiteral("/tweets.csv");
+    QVERIFY(w.Page().SaveTweetList(tweets));
+    lines = FirstLines(tweets, 1);
+    QVERIFY(lines[0].startsWith(QStringLiteral("DateTime,UserName,Tweet,")));
+    QVERIFY(lines[0].endsWith(QStringLiteral(",CorpIdx")));
+    QFile file(tweets);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll().count("\r\n"), w.Page().TweetList().rowCount() + 1 +
+             0 /* no cell of the sample holds a line break */);
+
+    // An unwritable file is a message.
+    w.f.platform.boxes.clear();
+    QVERIFY(!w.Page().SaveTweetList(w.f.Folder() + QStringLiteral("/no/such/folder/t.csv")));
+    QCOMPARE(w.f.platform.boxes.size(), 1);
+    QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("Cannot write ")));
+  }
+
+  void IndexingAgainDropsTheViews() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    w.Page().SelectInterval(2);
+    QVERIFY(w.f.Index());
+    QVERIFY(!w.Page().ModelsBuilt());
+    QVERIFY(w.Page().TIFMView() == nullptr);
+    QCOMPARE(w.Page().SelectedInterval(), 0);
+    QCOMPARE(w.Page().IntervalTerms(IndexKind::kWords).rowCount(), 0);
+    QCOMPARE(w.Page().TweetList().rowCount(), 0);
+    QVERIFY(w.Page().isEnabled());
+  }
+};
+
+QTEST_MAIN(TimeLineWorkflowTest)
+#include "time_line_workflow_test.moc"
