@@ -10,6 +10,7 @@
 #include <QPixmap>
 #include <QSlider>
 #include <QStringList>
+#include <QTabWidget>
 #include <QTimer>
 
 #include "app/cluster_explorer_page.h"
@@ -17,6 +18,7 @@
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
 #include "app/main_window.h"
+#include "app/time_line_explorer_page.h"
 #include "app/qt_platform.h"
 #include "session/interval_models.h"
 
@@ -137,34 +139,69 @@ void ScreenshotClusters(Main& window, const QString& file, const std::function<v
   if (!started) fail(u"the interval models could not be built"_s);
 }
 
-// Loads and indexes the corpus, saves the window's picture, then the cluster explorer's, and
-// quits with the exit code.
+// The picture of the time line explorer beside `file`: "shot.png" -> "shot-timeline.png".
+QString TimeLinePictureName(const QString& file) {
+  const QFileInfo info(file);
+  const QString base = info.suffix().compare(u"png"_s, Qt::CaseInsensitive) == 0
+                           ? info.completeBaseName()
+                           : info.fileName();
+  return info.dir().filePath(base + u"-timeline.png"_s);
+}
+
+// The interval with the most documents (where the storm is), or 1.
+int BusiestInterval(const Session& session) {
+  const TextStream& words = session.WordModel();
+  int busiest = 1;
+  for (int i = 1; i <= words.IntervalCount(); ++i) {
+    if (words.IntervalDocCount(i) > words.IntervalDocCount(busiest)) busiest = i;
+  }
+  return busiest;
+}
+
+// Loads and indexes the corpus and saves the window's picture; then builds the time line
+// models with the page's defaults, selects the busiest interval and saves the time line
+// explorer's picture; then the cluster explorer's; quits with the exit code.
 void TakeScreenshot(Main& window, const QString& file) {
   LoadIndexPage& page = window.LoadIndex();
+  TimeLineExplorerPage& timeLine = window.TimeLine();
   const auto fail = [](const QString& why) {
     std::fprintf(stderr, "sylvora: %s\n", qUtf8Printable(why));
     QCoreApplication::exit(1);
   };
-  const auto save = [&window, file, fail] {
-    // Let the window lay out and paint its final state first.
-    QTimer::singleShot(200, &window, [&window, file, fail] {
+  // Lets the window lay out and paint its final state, saves it and goes on with `next`.
+  const auto save = [&window, fail](const QString& path, std::function<void()> next) {
+    QTimer::singleShot(200, &window, [&window, path, fail, next] {
       const QPixmap picture = window.grab();
-      if (picture.isNull() || !picture.save(file, "PNG")) {
-        fail(u"cannot save the screenshot to "_s + file);
+      if (picture.isNull() || !picture.save(path, "PNG")) {
+        fail(u"cannot save the screenshot to "_s + path);
         return;
       }
-      std::printf("Screenshot saved to %s\n", qUtf8Printable(QFileInfo(file).absoluteFilePath()));
+      std::printf("Screenshot saved to %s\n", qUtf8Printable(QFileInfo(path).absoluteFilePath()));
       std::fflush(stdout);
-      ScreenshotClusters(window, file, fail);
+      next();
     });
   };
-  QObject::connect(&page, &LoadIndexPage::indexesBuilt, &window, [save, fail](bool built) {
-    if (built) {
-      save();
-    } else {
-      fail(u"the corpus could not be indexed"_s);
-    }
-  });
+  QObject::connect(&timeLine, &TimeLineExplorerPage::modelsBuilt, &window,
+                   [&window, &timeLine, file, save, fail](bool built) {
+                     if (!built) {
+                       fail(u"the time line models could not be built"_s);
+                       return;
+                     }
+                     timeLine.SelectInterval(BusiestInterval(window.CurrentSession()));
+                     save(TimeLinePictureName(file),
+                          [&window, file, fail] { ScreenshotClusters(window, file, fail); });
+                   });
+  QObject::connect(&page, &LoadIndexPage::indexesBuilt, &window,
+                   [&window, &timeLine, file, save, fail](bool built) {
+                     if (!built) {
+                       fail(u"the corpus could not be indexed"_s);
+                       return;
+                     }
+                     save(file, [&window, &timeLine, fail] {
+                       window.Tabs().setCurrentWidget(&timeLine);
+                       if (!timeLine.BuildModels_Click()) fail(u"the model build could not start"_s);
+                     });
+                   });
   QObject::connect(&window, &Main::startupFinished, &window, [&window, &page, fail] {
     if (window.CurrentSession().Documents().DocumentCount() == 0) {
       fail(u"no corpus is loaded (name an existing corpus file)"_s);

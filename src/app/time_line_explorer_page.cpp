@@ -105,15 +105,17 @@ void TimeLineExplorerPage::BuildWidgets() {
   auto* split = Named(new QSplitter(Qt::Vertical), u"TLE_Split"_s);
   split->addWidget(BuildTimeLineArea());
   split->addWidget(BuildListsArea());
-  split->setStretchFactor(0, 3);
-  split->setStretchFactor(1, 2);
+  // The lists below need room for a dozen rows: they get almost half of the height.
+  split->setStretchFactor(0, 5);
+  split->setStretchFactor(1, 4);
   layout->addWidget(split, 1);
 }
 
 QWidget* TimeLineExplorerPage::BuildOptionsRow() {
   auto* row = new QWidget;
-  auto* layout = new QHBoxLayout(row);
-  layout->setContentsMargins(0, 0, 0, 0);
+  auto* lines = new QVBoxLayout(row);
+  lines->setContentsMargins(0, 0, 0, 0);
+  auto* layout = new QHBoxLayout;
   intervalLen_ = Named(new QLineEdit(u"24"_s), u"IntervalLen"_s);
   intervalLen_->setMaximumWidth(60);
   etiCombo_ = Named(new QComboBox, u"ETI_Combo"_s);
@@ -128,9 +130,10 @@ QWidget* TimeLineExplorerPage::BuildOptionsRow() {
   getTL_->setToolTip(u"Requires R6 data. Will activate once interval models have been built"_s);
   getTL_->setEnabled(false);
   eventList_ = Named(new QComboBox, u"EventList"_s);
-  eventList_->setMinimumWidth(160);
+  eventList_->setMinimumWidth(200);
   findTermStr_ = Named(new QLineEdit(kSearchPrompt), u"FindTermStr"_s);
-  findTermStr_->setMaximumWidth(160);
+  findTermStr_->setMinimumWidth(150);
+  findTermStr_->setMaximumWidth(200);
   findTermStr_->installEventFilter(this);
   findTerm_[0] = Named(new QPushButton(u"Find in Time Line View"_s), u"FindTerm"_s);
   findTerm_[1] = Named(new QPushButton(u"Find in Tweet View"_s), u"FindTerm"_s);
@@ -145,13 +148,17 @@ QWidget* TimeLineExplorerPage::BuildOptionsRow() {
   layout->addWidget(new QLabel(u"TrunK"_s));
   layout->addWidget(trunK_);
   layout->addWidget(buildModels_);
-  layout->addSpacing(12);
-  layout->addWidget(getTL_);
-  layout->addWidget(eventList_);
   layout->addStretch(1);
-  layout->addWidget(findTermStr_);
-  layout->addWidget(findTerm_[0]);
-  layout->addWidget(findTerm_[1]);
+  // The event time line and the searches on a second line, so that the page fits 1280 pixels.
+  auto* second = new QHBoxLayout;
+  second->addWidget(getTL_);
+  second->addWidget(eventList_, 1);
+  second->addSpacing(12);
+  second->addWidget(findTermStr_);
+  second->addWidget(findTerm_[0]);
+  second->addWidget(findTerm_[1]);
+  lines->addLayout(layout);
+  lines->addLayout(second);
 
   connect(buildModels_, &QPushButton::clicked, this, [this] { BuildModels_Click(); });
   connect(etiCombo_, &QComboBox::currentTextChanged, this, [this] { ETI_Combo_Click(); });
@@ -201,8 +208,8 @@ QWidget* TimeLineExplorerPage::BuildListsArea() {
     auto* model = new IntervalTermModel(kind, this);
     auto* view = NewListView(u"Int"_s + KindCaption(kind));
     view->setModel(model);
-    view->setColumnWidth(0, kind == IndexKind::kLinks ? 240 : 130);
-    for (int c = 1; c < model->columnCount(); ++c) view->setColumnWidth(c, 62);
+    view->setColumnWidth(0, kind == IndexKind::kLinks ? 240 : 110);
+    for (int c = 1; c < model->columnCount(); ++c) view->setColumnWidth(c, 58);
     intervalModels_[tab] = model;
     intervalViews_[tab] = view;
     intervalTabs_->addTab(view, KindCaption(kind));

@@ -176,7 +176,7 @@ void TimeLineExplorerPage::AttachViews() {
     for (int c = 0; c < tweetModel_->columnCount(); ++c) {
       tweetView_->setColumnWidth(c, c == tweetModel_->ColumnOf(session.Documents().ContentField())
                                         ? 420
-                                        : 110);
+                                        : 124);
     }
     // CorpIdx is one unit wide: there to trace a row back, not to be read.
     tweetView_->setColumnWidth(tweetModel_->CorpIdxColumn(), 1);

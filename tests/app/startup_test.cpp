@@ -141,7 +141,9 @@ class StartupTest : public QObject {
     QCOMPARE(f.Find<QGroupBox>(QStringLiteral("WordIndexOptions_Frame"))->title(),
              QStringLiteral("Word Index Options"));
     const auto* tabs = f.Find<QTabWidget>(QStringLiteral("MainTabs"));
+    QVERIFY(tabs->count() >= 3);
     QCOMPARE(tabs->tabText(0), QStringLiteral("Load and Index"));
+    QCOMPARE(tabs->tabText(1), QStringLiteral("Time Line Explorer"));
     QCOMPARE(tabs->tabText(tabs->count() - 1), QStringLiteral("Cluster Explorer"));
     const auto* lists = f.Find<QTabWidget>(QStringLiteral("TermLists"));
     QCOMPARE(lists->count(), 5);

@@ -153,6 +153,22 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(!w.Page().ModelsBuilt());
   }
 
+  void ElapsedFortyEightOverTwentyFourGoesOnAfterOk() {
+    Indexed w;
+    QVERIFY(w.ok);
+    SetLastElapsed(w.S(), "48");
+    // Fewer than 10 intervals: OK; the largest interval then holds most of the corpus: OK.
+    w.f.platform.answers = {Answer::kOk, Answer::kOk};
+    QVERIFY(w.Build());
+    QCOMPARE(w.f.platform.boxes.size(), 2);
+    QCOMPARE(w.f.platform.boxes[0].text, Q(kFewIntervalsQuestion));
+    QCOMPARE(w.f.platform.boxes[1].text, Q(kLargeIntervalQuestion));
+    QCOMPARE(w.f.platform.boxes[1].title, QStringLiteral("Warning"));
+    QVERIFY(w.Page().ModelsBuilt());
+    QCOMPARE(w.S().WordModel().IntervalCount(), 3);
+    QCOMPARE(w.Page().TIFMView()->VisibleColumns(), 3);
+  }
+
   void BadOptionsGiveAMessageAndBuildNothing() {
     Indexed w;
     QVERIFY(w.ok);
