@@ -74,6 +74,7 @@ Main::Main(Platform& platform, StartupEnvironment environment, QWidget* parent)
   setCentralWidget(tabs_);
   connect(loadIndexPage_, &LoadIndexPage::captionChanged, this, &QWidget::setWindowTitle);
   ComposeClusterExplorer();
+  timeLineLinks_->LinkClusterExplorer(*clusterPage_);
   resize(1280, 800);
 }
 

@@ -30,6 +30,7 @@
 #include "app/platform.h"
 #include "app/tweet_list_model.h"
 #include "views/table_lens.h"
+#include "views/time_line_chart.h"
 
 namespace sylvora::app {
 
@@ -89,9 +90,12 @@ TimeLineExplorerPage::TimeLineExplorerPage(PageServices services, QWidget* paren
     : QWidget(parent), services_(services) {
   setObjectName(u"TLE_Frame"_s);
   chooseSaveFile_ = [this](const QString& caption, const QString& name) {
-    return QFileDialog::getSaveFileName(this, caption, name, u"CSV files (*.csv);;All files (*)"_s);
+    const QString filter = name.endsWith(u".png"_s) ? u"PNG pictures (*.png);;All files (*)"_s
+                                                    : u"CSV files (*.csv);;All files (*)"_s;
+    return QFileDialog::getSaveFileName(this, caption, name, filter);
   };
   BuildWidgets();
+  BuildChart();
   BuildMenus();
   connect(&services_.jobs, &JobRunner::started, this, &TimeLineExplorerPage::OnJobStarted);
   connect(&services_.jobs, &JobRunner::finished, this, &TimeLineExplorerPage::OnJobFinished);
@@ -250,6 +254,7 @@ QWidget* TimeLineExplorerPage::BuildListsArea() {
 bool TimeLineExplorerPage::eventFilter(QObject* watched, QEvent* event) {
   // A click in the search box empties it.
   if (watched == findTermStr_ && event->type() == QEvent::MouseButtonPress) findTermStr_->clear();
+  if (watched == tifmViewContainer_ && event->type() == QEvent::Resize) ScheduleChartAlignment();
   return QWidget::eventFilter(watched, event);
 }
 
@@ -391,6 +396,12 @@ void TimeLineExplorerPage::InstallMenus(QMenuBar* bar) {
   QAction* saveTweets = file->addAction(u"Save Tweet List as CSV..."_s);
   saveTweets->setObjectName(u"mFileSaveTweetList"_s);
   connect(saveTweets, &QAction::triggered, this, [this] { SaveTweetListAs(); });
+  QAction* saveChart = file->addAction(u"Save Time Line Chart as PNG..."_s);
+  saveChart->setObjectName(u"mSaveChart"_s);
+  connect(saveChart, &QAction::triggered, this, [this] { SaveChartPngAs(); });
+  QAction* saveSeries = file->addAction(u"Save Interval Series as CSV..."_s);
+  saveSeries->setObjectName(u"mSaveSeries"_s);
+  connect(saveSeries, &QAction::triggered, this, [this] { SaveSeriesAs(); });
   bar->addMenu(mainTimeLineMenu_);
   bar->addMenu(termTimeLineMenu_);
   bar->addMenu(usersMenu_);
@@ -405,10 +416,10 @@ void TimeLineExplorerPage::SetSentimentAverage(SentimentAverage average) {
   for (std::size_t i = 0; i < sentiAvg_.size(); ++i) {
     sentiAvg_[i]->setChecked(static_cast<int>(i) == average);
   }
-  Redraw();
+  chart_->SetSentimentAverage(average);
+  emit chartRedrawRequested();
 }
 
-void TimeLineExplorerPage::Redraw() { emit chartRedrawRequested(); }
 
 void TimeLineExplorerPage::SetCellStyle(int style) {
   if (style < 0 || style > 4) return;
@@ -416,11 +427,13 @@ void TimeLineExplorerPage::SetCellStyle(int style) {
     cellStyle_[i]->setChecked(static_cast<int>(i) == style);
   }
   if (tifmView_) tifmView_->SetCellStyle(static_cast<std::uint8_t>(style));
+  ScheduleChartAlignment();
 }
 
 void TimeLineExplorerPage::SetFilterRows(bool filter) {
   filterRows_->setChecked(filter);
   if (tifmView_) tifmView_->SetFilterRows(filter);
+  ScheduleChartAlignment();
 }
 
 void TimeLineExplorerPage::SetBurstMeasure(std::int32_t measure) {

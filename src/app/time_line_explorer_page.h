@@ -23,11 +23,13 @@
 #include <vector>
 
 #include <QString>
+#include <QVector>
 #include <QWidget>
 
 #include "app/load_index_page.h"
 #include "app/event_time_line.h"
 #include "session/interval_models.h"
+#include "session/interval_series.h"
 
 class QAction;
 class QActionGroup;
@@ -44,6 +46,7 @@ class QTableView;
 
 namespace sylvora {
 class TableLens;
+class TimeLineChart;
 }
 
 namespace sylvora::app {
@@ -80,6 +83,13 @@ class TimeLineExplorerPage final : public QWidget {
   void IntervalTerm_Click(IndexKind kind, int row);
   // A row click in an all-term list of the "Load and Index" page.
   void AllTermList_Click(IndexKind kind, const QString& term);
+  // Lists the messages holding word `term` (1-based) over intervals first..last (the word
+  // map's clicks).
+  void ShowWordOccurrences(int term, int firstInterval, int lastInterval);
+  // Selects and scrolls to the message of corpus row `row` when the list shows it.
+  void SelectTweet(int row);
+  // Refills the message list with these corpus rows, in this order.
+  void ShowTweets(const QVector<int>& rows);
   // FindTerm(0) "Find in Time Line View" (also Enter in FindTermStr), FindTerm(1) "Find in
   // Tweet View".
   void FindTerm_Click(int index);
@@ -99,6 +109,9 @@ class TimeLineExplorerPage final : public QWidget {
   void SetBurstMeasure(std::int32_t measure);
   // "Follow URL": opens the link of the selected message.
   void FollowUrl();
+  // A double-click on the chart: asks "Copy Temporal View to Clipboard?" and on Yes puts a
+  // freshly drawn picture of the chart on the clipboard.
+  void Chart_DblClick();
 
   // ---- Saving ----
   void SetSaveFileChooser(SaveFileChooser chooser) { chooseSaveFile_ = std::move(chooser); }
@@ -107,6 +120,11 @@ class TimeLineExplorerPage final : public QWidget {
   // Asks for a file, then saves; false when cancelled or failed (the failure is shown).
   bool SaveIntervalTermsAs(IndexKind kind);
   bool SaveTweetListAs();
+  // The chart as PNG and the per-interval series (the "sylvora-cli timeline" columns) as CSV.
+  bool SaveChartPng(const QString& path);
+  bool SaveSeries(const QString& path);
+  bool SaveChartPngAs();
+  bool SaveSeriesAs();
 
   // ---- State, for the window, the other tabs and tests ----
   bool ModelsBuilt() const { return modelsBuilt_; }
@@ -118,6 +136,9 @@ class TimeLineExplorerPage final : public QWidget {
   const std::vector<TimelineEvent>& Events() const { return events_; }
   const ModelReport& LastReport() const { return lastReport_; }
   TableLens* TIFMView() { return tifmView_.get(); }
+  TimeLineChart& Chart() { return *chart_; }
+  // The per-interval figures of the last build (what the chart draws and the series CSV holds).
+  const IntervalSeries& Series() const { return series_; }
   TweetListModel& TweetList() { return *tweetModel_; }
   QTableView* TweetView() { return tweetView_; }
   IntervalTermModel& IntervalTerms(IndexKind kind);
@@ -174,6 +195,13 @@ class TimeLineExplorerPage final : public QWidget {
   void ShowError(const QString& text);
   void ShowTweetMenu(const QPoint& at);
   void ShowIntervalListMenu(IndexKind kind, const QPoint& at);
+  // The main time line: made once, fed from the series of each build.
+  void BuildChart();
+  void ShowChart();
+  // Puts interval i of the chart above column i of the term time line.
+  void AlignChart();
+  void ScheduleChartAlignment();
+  void ShowChartMenu(const QPoint& at);
 
   PageServices services_;
   SaveFileChooser chooseSaveFile_;
@@ -212,6 +240,10 @@ class TimeLineExplorerPage final : public QWidget {
   QScrollBar* tifmViewHScroller_ = nullptr;
   QScrollBar* tifmViewVScroller_ = nullptr;
   std::unique_ptr<TableLens> tifmView_;
+  std::unique_ptr<TimeLineChart> chart_;
+  QWidget* chartBox_ = nullptr;
+  IntervalSeries series_;
+  bool alignmentPending_ = false;
   // Lists
   QGroupBox* intervalTermsFrame_ = nullptr;
   QTabWidget* intervalTabs_ = nullptr;

@@ -102,14 +102,26 @@ bool TimeLineExplorerPage::BuildModels_Click() {
   session.SetModelsBuilt(false);
 
   auto report = std::make_shared<ModelReport>();
+  auto series = std::make_shared<IntervalSeries>();
   auto notifier = std::make_shared<CountingNotifier>(services_.notifier);
+  const std::int32_t burst = burstMeasure_;
   const bool started = services_.jobs.Start(
       kBuildJob,
-      [&session, options, report, notifier](const ProgressCallback& progress) {
+      [&session, options, report, series, notifier, window, burst](
+          const ProgressCallback& progress) {
         *report = BuildModels(session, options, *notifier, progress);
+        // The chart's figures (homogeneity above all) are computed here, off the window's
+        // thread; a cancel in this step cancels the build.
+        if (report->built && !ComputeIntervalSeries(session, window, burst, *series, progress)) {
+          session.ClearModels();
+          report->built = false;
+          report->cancelled = true;
+          report->error = "Model building cancelled";
+        }
       },
-      [this, report, notifier](bool cancelled) {
+      [this, report, series, notifier](bool cancelled) {
         lastReport_ = *report;
+        if (report->built && !cancelled) series_ = std::move(*series);
         if (!report->built && !report->cancelled && !cancelled && notifier->Shown() == 0 &&
             !report->error.empty()) {
           ShowError(QString::fromStdString(report->error));
@@ -185,9 +197,11 @@ void TimeLineExplorerPage::AttachViews() {
   if (!modelsBuilt_) {
     selectedInterval_ = 0;
     hoveredInterval_ = 0;
+    ShowChart();
     return;
   }
   ShowTermTimeLine();
+  ShowChart();
   if (selectedInterval_ >= 1 && selectedInterval_ <= session.WordModel().IntervalCount()) {
     SelectInterval(selectedInterval_);
   }
@@ -229,7 +243,10 @@ void TimeLineExplorerPage::ShowTermTimeLine() {
     for (std::size_t i = 0; i < cellStyle_.size(); ++i) {
       cellStyle_[i]->setChecked(static_cast<int>(i) == style);
     }
+    ScheduleChartAlignment();
   });
+  // A new size lays the lens out again: the chart follows its columns.
+  tifmViewContainer_->installEventFilter(this);
 }
 
 }  // namespace sylvora::app

@@ -14,6 +14,7 @@
 #include "app/tweet_list_model.h"
 #include "app/tweet_view_summary.h"
 #include "views/table_lens.h"
+#include "views/time_line_chart.h"
 
 namespace sylvora::app {
 
@@ -61,6 +62,7 @@ void TimeLineExplorerPage::SelectInterval(std::int32_t interval) {
   selectedInterval_ = interval;
   hoveredInterval_ = interval;
   if (tifmView_) tifmView_->MoveCursor(0, interval);
+  chart_->SelectInterval(interval);
   ShowInterval(interval);
   FillIntervalLists(interval);
   emit intervalSelected(interval);
@@ -68,9 +70,9 @@ void TimeLineExplorerPage::SelectInterval(std::int32_t interval) {
 
 void TimeLineExplorerPage::HoverInterval(std::int32_t interval) {
   if (!modelsBuilt_ || interval == hoveredInterval_) return;
-  if (interval < 1 || interval > services_.session.WordModel().IntervalCount()) return;
-  hoveredInterval_ = interval;
-  emit intervalHovered(interval);
+  if (interval < 1 || interval > chart_->IntervalCount()) return;
+  // The chart's hover: its overlay, ChartDetails and the announcement (HoverChanged).
+  chart_->SetHoverInterval(interval);
 }
 
 void TimeLineExplorerPage::TIFMView_CellMouseClick(int row, int column, Qt::MouseButton button) {
@@ -132,6 +134,35 @@ void TimeLineExplorerPage::ShowTermOccurrences(IndexKind kind, std::int32_t term
   tweetModel_->SetRows(std::move(rows));
   tweetView_->horizontalHeader()->setSortIndicatorShown(false);
   SetSummary(TermSummary(kind, count, Text(index.Term(term)), start, end));
+}
+
+void TimeLineExplorerPage::ShowWordOccurrences(int term, int firstInterval, int lastInterval) {
+  const Session& session = services_.session;
+  if (!modelsBuilt_ || term < 1 || term > session.WordIndex().TermCount()) return;
+  const std::int32_t count = session.WordModel().IntervalCount();
+  if (firstInterval < 1 || lastInterval > count || firstInterval > lastInterval) return;
+  ShowTermOccurrences(IndexKind::kWords, term, firstInterval, lastInterval);
+}
+
+void TimeLineExplorerPage::SelectTweet(int row) {
+  for (int listRow = 0; listRow < tweetModel_->rowCount(); ++listRow) {
+    if (tweetModel_->DocumentAt(listRow) == row) {
+      SelectRow(tweetView_, listRow);
+      return;
+    }
+  }
+}
+
+void TimeLineExplorerPage::ShowTweets(const QVector<int>& rows) {
+  if (tweetModel_->Documents() == nullptr) return;
+  const DocIndex documents = services_.session.Documents().DocumentCount();
+  std::vector<DocIndex> shown;
+  shown.reserve(static_cast<std::size_t>(rows.size()));
+  for (const int row : rows) {
+    if (row >= 0 && row < documents) shown.push_back(row);
+  }
+  tweetModel_->SetRows(std::move(shown));
+  tweetView_->horizontalHeader()->setSortIndicatorShown(false);
 }
 
 void TimeLineExplorerPage::ClearIntervalLists() {

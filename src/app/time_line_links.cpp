@@ -8,6 +8,7 @@
 #include <QTabWidget>
 #include <QTableView>
 
+#include "app/cluster_explorer_page.h"
 #include "app/load_index_page.h"
 #include "app/platform.h"
 #include "app/term_list_model.h"
@@ -44,6 +45,33 @@ TimeLineLinks::TimeLineLinks(LoadIndexPage& loadIndex, TimeLineExplorerPage& tim
   connect(users, &QWidget::customContextMenuRequested, this, [this, users](const QPoint& at) {
     timeLine_.UsersMenu()->popup(users->viewport()->mapToGlobal(at));
   });
+}
+
+void TimeLineLinks::LinkClusterExplorer(ClusterExplorerPage& clusters) {
+  connect(&timeLine_, &TimeLineExplorerPage::modelsBuilt, &clusters, [&clusters](bool built) {
+    if (built) clusters.ModelsRebuilt();
+  });
+  connect(&timeLine_, &TimeLineExplorerPage::intervalSelected, &clusters,
+          &ClusterExplorerPage::SelectInterval);
+  connect(&timeLine_, &TimeLineExplorerPage::intervalHovered, &clusters,
+          &ClusterExplorerPage::HoverInterval);
+  // A selection coming back from the map changes nothing further there: the guard keeps the
+  // two from echoing each other.
+  // Only while the time line shows models (a map may be built over models the time line has
+  // not taken up yet).
+  connect(&clusters, &ClusterExplorerPage::intervalSelected, &timeLine_, [this](int interval) {
+    if (timeLine_.ModelsBuilt() && interval != timeLine_.SelectedInterval()) {
+      timeLine_.SelectInterval(interval);
+    }
+  });
+  connect(&clusters, &ClusterExplorerPage::intervalHovered, &timeLine_,
+          &TimeLineExplorerPage::HoverInterval);
+  connect(&clusters, &ClusterExplorerPage::wordChosen, &timeLine_,
+          &TimeLineExplorerPage::ShowWordOccurrences);
+  connect(&clusters, &ClusterExplorerPage::tweetChosen, &timeLine_,
+          &TimeLineExplorerPage::SelectTweet);
+  connect(&clusters, &ClusterExplorerPage::tweetsShown, &timeLine_,
+          &TimeLineExplorerPage::ShowTweets);
 }
 
 QString TimeLineLinks::SelectedUsersText() const {

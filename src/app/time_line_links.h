@@ -7,7 +7,8 @@
 //  - the interval unit chosen in ETI_Combo is the unit the next load derives elapsed time in;
 //  - the all-users list allows several selected rows, pops up the "Users" menu on the right
 //    button, and "Copy Selected Users" puts their texts on the clipboard, each followed by
-//    CR LF.
+//    CR LF;
+//  - with LinkClusterExplorer, the cluster explorer's maps and the time line follow each other.
 
 #include <QObject>
 
@@ -17,6 +18,7 @@ class Session;
 
 namespace sylvora::app {
 
+class ClusterExplorerPage;
 class LoadIndexPage;
 class Platform;
 class TimeLineExplorerPage;
@@ -28,6 +30,11 @@ class TimeLineLinks final : public QObject {
   // All four outlive this object (the window owns them all).
   TimeLineLinks(LoadIndexPage& loadIndex, TimeLineExplorerPage& timeLine, Session& session,
                 Platform& platform, QObject* parent = nullptr);
+
+  // Links the cluster explorer too: a build marks its maps stale; interval hovers and
+  // selections follow each other both ways; its word, tweet and visible-tweets events show in
+  // the message list.
+  void LinkClusterExplorer(ClusterExplorerPage& clusters);
 
   // The texts that "Copy Selected Users" puts on the clipboard.
   QString SelectedUsersText() const;

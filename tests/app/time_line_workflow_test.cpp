@@ -3,6 +3,7 @@
 // the interval lists' columns and formats, the message captions of each term kind, the menus'
 // check marks, the event time line, the clipboard texts and the CSV files.
 #include <QAction>
+#include <cmath>
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
@@ -18,6 +19,7 @@
 #include <QTableView>
 #include <QTest>
 
+#include "app/cluster_explorer_page.h"
 #include "app/interval_term_model.h"
 #include "app/job_runner.h"
 #include "app/term_list_model.h"
@@ -25,7 +27,9 @@
 #include "app/tweet_list_model.h"
 #include "app/tweet_view_summary.h"
 #include "session/interval_models.h"
+#include "session/interval_series.h"
 #include "views/table_lens.h"
+#include "views/time_line_chart.h"
 #include "window_fixture.h"
 
 using namespace sylvora;
@@ -647,6 +651,134 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(!w.Page().SaveTweetList(w.f.Folder() + QStringLiteral("/no/such/folder/t.csv")));
     QCOMPARE(w.f.platform.boxes.size(), 1);
     QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("Cannot write ")));
+  }
+
+  void ChartIsFedByTheBuildAndLinkedToThePage() {
+    Indexed w;
+    QVERIFY(w.ok);
+    w.f.Window().show();
+    w.f.Window().Tabs().setCurrentWidget(&w.Page());
+    QVERIFY(QTest::qWaitForWindowExposed(&w.f.Window()));
+    QVERIFY(w.Build());
+    TimeLineChart& chart = w.Page().Chart();
+    const TextStream& words = w.S().WordModel();
+    QCOMPARE(chart.IntervalCount(), words.IntervalCount());
+    QCOMPARE(static_cast<int>(w.Page().Series().rows.size()), words.IntervalCount());
+    QCOMPARE(chart.Data().maxIntervalDocCount, words.MaxIntervalDocCount());
+    QVERIFY(chart.ChartSurface() != nullptr);
+    QCOMPARE(chart.ChartSurface()->objectName(), QStringLiteral("Chart"));
+
+    // Interval i of the chart sits above column i of the term time line.
+    QTest::qWait(50);
+    TableLens* lens = w.Page().TIFMView();
+    const int chartLeft = chart.ChartSurface()->mapTo(&w.f.Window(), QPoint(0, 0)).x();
+    const int lensLeft = lens->TLContainer()->mapTo(&w.f.Window(), QPoint(0, 0)).x();
+    for (int column : {1, 5, lens->VisibleColumns()}) {
+      const int interval = lens->LeftColumn() + column - 1;
+      const double chartX = chartLeft + chart.ToPixels(interval, 0).x();
+      const double lensX = lensLeft + lens->CellRect(1, column).left();
+      QVERIFY2(std::abs(chartX - lensX) < 1.0, qPrintable(QStringLiteral("%1 %2").arg(chartX).arg(lensX)));
+    }
+
+    // Hovering a lens cell hovers the chart: ChartDetails shows the chart's text.
+    emit lens->CellMouseOver(7, 1);
+    QCOMPARE(chart.HoverInterval(), 7);
+    QCOMPARE(w.f.Find<QLabel>(QStringLiteral("ChartDetails"))->text(), chart.ChartDetails(7));
+    QVERIFY(w.f.Find<QLabel>(QStringLiteral("ChartDetails"))->text().contains(QStringLiteral("@ INT #7 (")));
+
+    // A click on the chart selects the interval everywhere.
+    const QPointF at = chart.ToPixels(9.5, 0.5);
+    chart.MouseMove(at);
+    QCOMPARE(chart.HoverInterval(), 9);
+    chart.MousePress(Qt::LeftButton, at);
+    QCOMPARE(w.Page().SelectedInterval(), 9);
+    QCOMPARE(chart.SelectedInterval(), 9);
+    QCOMPARE(lens->CursorColumn(), 9);
+    QCOMPARE(w.Page().TweetList().rowCount(), words.IntervalDocCount(9));
+    QVERIFY(w.Page().TweetViewSummaryText().startsWith(
+        QStringLiteral("SHOWING THE %1 TWEETS FROM: ").arg(words.IntervalDocCount(9))));
+    QCOMPARE(w.Page().IntervalTermsCaption(), QStringLiteral("Interval #9 Term Statistics"));
+    // A click in the lens moves the chart's selection too.
+    emit lens->CellMouseClick(1, 3, Qt::LeftButton);
+    QCOMPARE(chart.SelectedInterval(), 3);
+
+    // The double-click copy, after the question.
+    w.f.platform.boxes.clear();
+    chart.MouseDoubleClick(Qt::LeftButton, at);
+    QCOMPARE(w.f.platform.boxes.size(), 1);
+    QCOMPARE(w.f.platform.boxes[0].text, QStringLiteral("Copy Temporal View to Clipboard?"));
+    QCOMPARE(w.f.platform.boxes[0].title, QStringLiteral("Copy"));
+    QVERIFY(w.f.platform.clipboardImage.isNull());
+    w.f.platform.answers.push_back(Answer::kYes);
+    chart.MouseDoubleClick(Qt::LeftButton, at);
+    QVERIFY(!w.f.platform.clipboardImage.isNull());
+    QCOMPARE(w.f.platform.clipboardImage.size(), chart.Picture().size());
+  }
+
+  void ChartMenusAndSaves() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    TimeLineChart& chart = w.Page().Chart();
+    w.Page().SetSentimentAverage(TimeLineExplorerPage::kMode);
+    QCOMPARE(chart.SentimentAverageChoice(), std::int16_t(1));
+    // Redraw takes a new novelty window from NovWinSz.
+    w.f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(QStringLiteral("3"));
+    w.Page().Action(QStringLiteral("mTVRedraw"))->trigger();
+    QCOMPARE(int(chart.Data().noveltyWindow), 3);
+    QCOMPARE(chart.Data().intervals[2].novelty, 0.0f);
+    QCOMPARE(chart.Data().intervals[3].novelty, w.S().WordModel().IntervalNoveltyScore(4, 3));
+
+    const QString png = w.f.Folder() + QStringLiteral("/chart.png");
+    const QString csv = w.f.Folder() + QStringLiteral("/series.csv");
+    QStringList chosen = {png, csv};
+    w.Page().SetSaveFileChooser([&](const QString&, const QString&) { return chosen.takeFirst(); });
+    QVERIFY(w.Page().SaveChartPngAs());
+    QVERIFY(w.Page().SaveSeriesAs());
+    QFile picture(png);
+    QVERIFY(picture.open(QIODevice::ReadOnly));
+    QCOMPARE(picture.read(4), QByteArray("\x89PNG"));
+    QFile series(csv);
+    QVERIFY(series.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = series.readAll().split('\n');
+    QCOMPARE(lines[0], QByteArray(kIntervalSeriesCsvHeader));
+    QVERIFY(lines[1].startsWith("1,"));
+    QCOMPARE(lines.size(), w.S().WordModel().IntervalCount() + 2);
+  }
+
+  void ChartBeforeABuildIsEmptyAndSavesAreRefused() {
+    WindowFixture f;
+    TimeLineExplorerPage& page = f.Window().TimeLine();
+    QCOMPARE(page.Chart().IntervalCount(), 0);
+    f.platform.boxes.clear();
+    QVERIFY(!page.SaveChartPng(f.Folder() + QStringLiteral("/c.png")));
+    QVERIFY(!page.SaveSeries(f.Folder() + QStringLiteral("/s.csv")));
+    QCOMPARE(f.platform.boxes.size(), 2);
+    page.Chart().MousePress(Qt::LeftButton, QPointF(10, 10));
+    page.Chart_DblClick();
+    QCOMPARE(page.SelectedInterval(), 0);
+  }
+
+  void ClusterExplorerFollowsTheTimeLine() {
+    Indexed w;
+    QVERIFY(w.ok);
+    QVERIFY(w.Build());
+    app::ClusterExplorerPage& clusters = w.f.Window().ClusterExplorer();
+    QVERIFY(clusters.IntervalMapStale());
+    w.Page().SelectInterval(4);
+    QCOMPARE(clusters.SelectedInterval(), 4);
+    // The word map's word over the whole time line, a tweet and the visible tweets.
+    const std::int32_t term = 2;
+    emit clusters.wordChosen(term, 1, w.S().WordModel().IntervalCount());
+    QCOMPARE(w.Page().TweetList().rowCount(), w.S().WordIndex().DocFreq(term));
+    const int row = w.Page().TweetList().DocumentAt(3);
+    emit clusters.tweetChosen(row);
+    QCOMPARE(w.Page().TweetView()->selectionModel()->selectedRows().value(0).row(), 3);
+    emit clusters.tweetsShown(QVector<int>{5, 2, 9});
+    QCOMPARE(w.Page().TweetList().rowCount(), 3);
+    QCOMPARE(w.Page().TweetList().DocumentAt(0), 5);
+    emit clusters.intervalSelected(6);
+    QCOMPARE(w.Page().SelectedInterval(), 6);
   }
 
   void IndexingAgainDropsTheViews() {

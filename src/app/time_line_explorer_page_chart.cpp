@@ -1,0 +1,155 @@
+// The main time line chart of the time line explorer: made once, fed with the per-interval
+// series that each build computes on the job's thread (so painting computes nothing), kept
+// aligned with the term time line's columns, with its hover text (ChartDetails), click,
+// double-click copy, and its PNG and series CSV saves.
+#include <QEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QScrollBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "app/platform.h"
+#include "app/time_line_explorer_page.h"
+#include "views/time_line_chart_series.h"
+#include "views/table_lens.h"
+#include "views/time_line_chart.h"
+
+namespace sylvora::app {
+
+using namespace Qt::StringLiterals;
+
+void TimeLineExplorerPage::BuildChart() {
+  chartBox_ = new QWidget;
+  chartBox_->setObjectName(u"Chart"_s);
+  chartBox_->setMinimumHeight(150);
+  chartBox_->setContextMenuPolicy(Qt::CustomContextMenu);
+  chartHost_->layout()->addWidget(chartBox_);
+  chart_ = std::make_unique<TimeLineChart>();
+  chart_->setObjectName(u"TimeLineChart"_s);
+  chart_->InitializeChart(chartHost_, chartBox_);
+  connect(chart_.get(), &TimeLineChart::HoverChanged, this,
+          [this](int interval, const QString& details) {
+            chartDetails_->setText(details);
+            hoveredInterval_ = interval;
+            emit intervalHovered(interval);
+          });
+  connect(chart_.get(), &TimeLineChart::IntervalClicked, this,
+          [this](int interval) { SelectInterval(interval); });
+  connect(chart_.get(), &TimeLineChart::ChartDoubleClicked, this,
+          &TimeLineExplorerPage::Chart_DblClick);
+  connect(chartBox_, &QWidget::customContextMenuRequested, this,
+          &TimeLineExplorerPage::ShowChartMenu);
+  connect(tifmViewHScroller_, &QScrollBar::valueChanged, this,
+          &TimeLineExplorerPage::ScheduleChartAlignment);
+}
+
+void TimeLineExplorerPage::ShowChart() {
+  if (!modelsBuilt_) {
+    series_ = IntervalSeries();
+    chart_->SetData({});
+    chartDetails_->clear();
+    return;
+  }
+  // Models built elsewhere (not by this page's build) have no series here: no chart for them.
+  if (static_cast<std::int32_t>(series_.rows.size()) !=
+      services_.session.WordModel().IntervalCount()) {
+    series_ = IntervalSeries();
+  }
+  chart_->SetData(TimeLineChartDataFromSeries(series_));
+  chart_->SetSentimentAverage(sentimentAverage_);
+  AlignChart();
+}
+
+void TimeLineExplorerPage::ScheduleChartAlignment() {
+  // After the lens has handled the scroll or resize itself.
+  if (alignmentPending_) return;
+  alignmentPending_ = true;
+  QTimer::singleShot(0, this, [this] {
+    alignmentPending_ = false;
+    AlignChart();
+  });
+}
+
+void TimeLineExplorerPage::AlignChart() {
+  if (!tifmView_ || tifmViewContainer_ == nullptr || chart_->IntervalCount() == 0) return;
+  // Both surfaces sit in the frame's first grid column; any difference of their left edges is
+  // taken into account.
+  const int chartLeft = chartBox_->mapTo(tifmFrame_, QPoint(0, 0)).x();
+  const int lensLeft = tifmViewContainer_->mapTo(tifmFrame_, QPoint(0, 0)).x();
+  chart_->SetColumnGeometry(
+      TimeLineChart::ColumnGeometryOfLens(*tifmView_, static_cast<double>(chartLeft - lensLeft)));
+}
+
+void TimeLineExplorerPage::Chart_DblClick() {
+  if (chart_->IntervalCount() == 0) return;
+  if (services_.platform.Ask(u"Copy Temporal View to Clipboard?"_s, u"Copy"_s,
+                             QuestionButtons::kYesNo, MessageIcon::kQuestion) != Answer::kYes) {
+    return;
+  }
+  services_.platform.SetClipboardImage(chart_->ClipboardPicture());
+  chart_->Redraw();
+}
+
+void TimeLineExplorerPage::Redraw() {
+  // The novelty line follows the window in NovWinSz (a cheap recomputation from NM); the rest
+  // of the figures come from the build.
+  std::uint8_t window = 0;
+  bool ok = false;
+  const int value = novWinSz_->text().trimmed().toInt(&ok);
+  if (ok && value >= 0 && value <= 255) window = static_cast<std::uint8_t>(value);
+  if (ok && value >= 0 && value <= 255 && modelsBuilt_ && tifmView_ &&
+      window != chart_->Data().noveltyWindow) {
+    chart_->SetNovelty(IntervalNoveltySeries(services_.session.WordModel(), window), window);
+  }
+  chart_->Redraw();
+  emit chartRedrawRequested();
+}
+
+void TimeLineExplorerPage::ShowChartMenu(const QPoint& at) {
+  QMenu menu;
+  QAction* png = menu.addAction(u"Save Chart as PNG..."_s);
+  QAction* csv = menu.addAction(u"Save Interval Series as CSV..."_s);
+  png->setEnabled(chart_->IntervalCount() > 0);
+  csv->setEnabled(!series_.rows.empty());
+  QAction* chosen = menu.exec(chartBox_->mapToGlobal(at));
+  if (chosen == png) SaveChartPngAs();
+  if (chosen == csv) SaveSeriesAs();
+}
+
+bool TimeLineExplorerPage::SaveChartPng(const QString& path) {
+  QString error;
+  if (chart_->IntervalCount() == 0) {
+    ShowError(u"There is no time line to save yet: click \"(Re)Build Views\" first."_s);
+    return false;
+  }
+  if (chart_->SavePng(path, error)) return true;
+  ShowError(error);
+  return false;
+}
+
+bool TimeLineExplorerPage::SaveSeries(const QString& path) {
+  if (series_.rows.empty()) {
+    ShowError(u"There is no time line to save yet: click \"(Re)Build Views\" first."_s);
+    return false;
+  }
+  std::string error;
+  if (WriteIntervalSeriesCsvFile(path.toStdString(), series_.rows, error)) return true;
+  ShowError(QString::fromStdString(error));
+  return false;
+}
+
+bool TimeLineExplorerPage::SaveChartPngAs() {
+  const QString path = chooseSaveFile_(u"Save Time Line Chart"_s, u"timeline.png"_s);
+  return !path.isEmpty() && SaveChartPng(path);
+}
+
+bool TimeLineExplorerPage::SaveSeriesAs() {
+  const QString path = chooseSaveFile_(u"Save Interval Series"_s, u"timeline.csv"_s);
+  return !path.isEmpty() && SaveSeries(path);
+}
+
+}  // namespace sylvora::app
