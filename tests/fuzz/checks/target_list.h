@@ -11,10 +11,11 @@ std::vector<FuzzTarget> CommonTargets();  // text decoding, numbers, dates
 std::vector<FuzzTarget> CorpusTargets();  // corpus files of every format family
 std::vector<FuzzTarget> IndexingTargets();  // stop list, TDM file
 std::vector<FuzzTarget> NetworkTargets();  // matrix file, Graphviz plain output
+std::vector<FuzzTarget> AppTargets();  // link service reply, settings file
 
 inline std::vector<FuzzTarget> AllTargets() {
   std::vector<FuzzTarget> all;
-  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets(), NetworkTargets()}) {
+  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets(), NetworkTargets(), AppTargets()}) {
     all.insert(all.end(), part.begin(), part.end());
   }
   return all;
