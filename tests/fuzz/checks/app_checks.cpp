@@ -1,13 +1,16 @@
-// Checks of the application's readers of outside bytes: the link expansion service's reply and
-// the settings file "paths".
+// Checks of the application's readers of outside bytes: the link expansion service's reply,
+// the settings file "paths" and the event time line file.
 
 #include <QString>
 
 #include <string>
 
+#include "app/event_time_line.h"
 #include "app/path_settings.h"
 #include "app/short_url_expander.h"
 #include "checks/target_list.h"
+#include "common/date_time.h"
+#include "common/text_decoding.h"
 
 namespace sylvora::fuzz {
 namespace {
@@ -81,12 +84,45 @@ std::string CheckSettingsFile(std::string_view input) {
   return {};
 }
 
+// Whatever the file holds, every non-blank line is either an event or counted as skipped, each
+// kept event has a readable date-time, and its list entry begins with its two fields.
+std::string CheckEventFile(std::string_view input) {
+  const app::EventTimeLine read = app::ParseEventTimeLine(std::string(input));
+  if (read.events.size() != read.listEntries.size()) return "events and list entries differ";
+  if (read.events.empty() != !read.error.empty()) return "error text and events disagree";
+  std::string text(input);
+  DecodeText(text);
+  std::size_t lines = 0;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::size_t end = rest.find('\n');
+    std::string_view line = rest.substr(0, end);
+    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (line.find_first_not_of(" \t") != std::string_view::npos) ++lines;
+  }
+  if (read.events.size() + static_cast<std::size_t>(read.skipped) != lines) {
+    return "events and skipped lines do not add up to the lines";
+  }
+  for (std::size_t i = 0; i < read.events.size(); ++i) {
+    const TimelineEvent& event = read.events[i];
+    if (!DateTime::Parse(event.dateTime)) return "an event without a readable date-time";
+    if (event.description.find_first_of("\t\n") != std::string::npos) {
+      return "a description runs past its field";
+    }
+    if (!read.listEntries[i].starts_with(event.dateTime + "-" + event.description)) {
+      return "a list entry does not start with its event";
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 std::vector<FuzzTarget> AppTargets() {
   return {
       {"short_url_reply", CheckShortUrlReply},
       {"settings_file", CheckSettingsFile},
+      {"event_file", CheckEventFile},
   };
 }
 
