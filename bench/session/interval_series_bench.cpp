@@ -31,11 +31,16 @@ std::size_t TweetCount() {
   return text != nullptr ? std::strtoull(text, nullptr, 10) : 1'000'000;
 }
 
+// Written under a temporary name and renamed when complete, so that an interrupted run
+// leaves no partial corpus behind for the next one.
 std::string CorpusFile(std::size_t tweets) {
-  const auto file = std::filesystem::temp_directory_path() /
-                    ("sylvora-bench-" + std::to_string(tweets) + "_twitter11.txt");
+  const auto folder = std::filesystem::temp_directory_path();
+  const auto file = folder / ("sylvora-bench-series-" + std::to_string(tweets) + "_twitter11.txt");
   if (!std::filesystem::exists(file)) {
-    sylvora::bench::WriteSyntheticCorpus(sylvora::bench::CorpusFormat::kTwitter11, file, tweets);
+    const auto partial = folder / ("sylvora-bench-series-" + std::to_string(tweets) + ".partial");
+    sylvora::bench::WriteSyntheticCorpus(sylvora::bench::CorpusFormat::kTwitter11, partial,
+                                         tweets);
+    std::filesystem::rename(partial, file);
   }
   return file.string();
 }
