@@ -1,13 +1,15 @@
 // The time line explorer on a large generated corpus (SYLVORA_BENCH_TWEETS, default 1,000,000,
 // over 18 days) with one-hour intervals:
 //  - BM_SessionBuildModels: the model build as "sylvora-cli timeline" runs it (BuildModels on
-//    the session, every question answered OK);
+//    the session, every question answered OK, then the per-interval series with the chart's
+//    homogeneity);
 //  - BM_WindowBuildModels: the same from the window's "(Re)Build Views" button, on the job
 //    runner, with the term time line and the message list set up afterwards;
 //  - BM_WindowSelectBusiestInterval: a click on the interval with the most messages (about
 //    20,000 at the default size): the message list, its caption, the lens cursor and the five
 //    interval term lists; "list_ms" is the message list alone (an interval display through the
-//    all-term list of its busiest word would cost a scan; this is the interval display).
+//    all-term list of its busiest word would cost a scan; this is the interval display), and
+//    "rows100_ms" / "rows100k_ms" a list of 100 and of 100,000 messages.
 // Loading and indexing happen outside the timed part. Run one benchmark per process
 // (--benchmark_filter) for its own peak memory.
 
@@ -34,6 +36,7 @@
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "session/interval_models.h"
+#include "session/interval_series.h"
 #include "support/peak_memory.h"
 
 namespace {
@@ -150,6 +153,10 @@ void BM_SessionBuildModels(benchmark::State& state) {
     options.intervalLength = "1";
     const sylvora::ModelReport report = sylvora::BuildModels(session, options, notifier);
     if (!report.built) state.SkipWithError(report.error.c_str());
+    sylvora::IntervalSeries series;
+    if (!sylvora::ComputeIntervalSeries(session, 1, sylvora::TextStream::kRatioBurst, series)) {
+      state.SkipWithError("no series");
+    }
   }
   Report(state, session);
 }
@@ -183,6 +190,8 @@ void BM_WindowSelectBusiestInterval(benchmark::State& state) {
   }
   sylvora::app::TimeLineExplorerPage& page = window->TimeLine();
   double listMs = 0;
+  double rows100Ms = 0;
+  double rows100kMs = 0;
   int other = busiest > 1 ? busiest - 1 : busiest + 1;
   for (auto _ : state) {
     page.SelectInterval(busiest);
@@ -199,8 +208,19 @@ void BM_WindowSelectBusiestInterval(benchmark::State& state) {
     page.TweetList().SetRows(std::move(rows));
     page.TweetView()->repaint();
     listMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    // 100 and 100,000 messages: the list keeps row numbers only, so both cost about the same.
+    for (const int count : {100, 100000}) {
+      QVector<int> shown(count);
+      for (int i = 0; i < count; ++i) shown[i] = i;
+      timer.restart();
+      page.ShowTweets(shown);
+      page.TweetView()->repaint();
+      (count == 100 ? rows100Ms : rows100kMs) = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    }
     state.ResumeTiming();
   }
+  state.counters["rows100_ms"] = rows100Ms;
+  state.counters["rows100k_ms"] = rows100kMs;
   state.counters["interval_docs"] = words.IntervalDocCount(busiest);
   state.counters["list_ms"] = listMs;
   Report(state, window->CurrentSession());
