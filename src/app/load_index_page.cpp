@@ -112,6 +112,10 @@ QWidget* LoadIndexPage::BuildLoadColumn() {
   loadLayout->addWidget(radian_, 1, 0);
   loadLayout->addWidget(loadCorpus_, 1, 1);
   loadLayout->addWidget(loadProgress_, 2, 0, 1, 2);
+  mapColumns_ = Named(new QPushButton(u"Map Columns..."_s), u"MapColumns"_s);
+  mapColumns_->setToolTip(u"Choose the columns of a CSV file that hold the date-time, user, text, "
+                          u"link and sentiment"_s);
+  loadLayout->addWidget(mapColumns_, 3, 1);
   layout->addWidget(loadFrame);
 
   tdmFrame_ = Named(new QGroupBox(u"Create Indexes"_s), u"TDM_Frame"_s);
@@ -138,6 +142,7 @@ QWidget* LoadIndexPage::BuildLoadColumn() {
   connect(loadCorpus_, &QPushButton::clicked, this, [this] { LoadCorpus_Click(); });
   connect(doIndex_, &QPushButton::clicked, this, [this] { DoIndex_Click(); });
   connect(showExpPan_, &QPushButton::clicked, this, &LoadIndexPage::ShowExpPan_Click);
+  connect(mapColumns_, &QPushButton::clicked, this, [this] { MapColumns_Click(); });
   return column;
 }
 
@@ -305,7 +310,8 @@ void LoadIndexPage::ShowExpPan_Click() {
 
 void LoadIndexPage::GetCorpusFilePath_Click() {
   const QString chosen =
-      services_.platform.GetOpenFileName(u"Open a Twitter export"_s, dialogFileName_);
+      services_.platform.GetOpenFileName(u"Open a Twitter export"_s, dialogFileName_,
+                                         CorpusFileFilter());
   if (chosen.isEmpty()) return;
   dialogFileName_ = chosen;
   corpusFilePath_->setText(chosen);

@@ -13,10 +13,14 @@
 #include <array>
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <QWidget>
 
 #include "app/path_settings.h"
+#include "common/progress.h"
 #include "session/session.h"
 
 class QCheckBox;
@@ -36,6 +40,7 @@ namespace sylvora {
 class Notifier;
 class TableLens;
 struct LoadReport;
+struct LoadOptions;
 struct IndexReport;
 }  // namespace sylvora
 
@@ -92,6 +97,16 @@ class LoadIndexPage final : public QWidget {
   void DocViewIndex_Change();
   void DocViewScroll_Change();
   void FieldList_ItemCheck(QListWidgetItem* item);
+  // "Map Columns...": the column-mapping dialog for the named-column CSV in the path box; its
+  // choice is used by the loads of that file. False when the file is no such CSV or the
+  // dialog was cancelled.
+  bool MapColumns_Click();
+
+  // The kinds of file "Browse" lists: tab-separated text, JSON and JSON lines, CSV (each also
+  // gzip-compressed where the importers take it), and all files.
+  static QString CorpusFileFilter();
+  // The column map the loads of `path` use (chosen in the mapping dialog); empty for others.
+  std::vector<std::pair<std::string, std::string>> ColumnMapFor(const QString& path) const;
 
   // ---- For the window, the later tabs and tests ----
   TermListModel& TermList(IndexKind kind);
@@ -145,6 +160,17 @@ class LoadIndexPage final : public QWidget {
   void ShowNoCorpus();
   bool OfferShortLinks(Session& session, LoadReport& report, const std::string& path);
   void FinishLoad(bool cancelled, const LoadReport& report);
+  // JSON and CSV files (load_index_page_import.cpp). Before the job: the column map of a CSV
+  // (the dialog opens when its columns cannot be mapped by name); false leaves the corpus.
+  bool PrepareImport(LoadOptions& options, const std::string& shape);
+  // Runs the dialog; false when cancelled. `why` tells the user what needs choosing.
+  bool ChooseColumnMap(const QString& path, const LoadOptions& options, const QString& why);
+  // On the job's thread: the load, with the offer to skip bad records when some are bad, and
+  // the "Load Error" box naming the import's message.
+  LoadReport LoadImport(Session& session, LoadOptions options, const ProgressCallback& progress);
+  // The lines that say what was imported, before the stage lines.
+  QString ImportProgressLines(const LoadReport& report) const;
+  void ShowImportLoadError(const QString& path, const QString& message);
   void FinishIndexing(bool cancelled, const IndexReport& report);
   void OnJobProgress(const QString& stage);
   void OnTermListDoubleClicked(IndexKind kind, int row);
@@ -158,6 +184,12 @@ class LoadIndexPage final : public QWidget {
   QString loadProgressText_;
   QString docViewText_;
   QString indexingStatus_;
+  // The shape of the file being loaded when it is an import ("X / Twitter API v2 JSON lines");
+  // empty for tab-separated files.
+  QString importShape_;
+  // The mapping dialog's choice and the file it was made for.
+  QString columnMapPath_;
+  std::vector<std::pair<std::string, std::string>> columnMap_;
 
   // Load
   QLineEdit* corpusFilePath_ = nullptr;
@@ -165,6 +197,7 @@ class LoadIndexPage final : public QWidget {
   QCheckBox* radian_ = nullptr;
   QPushButton* loadCorpus_ = nullptr;
   QLabel* loadProgress_ = nullptr;
+  QPushButton* mapColumns_ = nullptr;
   // Options panel
   QPushButton* showExpPan_ = nullptr;
   QGroupBox* expertPanel_ = nullptr;

@@ -86,23 +86,42 @@ bool LoadIndexPage::LoadCorpus_Click() {
   options.maxDocCount = 0;
   options.unitCode = unitCode_.toStdString();
   std::string error;
-  if (!ChooseCorpusFormat(options.path, options.radian, error)) {
-    services_.platform.ShowMessage(u"There was an error loading "_s + path, u"Load Error"_s,
-                                   MessageIcon::kCritical);
+  const auto shape = DetectCorpusShape(options.path, options.radian, error);
+  if (!shape) {
+    // An import that cannot be read says why; a tab-separated file keeps the plain message.
+    if (!options.radian && MayBeImportFile(options.path)) {
+      ShowImportLoadError(path, QString::fromStdString(error));
+      SetLoadProgress(QString::fromStdString(error));
+    } else {
+      services_.platform.ShowMessage(u"There was an error loading "_s + path, u"Load Error"_s,
+                                     MessageIcon::kCritical);
+    }
     return false;
   }
+  const bool imported = shape->imported;
+  if (imported && !PrepareImport(options, shape->description)) {
+    maxDocCount_->setText(QString::number(services_.session.Documents().DocumentCount()));
+    return false;
+  }
+  importShape_ = imported ? QString::fromStdString(shape->description) : QString();
 
   QApplication::setOverrideCursor(Qt::WaitCursor);
   BeginJob();
   ResetTermListCaptions();
-  SetLoadProgress(u"Loading "_s + path + u"..."_s);
+  SetLoadProgress(u"Loading "_s + path +
+                  (imported ? u" ("_s + importShape_ + u")"_s : QString()) + u"..."_s);
   auto report = std::make_shared<LoadReport>();
   Session& session = services_.session;
   const bool started = services_.jobs.Start(
       u"Loading"_s,
-      [this, &session, options, report](const ProgressCallback& progress) {
+      [this, &session, options, report, imported](const ProgressCallback& progress) {
         session.ClearIndexes();
         session.SetIndexed(false);
+        // Imports carry the platform's own expanded links: no short-link offer.
+        if (imported) {
+          *report = LoadImport(session, options, progress);
+          return;
+        }
         *report = LoadCorpus(session, options, services_.notifier, progress,
                              [this, path = options.path](Session& s, LoadReport& r) {
                                return OfferShortLinks(s, r, path);
@@ -176,7 +195,7 @@ void LoadIndexPage::FinishLoad(bool cancelled, const LoadReport& report) {
   if (QListWidgetItem* content = fieldList_->item(documents.ContentField())) {
     content->setCheckState(Qt::Checked);
   }
-  SetLoadProgress(QString::fromStdString(report.progressText));
+  SetLoadProgress(ImportProgressLines(report) + QString::fromStdString(report.progressText));
   DocViewIndex_Change();
   doIndex_->setEnabled(true);
   emit captionChanged(baseCaption_ + u" ["_s + QFileInfo(dialogFileName_).fileName() + u", "_s +

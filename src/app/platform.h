@@ -6,6 +6,7 @@
 //
 // Every call is made on the user-interface thread (UiNotifier takes core messages there).
 
+#include <QDialog>
 #include <QString>
 
 #include "common/notifier.h"
@@ -31,14 +32,18 @@ class Platform {
   virtual void OpenLink(const QString& link) = 0;
   virtual void SetClipboardText(const QString& text) = 0;
   virtual void SetClipboardImage(const QImage& image) = 0;
-  // The common open-file dialog; `fileName` is the name it starts with. Empty when cancelled.
-  virtual QString GetOpenFileName(const QString& caption, const QString& fileName) = 0;
   // The common save-file dialog, starting at `fileName` and offering the file types of `filter`
   // ("PNG picture (*.png)"). Empty when cancelled (and on platforms without dialogs).
   virtual QString GetSaveFileName(const QString& /*caption*/, const QString& /*fileName*/,
                                   const QString& /*filter*/) {
     return {};
   }
+  // The common open-file dialog; `fileName` is the name it starts with, `filter` its list of
+  // file kinds ("Text (*.txt);;All files (*)"), all files when empty. Empty when cancelled.
+  virtual QString GetOpenFileName(const QString& caption, const QString& fileName,
+                                  const QString& filter = {}) = 0;
+  // Runs a modal dialog of the window and returns its result (QDialog::Accepted or Rejected).
+  virtual int ExecDialog(QDialog& dialog) { return dialog.exec(); }
 };
 
 }  // namespace sylvora::app

@@ -57,8 +57,9 @@ void QtPlatform::SetClipboardImage(const QImage& image) {
   QApplication::clipboard()->setImage(image);
 }
 
-QString QtPlatform::GetOpenFileName(const QString& caption, const QString& fileName) {
-  return QFileDialog::getOpenFileName(window_, caption, fileName);
+QString QtPlatform::GetOpenFileName(const QString& caption, const QString& fileName,
+                                    const QString& filter) {
+  return QFileDialog::getOpenFileName(window_, caption, fileName, filter);
 }
 
 QString QtPlatform::GetSaveFileName(const QString& caption, const QString& fileName,

@@ -18,9 +18,10 @@ class QtPlatform final : public Platform {
   void OpenLink(const QString& link) override;
   void SetClipboardText(const QString& text) override;
   void SetClipboardImage(const QImage& image) override;
-  QString GetOpenFileName(const QString& caption, const QString& fileName) override;
   QString GetSaveFileName(const QString& caption, const QString& fileName,
                           const QString& filter) override;
+  QString GetOpenFileName(const QString& caption, const QString& fileName,
+                          const QString& filter = {}) override;
 
  private:
   QPointer<QWidget> window_;

@@ -17,8 +17,10 @@ Answer RecordingPlatform::Ask(const QString& text, const QString& title, Questio
   return buttons == QuestionButtons::kYesNo ? Answer::kNo : Answer::kCancel;
 }
 
-QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileName) {
+QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileName,
+                                           const QString& filter) {
   dialogStartNames.push_back(fileName);
+  dialogFilters.push_back(filter);
   if (chosenFiles.empty()) return {};
   QString chosen = chosenFiles.front();
   chosenFiles.pop_front();
@@ -32,6 +34,17 @@ QString RecordingPlatform::GetSaveFileName(const QString&, const QString& fileNa
   QString chosen = savedFiles.front();
   savedFiles.pop_front();
   return chosen;
+}
+
+int RecordingPlatform::ExecDialog(QDialog& dialog) {
+  dialogNames.push_back(dialog.objectName());
+  if (dialogScripts.empty()) return QDialog::Rejected;
+  const auto script = std::move(dialogScripts.front());
+  dialogScripts.pop_front();
+  dialog.show();
+  const int result = script(dialog);
+  dialog.hide();
+  return result;
 }
 
 QStringList RecordingPlatform::Texts() const {

@@ -3,6 +3,7 @@
 // file dialog, and answers questions and dialogs from scripts.
 
 #include <deque>
+#include <functional>
 
 #include <QImage>
 #include <QString>
@@ -28,9 +29,13 @@ class RecordingPlatform final : public app::Platform {
   void OpenLink(const QString& link) override { links.push_back(link); }
   void SetClipboardText(const QString& text) override { clipboardText = text; }
   void SetClipboardImage(const QImage& image) override { clipboardImage = image; }
-  QString GetOpenFileName(const QString& caption, const QString& fileName) override;
   QString GetSaveFileName(const QString& caption, const QString& fileName,
                           const QString& filter) override;
+  QString GetOpenFileName(const QString& caption, const QString& fileName,
+                          const QString& filter = {}) override;
+  // Records the dialog's object name and runs the next script on it (the dialog is shown but
+  // not run modally); with no script left the dialog is rejected.
+  int ExecDialog(QDialog& dialog) override;
 
   // Answers for the next questions in order; then the negative button (No, Cancel).
   std::deque<Answer> answers;
@@ -38,10 +43,14 @@ class RecordingPlatform final : public app::Platform {
   std::deque<QString> chosenFiles;
   // Names the next save dialogs return in order; then "" (cancelled).
   std::deque<QString> savedFiles;
+  // Scripts for the next modal dialogs in order: each sets the dialog up and returns its result.
+  std::deque<std::function<int(QDialog&)>> dialogScripts;
 
   QVector<RecordedBox> boxes;
   QStringList links;
   QStringList dialogStartNames;
+  QStringList dialogFilters;
+  QStringList dialogNames;
   QString clipboardText;
   QImage clipboardImage;
 

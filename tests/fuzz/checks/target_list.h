@@ -12,10 +12,12 @@ std::vector<FuzzTarget> CorpusTargets();  // corpus files of every format family
 std::vector<FuzzTarget> IndexingTargets();  // stop list, TDM file
 std::vector<FuzzTarget> NetworkTargets();  // matrix file, Graphviz plain output
 std::vector<FuzzTarget> AppTargets();  // link service reply, settings file, event file
+std::vector<FuzzTarget> ImportTargets();  // JSON and named-column CSV exports
 
 inline std::vector<FuzzTarget> AllTargets() {
   std::vector<FuzzTarget> all;
-  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets(), NetworkTargets(), AppTargets()}) {
+  for (auto part : {CommonTargets(), CorpusTargets(), IndexingTargets(), NetworkTargets(),
+                    AppTargets(), ImportTargets()}) {
     all.insert(all.end(), part.begin(), part.end());
   }
   return all;

@@ -1,0 +1,395 @@
+// "Load Twitter File" with JSON and named-column CSV files: the samples load like the
+// tab-separated one, the "Browse" filter, the column-mapping dialog, bad JSON lines and the
+// offer to skip them, broken and unknown files in the "Load Error" path.
+#include <zlib.h>
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QTableView>
+#include <QTest>
+
+#include "app/column_mapping_dialog.h"
+#include "window_fixture.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+
+namespace {
+
+const QString kTsvSample = DataFile(QStringLiteral("sample_twitter11.txt"));
+const QString kJsonSample = DataFile(QStringLiteral("sample_twitter_v2.jsonl"));
+const QString kCsvSample = DataFile(QStringLiteral("sample_twitter.csv"));
+const QString kDoneText = QStringLiteral(
+    "Converting Dates to native format...\r\nExtracting hashtags and mentions to new "
+    "fields...\r\nAll done :)");
+
+QByteArray ReadBytes(const QString& path) {
+  QFile file(path);
+  file.open(QIODevice::ReadOnly);
+  return file.readAll();
+}
+
+QString Write(const QString& folder, const QString& name, const QByteArray& bytes) {
+  const QString path = folder + u'/' + name;
+  QFile file(path);
+  file.open(QIODevice::WriteOnly);
+  file.write(bytes);
+  return path;
+}
+
+// `bytes` as one gzip member.
+QByteArray Gzip(const QByteArray& bytes) {
+  z_stream stream{};
+  deflateInit2(&stream, 6, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
+  QByteArray out(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))),
+                 '\0');
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+  stream.avail_in = static_cast<uInt>(bytes.size());
+  stream.next_out = reinterpret_cast<Bytef*>(out.data());
+  stream.avail_out = static_cast<uInt>(out.size());
+  deflate(&stream, Z_FINISH);
+  out.resize(static_cast<qsizetype>(stream.total_out));
+  deflateEnd(&stream);
+  return out;
+}
+
+// The first `count` lines of a file.
+QByteArray FirstLines(const QString& path, int count) {
+  const QList<QByteArray> lines = ReadBytes(path).split('\n');
+  QByteArray out;
+  for (int i = 0; i < count && i < lines.size(); ++i) out += lines[i] + '\n';
+  return out;
+}
+
+QStringList Strings(const QSignalSpy& spy) {
+  QStringList texts;
+  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
+  return texts;
+}
+
+QStringList Titles(const RecordingPlatform& platform) {
+  QStringList titles;
+  for (const RecordedBox& box : platform.boxes) titles.push_back(box.title);
+  return titles;
+}
+
+// A CSV whose columns the built-in names do not find: "when,who,words".
+const QByteArray kOddCsv =
+    "when,who,words\r\n"
+    "2013-09-02 00:13:19,ann,\"The harbour road is closed, say the police\"\r\n"
+    "2013-09-02 01:00:00,bob,\"Storm \"\"Marisol\"\" is coming\nstay safe #storm\"\r\n"
+    "2013-09-03 12:30:00,cy,Sandbags at the town hall until six\r\n";
+
+}  // namespace
+
+class ImportWorkflowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void ImportedSamplesLoadLikeTheTabSeparatedOne_data() {
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("shape");
+    QTest::newRow("v2 JSON lines") << kJsonSample << QStringLiteral("X / Twitter API v2 JSON lines");
+    QTest::newRow("CSV") << kCsvSample << QStringLiteral("named-column CSV");
+  }
+
+  void ImportedSamplesLoadLikeTheTabSeparatedOne() {
+    QFETCH(QString, path);
+    QFETCH(QString, shape);
+    WindowFixture f;
+    QVERIFY(f.Load(kTsvSample));
+    const DocumentSet& documents = f.Window().CurrentSession().Documents();
+    const DocIndex tsvCount = documents.DocumentCount();
+    const QString tsvFirst = QString::fromUtf8(documents.Cell(0, 0));
+    const QString tsvLast = QString::fromUtf8(documents.Cell(tsvCount - 1, 0));
+    const QString tsvText = QString::fromUtf8(documents.Cell(0, documents.ContentField()));
+    const QString tsvCaption = f.Window().windowTitle();
+    f.platform.boxes.clear();
+
+    QSignalSpy captions(&f.Page(), &app::LoadIndexPage::captionChanged);
+    QSignalSpy progress(&f.Page(), &app::LoadIndexPage::loadProgressChanged);
+    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
+    QVERIFY(f.Load(path));
+    QCOMPARE(loaded.size(), 1);
+    QVERIFY(loaded[0][0].toBool());
+    QCOMPARE(documents.DocumentCount(), tsvCount);
+    QCOMPARE(documents.DocumentCount(), 5000);
+    QCOMPARE(f.Window().CurrentSession().Corpus().format, CorpusFormat::kTwitter11);
+    QCOMPARE(QString::fromUtf8(documents.Cell(0, 0)), tsvFirst);
+    QCOMPARE(QString::fromUtf8(documents.Cell(tsvCount - 1, 0)), tsvLast);
+    QCOMPARE(QString::fromUtf8(documents.Cell(0, documents.ContentField())), tsvText);
+    // No short-link offer: the platforms give their links expanded. (The CSV sample is oldest
+    // first, so the sort by elapsed time gives its notice.)
+    QStringList texts = f.platform.Texts();
+    texts.removeAll(QStringLiteral("Documents need to be sorted. This might take a moment..."));
+    QVERIFY2(texts.isEmpty(), qPrintable(texts.join(u'|')));
+
+    const QString base = app::BaseCaption();
+    QCOMPARE(Strings(captions),
+             (QStringList{base + QStringLiteral(" [5000 tweets loaded]"),
+                          base + QStringLiteral(" [5000 tweets loaded ") + tsvFirst +
+                              QStringLiteral(" to ") + tsvLast + QStringLiteral("]"),
+                          base + QStringLiteral(" [, 5000 tweets loaded]")}));
+    QCOMPARE(f.Window().windowTitle(), tsvCaption);
+    QCOMPARE(Strings(progress).first(),
+             QStringLiteral("Loading ") + path + QStringLiteral(" (") + shape +
+                 QStringLiteral(")..."));
+    QCOMPARE(f.Page().LoadProgressText(), QStringLiteral("Read ") + shape + QStringLiteral("\r\n") +
+                                              kDoneText);
+
+    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
+    QCOMPARE(df[0]->text(), QStringLiteral("7"));
+    QCOMPARE(df[1]->text(), QStringLiteral("2500"));
+    QCOMPARE(f.Find<QLabel>(QStringLiteral("DocCountLbl"))->text(), QStringLiteral("/5000"));
+    auto* fields = f.Find<QListWidget>(QStringLiteral("FieldList"));
+    QCOMPARE(fields->count(), documents.FieldCount());
+    for (int row = 0; row < fields->count(); ++row) {
+      QCOMPARE(fields->item(row)->text(),
+               QString::fromStdString(documents.FieldName(static_cast<FieldIndex>(row))));
+      QCOMPARE(fields->item(row)->checkState() == Qt::Checked, row == documents.ContentField());
+    }
+    QVERIFY(f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
+    // The tab-separated file keeps its texts afterwards.
+    QVERIFY(f.Load(kTsvSample));
+    QCOMPARE(f.Page().LoadProgressText(), kDoneText);
+  }
+
+  void GzipJsonLinesLoadAndATruncatedStreamIsALoadError() {
+    WindowFixture f;
+    const QByteArray packed = Gzip(FirstLines(kJsonSample, 300));
+    const QString whole = Write(f.Folder(), QStringLiteral("posts.jsonl.gz"), packed);
+    QVERIFY(f.Load(whole));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 300);
+    QVERIFY(f.Page().LoadProgressText().startsWith(
+        QStringLiteral("Read X / Twitter API v2 JSON lines, gzip-compressed\r\n")));
+
+    // No telling extension: found by the content.
+    const QString cut = Write(f.Folder(), QStringLiteral("cut.dat"), packed.left(packed.size() / 2));
+    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
+    f.platform.boxes.clear();
+    QVERIFY(f.Load(cut));
+    QCOMPARE(loaded.size(), 1);
+    QVERIFY(!loaded[0][0].toBool());
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
+    QCOMPARE(Titles(f.platform), QStringList{QStringLiteral("Load Error")});
+    const QString text = f.platform.boxes[0].text;
+    QVERIFY2(text.startsWith(QStringLiteral("There was an error loading ") + cut +
+                             QStringLiteral("\r\n")),
+             qPrintable(text));
+    QVERIFY2(text.contains(QStringLiteral("truncated gzip stream")), qPrintable(text));
+    QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("truncated gzip stream")));
+    QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
+  }
+
+  void BrowseListsTheImportKinds() {
+    WindowFixture f;
+    f.platform.chosenFiles.push_back(kJsonSample);
+    f.Page().GetCorpusFilePath_Click();
+    QCOMPARE(f.platform.dialogFilters.size(), 1);
+    const QString filter = f.platform.dialogFilters[0];
+    QCOMPARE(filter, app::LoadIndexPage::CorpusFileFilter());
+    const QStringList kinds = filter.split(QStringLiteral(";;"));
+    QCOMPARE(kinds.size(), 5);
+    QVERIFY(kinds[1].startsWith(QStringLiteral("Tab-separated text (")));
+    QCOMPARE(kinds[2], QStringLiteral("JSON / JSON lines (*.json *.jsonl *.ndjson *.json.gz "
+                                      "*.jsonl.gz *.ndjson.gz)"));
+    QCOMPARE(kinds[3], QStringLiteral("CSV (*.csv *.csv.gz)"));
+    QCOMPARE(kinds[4], QStringLiteral("All files (*)"));
+    for (const QString& pattern :
+         {QStringLiteral("*.txt"), QStringLiteral("*.jsonl"), QStringLiteral("*.ndjson.gz"),
+          QStringLiteral("*.csv.gz")}) {
+      QVERIFY(kinds[0].contains(pattern));
+    }
+    // The chosen JSON file loads from the box and names itself in the last caption.
+    QVERIFY(f.Load(f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->text()));
+    QCOMPARE(f.Window().windowTitle(),
+             app::BaseCaption() + QStringLiteral(" [sample_twitter_v2.jsonl, 5000 tweets loaded]"));
+  }
+
+  void MappingDialogOpensWhenColumnsAreNotFoundAndItsChoiceLoads() {
+    WindowFixture f;
+    const QString path = Write(f.Folder(), QStringLiteral("odd.csv"), kOddCsv);
+    bool checked = false;
+    f.platform.dialogScripts.push_back([&](QDialog& shown) {
+      auto& dialog = static_cast<app::ColumnMappingDialog&>(shown);
+      const QStandardItemModel& model = dialog.PreviewModel();
+      // The header and the first records as split.
+      [&] {
+        QCOMPARE(model.columnCount(), 3);
+        QCOMPARE(model.rowCount(), 3);
+        QCOMPARE(model.headerData(2, Qt::Horizontal).toString(), QStringLiteral("words"));
+        QCOMPARE(model.item(0, 2)->text(),
+                 QStringLiteral("The harbour road is closed, say the police"));
+        QCOMPARE(model.item(1, 2)->text(),
+                 QStringLiteral("Storm \"Marisol\" is coming stay safe #storm"));
+        QCOMPARE(dialog.PreviewTable()->model(), &model);
+        // Only "who" is a built-in name (no: "when" and "words" are not).
+        QCOMPARE(dialog.ColumnOf(CsvRole::kDateTime), -1);
+        QCOMPARE(dialog.ColumnOf(CsvRole::kText), -1);
+        auto* ok = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+        QVERIFY(!ok->isEnabled());
+        QVERIFY(dialog.findChild<QLabel*>(QStringLiteral("MappingReason"))
+                    ->text()
+                    .contains(QStringLiteral("has no column for the")));
+        dialog.SetColumnOf(CsvRole::kDateTime, 0);
+        dialog.SetColumnOf(CsvRole::kUser, 1);
+        QVERIFY(!ok->isEnabled());
+        dialog.findChild<QComboBox*>(QStringLiteral("Role_text"))->setCurrentIndex(3);
+        QVERIFY(ok->isEnabled());
+        checked = true;
+      }();
+      return static_cast<int>(QDialog::Accepted);
+    });
+    QVERIFY(f.Load(path));
+    QVERIFY(checked);
+    QCOMPARE(f.platform.dialogNames, QStringList{QStringLiteral("ColumnMapping")});
+    const DocumentSet& documents = f.Window().CurrentSession().Documents();
+    QCOMPARE(documents.DocumentCount(), 3);
+    QCOMPARE(documents.Text(0, 1), std::string("ann"));
+    // The line break inside the quotes is a space; the tag has gone to its own field.
+    QCOMPARE(QString::fromStdString(documents.Text(1, documents.ContentField())),
+             QStringLiteral("Storm \"Marisol\" is coming stay safe [#]"));
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"date", "when"}, {"user", "who"}, {"text", "words"}};
+    QVERIFY(f.Page().ColumnMapFor(path) == expected);
+    // The next load of the file keeps the choice without asking.
+    QVERIFY(f.Load(path));
+    QCOMPARE(f.platform.dialogNames.size(), 1);
+    QCOMPARE(documents.DocumentCount(), 3);
+  }
+
+  void MappingDialogCancelKeepsThePreviousCorpus() {
+    WindowFixture f;
+    QVERIFY(f.Load(kJsonSample));
+    const QString caption = f.Window().windowTitle();
+    const QString path = Write(f.Folder(), QStringLiteral("odd.csv"), kOddCsv);
+    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
+    f.platform.dialogScripts.push_back([](QDialog&) { return static_cast<int>(QDialog::Rejected); });
+    QVERIFY(!f.Load(path));
+    QCOMPARE(f.platform.dialogNames.size(), 1);
+    QCOMPARE(loaded.size(), 0);
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5000);
+    QCOMPARE(f.Window().windowTitle(), caption);
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("MaxDocCount"))->text(), QStringLiteral("5000"));
+    QVERIFY(f.Page().ColumnMapFor(path).empty());
+    QVERIFY(f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
+  }
+
+  void MapColumnsButtonPresetsTheBuiltInNames() {
+    WindowFixture f;
+    f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->setText(kCsvSample);
+    f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
+    std::vector<int> presets;
+    int rows = 0;
+    f.platform.dialogScripts.push_back([&](QDialog& shown) {
+      auto& dialog = static_cast<app::ColumnMappingDialog&>(shown);
+      for (const CsvRole role : app::ColumnMappingDialog::Roles()) {
+        presets.push_back(dialog.ColumnOf(role));
+      }
+      rows = dialog.PreviewModel().rowCount();
+      // Swap the user for the real name: the sample then loads with display names.
+      dialog.SetColumnOf(CsvRole::kUser, 3);
+      return static_cast<int>(QDialog::Accepted);
+    });
+    QVERIFY(f.Page().MapColumns_Click());
+    // id,created_at,username,name,text,url,retweet_count,sentiment_positive,sentiment_negative
+    QCOMPARE(presets, (std::vector<int>{1, 2, 4, 5, 7, 8}));
+    QCOMPARE(rows, 20);
+    QVERIFY(f.Load(kCsvSample));
+    QCOMPARE(f.platform.dialogNames.size(), 1);  // columns found by name: no dialog on load
+    const DocumentSet& documents = f.Window().CurrentSession().Documents();
+    QCOMPARE(documents.DocumentCount(), 5000);
+    QCOMPARE(QString::fromUtf8(documents.Cell(0, 1)), QStringLiteral("Noémie Pryce"));
+
+    // The button tells a file that is no CSV and opens nothing.
+    f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->setText(kJsonSample);
+    f.platform.boxes.clear();
+    QVERIFY(!f.Page().MapColumns_Click());
+    QCOMPARE(f.platform.dialogNames.size(), 1);
+    QCOMPARE(f.platform.boxes.size(), 1);
+    QVERIFY(f.platform.boxes[0].text.contains(QStringLiteral("X / Twitter API v2 JSON lines")));
+  }
+
+  void BadJsonLineOffersToSkip_data() {
+    QTest::addColumn<bool>("skip");
+    QTest::newRow("no") << false;
+    QTest::newRow("yes") << true;
+  }
+
+  void BadJsonLineOffersToSkip() {
+    QFETCH(bool, skip);
+    WindowFixture f;
+    QList<QByteArray> lines = FirstLines(kJsonSample, 40).split('\n');
+    lines[6] = "{\"id\": \"1\", \"created_at\": ";  // line 7 breaks off
+    const QString path = Write(f.Folder(), QStringLiteral("posts.jsonl"), lines.join('\n'));
+    if (skip) f.platform.answers.push_back(Answer::kYes);
+    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
+    QVERIFY(f.Load(path));
+    QCOMPARE(loaded.size(), 1);
+    QVERIFY(!f.platform.boxes.isEmpty());
+    const RecordedBox question = f.platform.boxes[0];
+    QVERIFY(question.question);
+    QCOMPARE(question.title, QStringLiteral("Bad Records"));
+    QVERIFY2(question.text.contains(QStringLiteral("line 7")), qPrintable(question.text));
+    QVERIFY2(question.text.contains(QStringLiteral("1 line of the file cannot be read. Skip the "
+                                                   "bad lines and load the other 39 posts?")),
+             qPrintable(question.text));
+    const DocumentSet& documents = f.Window().CurrentSession().Documents();
+    if (skip) {
+      QCOMPARE(f.platform.boxes.size(), 1);
+      QVERIFY(loaded[0][0].toBool());
+      QCOMPARE(documents.DocumentCount(), 39);
+      QVERIFY2(f.Page().LoadProgressText().startsWith(
+                   QStringLiteral("Read X / Twitter API v2 JSON lines\r\nSkipped 1 bad record")),
+               qPrintable(f.Page().LoadProgressText()));
+      QVERIFY(f.Page().LoadProgressText().endsWith(kDoneText));
+    } else {
+      QCOMPARE(Titles(f.platform),
+               (QStringList{QStringLiteral("Bad Records"), QStringLiteral("Load Error")}));
+      QVERIFY(f.platform.boxes[1].text.contains(QStringLiteral("line 7")));
+      QVERIFY(!loaded[0][0].toBool());
+      QCOMPARE(documents.DocumentCount(), 0);
+      QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("line 7")));
+    }
+  }
+
+  void UnreadableImportsSayWhy_data() {
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("unknown JSON shape")
+        << QByteArray("{\"foo\": 1, \"bar\": 2}\n{\"foo\": 3, \"bar\": 4}\n")
+        << QStringLiteral("unknown shape");
+    QTest::newRow("every line bad")
+        << QByteArray("{\"created_at\": \"2013-09-02T00:13:19.000Z\", \"author_id\": \"1\"}\n")
+        << QStringLiteral("text");
+    QTest::newRow("CSV with unbalanced quotes")
+        << QByteArray("created_at,username,text\n2013-09-02 00:13:19,ann,\"open quote\n")
+        << QStringLiteral("quote");
+  }
+
+  void UnreadableImportsSayWhy() {
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, message);
+    WindowFixture f;
+    const QString path = Write(f.Folder(), QStringLiteral("export.dat"), bytes);
+    f.Load(path);
+    QVERIFY(f.WaitIdle());
+    QCOMPARE(Titles(f.platform), QStringList{QStringLiteral("Load Error")});
+    const QString text = f.platform.boxes[0].text;
+    QVERIFY2(text.startsWith(QStringLiteral("There was an error loading ") + path +
+                             QStringLiteral("\r\n")),
+             qPrintable(text));
+    QVERIFY2(text.contains(message), qPrintable(text));
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
+  }
+};
+
+QTEST_MAIN(ImportWorkflowTest)
+#include "import_workflow_test.moc"
