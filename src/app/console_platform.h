@@ -16,9 +16,7 @@ class ConsolePlatform final : public Platform {
   void OpenLink(const QString&) override {}
   void SetClipboardText(const QString&) override {}
   void SetClipboardImage(const QImage&) override {}
-  QString GetOpenFileName(const QString&, const QString&, const QString& = {}) override {
-    return {};
-  }
+  QString GetOpenFileName(const QString&, const QString&) override { return {}; }
   // A dialog would wait for a click that never comes.
   int ExecDialog(QDialog&) override { return QDialog::Rejected; }
 };

@@ -310,8 +310,8 @@ void LoadIndexPage::ShowExpPan_Click() {
 
 void LoadIndexPage::GetCorpusFilePath_Click() {
   const QString chosen =
-      services_.platform.GetOpenFileName(u"Open a Twitter export"_s, dialogFileName_,
-                                         CorpusFileFilter());
+      services_.platform.GetOpenFileNameFiltered(u"Open a Twitter export"_s, dialogFileName_,
+                                                 CorpusFileFilter());
   if (chosen.isEmpty()) return;
   dialogFileName_ = chosen;
   corpusFilePath_->setText(chosen);

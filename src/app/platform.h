@@ -38,10 +38,14 @@ class Platform {
                                   const QString& /*filter*/) {
     return {};
   }
-  // The common open-file dialog; `fileName` is the name it starts with, `filter` its list of
-  // file kinds ("Text (*.txt);;All files (*)"), all files when empty. Empty when cancelled.
-  virtual QString GetOpenFileName(const QString& caption, const QString& fileName,
-                                  const QString& filter = {}) = 0;
+  // The common open-file dialog; `fileName` is the name it starts with. Empty when cancelled.
+  virtual QString GetOpenFileName(const QString& caption, const QString& fileName) = 0;
+  // The same listing the file kinds of `filter` ("Text (*.txt);;All files (*)"); platforms
+  // without such a list show every file.
+  virtual QString GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
+                                          const QString& /*filter*/) {
+    return GetOpenFileName(caption, fileName);
+  }
   // Runs a modal dialog of the window and returns its result (QDialog::Accepted or Rejected).
   virtual int ExecDialog(QDialog& dialog) { return dialog.exec(); }
 };

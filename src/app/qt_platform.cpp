@@ -57,8 +57,12 @@ void QtPlatform::SetClipboardImage(const QImage& image) {
   QApplication::clipboard()->setImage(image);
 }
 
-QString QtPlatform::GetOpenFileName(const QString& caption, const QString& fileName,
-                                    const QString& filter) {
+QString QtPlatform::GetOpenFileName(const QString& caption, const QString& fileName) {
+  return QFileDialog::getOpenFileName(window_, caption, fileName);
+}
+
+QString QtPlatform::GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
+                                            const QString& filter) {
   return QFileDialog::getOpenFileName(window_, caption, fileName, filter);
 }
 

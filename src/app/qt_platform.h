@@ -20,8 +20,9 @@ class QtPlatform final : public Platform {
   void SetClipboardImage(const QImage& image) override;
   QString GetSaveFileName(const QString& caption, const QString& fileName,
                           const QString& filter) override;
-  QString GetOpenFileName(const QString& caption, const QString& fileName,
-                          const QString& filter = {}) override;
+  QString GetOpenFileName(const QString& caption, const QString& fileName) override;
+  QString GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
+                                  const QString& filter) override;
 
  private:
   QPointer<QWidget> window_;

@@ -17,10 +17,15 @@ Answer RecordingPlatform::Ask(const QString& text, const QString& title, Questio
   return buttons == QuestionButtons::kYesNo ? Answer::kNo : Answer::kCancel;
 }
 
-QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileName,
-                                           const QString& filter) {
-  dialogStartNames.push_back(fileName);
+QString RecordingPlatform::GetOpenFileNameFiltered(const QString& caption,
+                                                   const QString& fileName,
+                                                   const QString& filter) {
   dialogFilters.push_back(filter);
+  return GetOpenFileName(caption, fileName);
+}
+
+QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileName) {
+  dialogStartNames.push_back(fileName);
   if (chosenFiles.empty()) return {};
   QString chosen = chosenFiles.front();
   chosenFiles.pop_front();

@@ -31,8 +31,10 @@ class RecordingPlatform final : public app::Platform {
   void SetClipboardImage(const QImage& image) override { clipboardImage = image; }
   QString GetSaveFileName(const QString& caption, const QString& fileName,
                           const QString& filter) override;
-  QString GetOpenFileName(const QString& caption, const QString& fileName,
-                          const QString& filter = {}) override;
+  QString GetOpenFileName(const QString& caption, const QString& fileName) override;
+  // Records the filter in dialogFilters, then answers as GetOpenFileName.
+  QString GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
+                                  const QString& filter) override;
   // Records the dialog's object name and runs the next script on it (the dialog is shown but
   // not run modally); with no script left the dialog is rejected.
   int ExecDialog(QDialog& dialog) override;
