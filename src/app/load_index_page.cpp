@@ -26,17 +26,13 @@
 #include "views/table_lens.h"
 #include "common/leading_number.h"
 
+#include "app/page_widgets.h"
+
 namespace sylvora::app {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-template <typename Widget>
-Widget* Named(Widget* widget, const QString& name) {
-  widget->setObjectName(name);
-  return widget;
-}
 
 QLineEdit* NumberBox(const QString& name, const QString& text, const QString& toolTip = {}) {
   auto* box = Named(new QLineEdit(text), name);
@@ -45,23 +41,7 @@ QLineEdit* NumberBox(const QString& name, const QString& text, const QString& to
   return box;
 }
 
-QString TabCaption(IndexKind kind) {
-  switch (kind) {
-    case IndexKind::kWords:
-      return u"Words"_s;
-    case IndexKind::kHashtags:
-      return u"Tags"_s;
-    case IndexKind::kLinks:
-      return u"Links"_s;
-    case IndexKind::kMentions:
-      return u"Mentions"_s;
-    case IndexKind::kUsers:
-      return u"Users"_s;
-  }
-  return {};
-}
-
-QString ListName(IndexKind kind) { return u"All"_s + TabCaption(kind); }
+QString ListName(IndexKind kind) { return u"All"_s + IndexCaption(kind); }
 
 int TabOf(IndexKind kind) {
   for (std::size_t tab = 0; tab < kTermListOrder.size(); ++tab) {
@@ -265,7 +245,7 @@ QWidget* LoadIndexPage::BuildIndexColumn() {
     }
     termListViews_[tab] = view;
     termListModels_[tab] = model;
-    termLists_->addTab(view, TabCaption(kind));
+    termLists_->addTab(view, IndexCaption(kind));
 
     connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this, [view, model](int column) {
       model->HeaderClicked(column);
@@ -416,14 +396,14 @@ void LoadIndexPage::AttachTermLists() {
     termListModels_[tab]->SetIndex(session.Indexed() ? &session.Index(kind) : nullptr);
     const int terms = session.Indexed() ? session.Index(kind).TermCount() : 0;
     termLists_->setTabText(static_cast<int>(tab),
-                           session.Indexed() ? u"%1 (%2)"_s.arg(TabCaption(kind)).arg(terms)
-                                             : TabCaption(kind));
+                           session.Indexed() ? u"%1 (%2)"_s.arg(IndexCaption(kind)).arg(terms)
+                                             : IndexCaption(kind));
   }
 }
 
 void LoadIndexPage::ResetTermListCaptions() {
   for (std::size_t tab = 0; tab < kTermListOrder.size(); ++tab) {
-    termLists_->setTabText(static_cast<int>(tab), TabCaption(kTermListOrder[tab]));
+    termLists_->setTabText(static_cast<int>(tab), IndexCaption(kTermListOrder[tab]));
   }
 }
 

@@ -32,33 +32,13 @@
 #include "views/table_lens.h"
 #include "views/time_line_chart.h"
 
+#include "app/page_widgets.h"
+
 namespace sylvora::app {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-template <typename Widget>
-Widget* Named(Widget* widget, const QString& name) {
-  widget->setObjectName(name);
-  return widget;
-}
-
-QString KindCaption(IndexKind kind) {
-  switch (kind) {
-    case IndexKind::kWords:
-      return u"Words"_s;
-    case IndexKind::kHashtags:
-      return u"Tags"_s;
-    case IndexKind::kLinks:
-      return u"Links"_s;
-    case IndexKind::kMentions:
-      return u"Mentions"_s;
-    case IndexKind::kUsers:
-      return u"Users"_s;
-  }
-  return {};
-}
 
 std::size_t TabOf(IndexKind kind) {
   for (std::size_t tab = 0; tab < kIntervalListOrder.size(); ++tab) {
@@ -210,13 +190,13 @@ QWidget* TimeLineExplorerPage::BuildListsArea() {
   for (std::size_t tab = 0; tab < kIntervalListOrder.size(); ++tab) {
     const IndexKind kind = kIntervalListOrder[tab];
     auto* model = new IntervalTermModel(kind, this);
-    auto* view = NewListView(u"Int"_s + KindCaption(kind));
+    auto* view = NewListView(u"Int"_s + IndexCaption(kind));
     view->setModel(model);
     view->setColumnWidth(0, kind == IndexKind::kLinks ? 240 : 110);
     for (int c = 1; c < model->columnCount(); ++c) view->setColumnWidth(c, 58);
     intervalModels_[tab] = model;
     intervalViews_[tab] = view;
-    intervalTabs_->addTab(view, KindCaption(kind));
+    intervalTabs_->addTab(view, IndexCaption(kind));
     connect(view, &QTableView::clicked, this,
             [this, kind](const QModelIndex& index) { IntervalTerm_Click(kind, index.row()); });
     connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this,
@@ -485,7 +465,7 @@ bool TimeLineExplorerPage::SaveTweetList(const QString& path) {
 
 bool TimeLineExplorerPage::SaveIntervalTermsAs(IndexKind kind) {
   const QString name = u"interval-%1-%2.csv"_s.arg(static_cast<int>(selectedInterval_), 3, 10, QLatin1Char('0'))
-                           .arg(KindCaption(kind).toLower());
+                           .arg(IndexCaption(kind).toLower());
   const QString path = chooseSaveFile_(u"Save Interval Term List"_s, name);
   return !path.isEmpty() && SaveIntervalTerms(kind, path);
 }

@@ -16,27 +16,13 @@
 #include "views/table_lens.h"
 #include "views/time_line_chart.h"
 
+#include "app/page_widgets.h"
+
 namespace sylvora::app {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QString KindCaption(IndexKind kind) {
-  switch (kind) {
-    case IndexKind::kWords:
-      return u"Words"_s;
-    case IndexKind::kHashtags:
-      return u"Tags"_s;
-    case IndexKind::kLinks:
-      return u"Links"_s;
-    case IndexKind::kMentions:
-      return u"Mentions"_s;
-    case IndexKind::kUsers:
-      return u"Users"_s;
-  }
-  return {};
-}
 
 QString Text(const std::string& text) { return QString::fromStdString(text); }
 
@@ -168,7 +154,7 @@ void TimeLineExplorerPage::ShowTweets(const QVector<int>& rows) {
 void TimeLineExplorerPage::ClearIntervalLists() {
   for (IntervalTermModel* model : intervalModels_) model->Clear();
   for (std::size_t tab = 0; tab < kIntervalListOrder.size(); ++tab) {
-    intervalTabs_->setTabText(static_cast<int>(tab), KindCaption(kIntervalListOrder[tab]));
+    intervalTabs_->setTabText(static_cast<int>(tab), IndexCaption(kIntervalListOrder[tab]));
   }
   intervalTermsFrame_->setTitle(u"Interval Term Statistics"_s);
 }
@@ -184,7 +170,7 @@ void TimeLineExplorerPage::FillIntervalLists(std::int32_t interval) {
     model->Fill(session.Model(kind), interval, corpus.sentimentPositiveField,
                 corpus.sentimentNegativeField);
     intervalViews_[tab]->horizontalHeader()->setSortIndicatorShown(false);
-    intervalTabs_->setTabText(static_cast<int>(tab), KindCaption(kind) + u" ("_s +
+    intervalTabs_->setTabText(static_cast<int>(tab), IndexCaption(kind) + u" ("_s +
                                                          QString::number(model->rowCount()) +
                                                          u')');
     SelectRow(intervalViews_[tab], 0);
