@@ -29,6 +29,8 @@ std::optional<std::int64_t> FromParts(int year, int month, int day, int hour, in
   using namespace std::chrono;
   const year_month_day date{std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
                             std::chrono::day(static_cast<unsigned>(day))};
+  // Years 1..9998 stay within 0..9999, four digits, after any time-zone offset.
+  if (year < 1 || year > 9998) return std::nullopt;
   if (!date.ok() || hour > 23 || minute > 59 || second > 60) return std::nullopt;
   const auto days = sys_days(date).time_since_epoch().count();
   return static_cast<std::int64_t>(days) * 86400 + hour * 3600 + minute * 60 + second;
@@ -159,7 +161,10 @@ void AppendTwitterDateTime(std::int64_t seconds, std::string& out) {
   out.push_back(':');
   two(static_cast<int>(rest % 60));
   out.append(" +0000 ");
-  out.append(std::to_string(static_cast<int>(ymd.year())));
+  // Four digits always, as the tweet layout has them: year 243 is "0243".
+  const std::string digits = std::to_string(static_cast<int>(ymd.year()));
+  out.append(digits.size() < 4 ? 4 - digits.size() : 0, '0');
+  out.append(digits);
 }
 
 std::string TwitterDateTime(std::int64_t seconds) {

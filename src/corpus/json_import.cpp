@@ -656,6 +656,8 @@ class JsonImporter {
       post.text = "RT @" + post.repostUser + ": " + post.repostText;
       if (post.link.empty()) post.link = post.repostLink;
     }
+    // A text key whose value is no string, or an empty one, leaves nothing to index.
+    if (post.text.empty()) return "the post has no text (" + std::string(TextKey()) + ")";
     // Copies keep the storage of both the post and the row for the next post.
     auto set = [&row](LayoutField field, const std::string& text) {
       row[static_cast<std::size_t>(field)].assign(text);
