@@ -1,5 +1,7 @@
 #include "corpus/html_text.h"
 
+#include "common/code_points.h"
+
 #include <array>
 #include <utility>
 
@@ -106,22 +108,9 @@ void Space(std::string& out) {
 }  // namespace
 
 void AppendUtf8(char32_t cp, std::string& out) {
+  // Surrogates and numbers past the last code point become the replacement character.
   if ((cp >= 0xD800 && cp <= 0xDFFF) || cp > 0x10FFFF) cp = 0xFFFD;
-  if (cp < 0x80) {
-    out.push_back(static_cast<char>(cp));
-  } else if (cp < 0x800) {
-    out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-  } else if (cp < 0x10000) {
-    out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-    out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-  } else {
-    out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-    out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-  }
+  sylvora::AppendUtf8(out, cp);
 }
 
 std::string HtmlToPlainText(std::string_view html, std::string* firstLink) {
