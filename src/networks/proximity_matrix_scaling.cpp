@@ -163,6 +163,32 @@ NetworkResult ProximityMatrix::Transform2MST(std::int32_t startNode,
   return NetworkResult(std::move(result), std::move(message));
 }
 
+namespace {
+
+// One row of the r = 2 relaxation: for j in [from, to), the path i -> k -> j of length
+// (float(a^2) + b^2)^(1/2) (b = D(k, j)) replaces D(i, j) when strictly shorter. A float's
+// square is exact in double, so no table of powers is needed and the pass reads no more memory
+// than r = 1. Most cells are settled by comparing squares, with a margin above the rounding of
+// the path to a float; sqrt, the correctly rounded square root, gives the exact path of the rest.
+template <typename Replace>
+void RelaxSquaresRow(float a, const float* rowK, const float* rowI, std::size_t from,
+                     std::size_t to, Replace&& replace) {
+  constexpr double kMargin = (1.0 - 1e-6) * (1.0 - 1e-6);
+  constexpr double kSmallest = 1e-300;
+  constexpr double kLargest = std::numeric_limits<double>::max();
+  const double aPower = static_cast<float>(static_cast<double>(a) * a);
+  for (std::size_t j = from; j < to; ++j) {
+    const double b = rowK[j];
+    const double sum = aPower + b * b;
+    const double d = rowI[j];
+    if (d >= 0.0 && sum >= kSmallest && sum <= kLargest && d * d <= sum * kMargin) continue;
+    const auto p = static_cast<float>(std::sqrt(sum));
+    if (rowI[j] > p) replace(j, p);
+  }
+}
+
+}  // namespace
+
 bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::int32_t q,
                                       bool ascending, const ProgressCallback& progress) {
   const std::int32_t n = d.n_;
@@ -184,13 +210,13 @@ bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::i
     return true;
   };
 
-  // For r above 1: the r-th power of every cell in double, kept current as cells change.
+  // For r above 2: the r-th power of every cell in double, kept current as cells change.
   // The path length needs D(k, j)^r itself; the cell's own power settles most comparisons
   // without taking the root: a cell whose r-th power is at most keepFactor times the path's
   // is shorter than the path by more than the rounding of the path to a float, so the path
   // cannot replace it.
   std::vector<double> powers;
-  if (r > 1) {
+  if (r > 2) {
     powers.resize(d.values_.size());
     for (std::size_t x = 0; x < powers.size(); ++x) powers[x] = std::pow(values[x], power);
   }
@@ -213,6 +239,10 @@ bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::i
           const auto p = static_cast<float>(static_cast<double>(a) + rowK[j]);
           if (rowI[j] > p) replace(i, k, j, p);
         }
+      } else if (r == 2) {
+        RelaxSquaresRow(a, rowK, rowI, i + 1, stride, [&](std::size_t j, float p) {
+          return replace(i, k, j, p);
+        });
       } else {
         const auto aPower = static_cast<float>(std::pow(a, power));
         const double* powersK = powers.data() + k * stride;
