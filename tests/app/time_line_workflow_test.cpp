@@ -4,6 +4,7 @@
 // check marks, the event time line, the clipboard texts and the CSV files.
 #include <QAction>
 #include <cmath>
+#include <cstdio>
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
@@ -779,6 +780,49 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(w.Page().TweetList().DocumentAt(0), 5);
     emit clusters.intervalSelected(6);
     QCOMPARE(w.Page().SelectedInterval(), 6);
+  }
+
+  // An export without sentiment columns builds: the sentiment lines lie on the axis under every
+  // average, the hover text shows zeros and nothing asks or warns.
+  void CorpusWithoutSentimentColumnsBuildsAndDraws() {
+    TempDir dir;
+    std::string csv = "id,created_at,username,text\n";
+    const char* words[] = {"flood warning river", "river bridge closed", "power out street",
+                           "flood street closed", "bridge power warning"};
+    for (int hour = 0; hour < 72; ++hour) {
+      char line[160];
+      std::snprintf(line, sizeof line, "%d,2013-09-%02d %02d:15:00,user%d,%s\n", 1000 + hour,
+                    2 + hour / 24, hour % 24, hour % 7, words[hour % 5]);
+      csv += line;
+    }
+    WindowFixture f;
+    QVERIFY(f.Load(QString::fromStdString(dir.WriteFile("no_sentiment.csv", csv))));
+    QVERIFY(f.Index());
+    f.platform.boxes.clear();
+    TimeLineExplorerPage& page = f.Window().TimeLine();
+    f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(QStringLiteral("4"));
+    QVERIFY(page.BuildModels_Click());
+    QVERIFY(f.WaitIdle());
+    QVERIFY(page.ModelsBuilt());
+    QCOMPARE(f.platform.boxes.size(), 0);
+    const TimeLineChart& chart = page.Chart();
+    QCOMPARE(chart.IntervalCount(), 18);
+    for (const auto& interval : chart.Data().intervals) {
+      QCOMPARE(interval.documents, 4);
+      QCOMPARE(interval.positiveMean, 0.0f);
+      QCOMPARE(interval.negativeMean, 0.0f);
+      QCOMPARE(interval.positiveMode + interval.negativeMode, 0);
+      QCOMPARE(interval.positiveMedian + interval.negativeMedian, 0);
+    }
+    for (auto average : {TimeLineExplorerPage::kMean, TimeLineExplorerPage::kMode,
+                         TimeLineExplorerPage::kMedian}) {
+      page.SetSentimentAverage(average);
+      QVERIFY(!chart.Picture().isNull());
+    }
+    QVERIFY(chart.ChartDetails(2).contains(QStringLiteral("@ INT #2 (")));
+    page.SelectInterval(2);
+    QCOMPARE(page.TweetList().rowCount(), 4);
+    QCOMPARE(f.platform.boxes.size(), 0);
   }
 
   void IndexingAgainDropsTheViews() {
