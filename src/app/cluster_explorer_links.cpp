@@ -39,6 +39,16 @@ void ClusterExplorerPage::TermSimVis_OnNodeClick(int node) {
   emit wordChosen(node + 1, 1, services_.session.WordModel().IntervalCount());
 }
 
+void ClusterExplorerPage::SelectWord(const QString& term) {
+  PointMap2D& words = Map(MapKind::kWords);
+  if (!words.IsSet() || !SessionReadable()) return;
+  const std::int32_t index = services_.session.WordIndex().TermIndex(term.toStdString());
+  const std::int32_t node = index - 1;
+  // A map laid out before a new index holds other words under the same numbers.
+  if (index < 1 || node >= words.NodeCount() || words.NodeLabel(node) != term) return;
+  words.SetSelectedNode(node);
+}
+
 void ClusterExplorerPage::TermSimVis_ViewChanged() {
   activeMap_ = MapKind::kWords;
   RecolourByVisibleWords();

@@ -58,7 +58,23 @@ void ClusterExplorerPage::BuildWidgets() {
   splitter->setStretchFactor(0, 1);
   splitter->setStretchFactor(1, 1);
   splitter->setSizes({560, 440});
-  layout->addWidget(splitter);
+
+  // The shared message list goes under the maps, across the whole width: its text column is
+  // wide, and the maps keep three fifths of the height.
+  auto* outer = new QSplitter(Qt::Vertical);
+  outer->setObjectName(u"ClusterOuterSplit"_s);
+  outer->setChildrenCollapsible(false);
+  messageListSlot_ = new QWidget;
+  messageListSlot_->setObjectName(u"TweetViewSlot"_s);
+  messageListSlot_->setMinimumHeight(120);
+  auto* slotLayout = new QVBoxLayout(messageListSlot_);
+  slotLayout->setContentsMargins(0, 0, 0, 0);
+  outer->addWidget(splitter);
+  outer->addWidget(messageListSlot_);
+  outer->setStretchFactor(0, 3);
+  outer->setStretchFactor(1, 2);
+  outer->setSizes({480, 320});
+  layout->addWidget(outer);
 
   const auto shortcut = [this](QKeyCombination keys, bool back) {
     auto* action = new QShortcut(QKeySequence(keys), this);
@@ -78,10 +94,15 @@ void ClusterExplorerPage::BuildWidgets() {
 }
 
 QWidget* ClusterExplorerPage::BuildWordControls() {
+  // Two lines, so that the word map's frame leaves the interval and tweet maps their share of
+  // the width: the level and node size, then the label threshold.
   auto* box = new QWidget;
-  auto* row = new QHBoxLayout(box);
-  row->setContentsMargins(8, 0, 0, 0);
+  auto* lines = new QVBoxLayout(box);
+  lines->setContentsMargins(8, 0, 0, 0);
+  lines->setSpacing(2);
+  auto* row = new QHBoxLayout;
   row->setSpacing(4);
+  lines->addLayout(row);
 
   row->addWidget(new QLabel(u"Co-occurence level:"_s));
   const QString captions[2] = {u"Tweet "_s, u"Interval "_s};
@@ -108,7 +129,10 @@ QWidget* ClusterExplorerPage::BuildWordControls() {
     row->addWidget(button);
   }
 
-  row->addSpacing(12);
+  row->addStretch(1);
+  row = new QHBoxLayout;
+  row->setSpacing(4);
+  lines->addLayout(row);
   row->addWidget(new QLabel(u"Fewer Labels"_s));
   termLabelThresh_ = new QSlider(Qt::Horizontal);
   termLabelThresh_->setObjectName(u"TermLabelThresh"_s);
@@ -153,6 +177,12 @@ QWidget* ClusterExplorerPage::BuildWordControls() {
 }
 
 PointMap2D& ClusterExplorerPage::Map(MapKind kind) { return Panel(kind).Map(); }
+
+void ClusterExplorerPage::HostMessageList(QWidget* frame) {
+  if (frame == nullptr || frame->parentWidget() == messageListSlot_) return;
+  messageListSlot_->layout()->addWidget(frame);
+  frame->show();
+}
 
 void ClusterExplorerPage::FeatureType_Click(int index) {
   if (index < 0 || index > 1) return;

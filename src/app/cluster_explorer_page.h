@@ -25,6 +25,10 @@
 // visible in it (cluster_links.h); a selection or view change of the tweet map raises
 // tweetsShown with the corpus rows of its visible nodes in node order.
 //
+// The message list. The time line explorer's message list (TweetView_Frame) is shared by the
+// tabs: the window moves it under this page's maps while this tab is current (HostMessageList),
+// so that a word, an interval or a tweet chosen here is listed where the user sees it.
+//
 // The page reads the session's word index and words model on the user-interface thread only
 // while no job of another page runs (a model or index build owns them then).
 
@@ -92,6 +96,12 @@ class ClusterExplorerPage final : public QWidget {
   bool Building() const;
   QSlider* LabelSlider() const { return termLabelThresh_; }
 
+  // The message list shared with the time line explorer: while this tab is current its frame
+  // sits under the maps ("TweetViewSlot"). The frame stays the other page's widget in every
+  // other respect (same model, same signals); this page only lays it out.
+  void HostMessageList(QWidget* frame);
+  QWidget* MessageListSlot() const { return messageListSlot_; }
+
  public slots:
   // A model build completed (or was dropped): the word and interval maps are stale.
   void ModelsRebuilt();
@@ -99,6 +109,10 @@ class ClusterExplorerPage final : public QWidget {
   void SelectInterval(int interval);
   // The time line's pointer is over an interval (0 or less: none).
   void HoverInterval(int interval);
+  // A word was marked elsewhere (an interval list, an all-term list): the word map selects its
+  // node (term - 1) when the map holds that word. Nothing happens for an unknown word, an
+  // empty map or a map built from another index.
+  void SelectWord(const QString& term);
 
  signals:
   void captionChanged(const QString& caption);
@@ -160,6 +174,7 @@ class ClusterExplorerPage final : public QWidget {
   std::array<QToolButton*, 2> adjTermNodeSz_{};
   QSlider* termLabelThresh_ = nullptr;
   QDoubleSpinBox* labelPercent_ = nullptr;
+  QWidget* messageListSlot_ = nullptr;
 };
 
 }  // namespace sylvora::app

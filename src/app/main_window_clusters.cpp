@@ -9,6 +9,7 @@
 #include "app/main_window.h"
 #include "app/related_terms.h"
 #include "app/term_list_model.h"
+#include "app/time_line_explorer_page.h"
 #include "app/ui_notifier.h"
 
 namespace sylvora::app {
@@ -37,8 +38,19 @@ void Main::ComposeClusterExplorer() {
   tabs_->addTab(clusterPage_, u"Cluster Explorer"_s);
   connect(clusterPage_, &ClusterExplorerPage::captionChanged, this, &QWidget::setWindowTitle);
   connect(tabs_, &QTabWidget::currentChanged, this, [this](int tab) {
-    if (tabs_->widget(tab) == clusterPage_) clusterPage_->PageShown();
+    // The message list is shared: it moves into the explorer tab that becomes current (the
+    // "Load and Index" tab has its own viewer, so the list stays where it was).
+    if (tabs_->widget(tab) == clusterPage_) {
+      clusterPage_->HostMessageList(timeLinePage_->TweetViewFrame());
+      clusterPage_->PageShown();
+    } else if (tabs_->widget(tab) == timeLinePage_) {
+      timeLinePage_->ReclaimTweetViewFrame();
+    }
   });
+
+  // A word marked on the time line side is selected in the word map too.
+  connect(timeLinePage_, &TimeLineExplorerPage::wordMarked, clusterPage_,
+          &ClusterExplorerPage::SelectWord);
 
   relatedTerms_ = new RelatedTerms(this);
   relatedTerms_->SetSessionReadable([this] { return !jobs_->Busy(); });

@@ -184,6 +184,7 @@ QWidget* TimeLineExplorerPage::BuildTimeLineArea() {
 
 QWidget* TimeLineExplorerPage::BuildListsArea() {
   auto* split = Named(new QSplitter(Qt::Horizontal), u"TLE_ListsSplit"_s);
+  listsSplit_ = split;
   intervalTermsFrame_ = Named(new QGroupBox(u"Interval Term Statistics"_s), u"IntervalTerms_Frame"_s);
   auto* framed = new QVBoxLayout(intervalTermsFrame_);
   intervalTabs_ = Named(new QTabWidget, u"IntervalTerms"_s);
@@ -211,6 +212,7 @@ QWidget* TimeLineExplorerPage::BuildListsArea() {
   split->addWidget(intervalTermsFrame_);
 
   auto* tweets = Named(new QGroupBox(u"Tweets"_s), u"TweetView_Frame"_s);
+  tweetViewFrame_ = tweets;
   auto* tweetLayout = new QVBoxLayout(tweets);
   tweetViewSummary_ = Named(new QLabel, u"TweetViewSummary"_s);
   tweetViewSummary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -229,6 +231,16 @@ QWidget* TimeLineExplorerPage::BuildListsArea() {
   connect(tweetView_, &QWidget::customContextMenuRequested, this,
           &TimeLineExplorerPage::ShowTweetMenu);
   return split;
+}
+
+void TimeLineExplorerPage::ReclaimTweetViewFrame() {
+  if (tweetViewFrame_->parentWidget() == listsSplit_) return;
+  listsSplit_->insertWidget(1, tweetViewFrame_);
+  listsSplit_->setStretchFactor(1, 3);
+  // The lists as the page first showed them: two fifths for the interval terms.
+  const int width = listsSplit_->width();
+  if (width > 0) listsSplit_->setSizes({width * 2 / 5, width - width * 2 / 5});
+  tweetViewFrame_->show();
 }
 
 bool TimeLineExplorerPage::eventFilter(QObject* watched, QEvent* event) {

@@ -41,6 +41,7 @@ class QMenu;
 class QMenuBar;
 class QPushButton;
 class QScrollBar;
+class QSplitter;
 class QTabWidget;
 class QTableView;
 
@@ -141,6 +142,11 @@ class TimeLineExplorerPage final : public QWidget {
   const IntervalSeries& Series() const { return series_; }
   TweetListModel& TweetList() { return *tweetModel_; }
   QTableView* TweetView() { return tweetView_; }
+  // The message list's frame "TweetView_Frame" (TweetViewSummary over TweetView). The tabs share
+  // it: the window lends it to the cluster explorer and gives it back with ReclaimTweetViewFrame.
+  QWidget* TweetViewFrame() { return tweetViewFrame_; }
+  // Puts the frame back beside the interval lists (nothing when it is there).
+  void ReclaimTweetViewFrame();
   IntervalTermModel& IntervalTerms(IndexKind kind);
   QTableView* IntervalTermView(IndexKind kind);
   QString TweetViewSummaryText() const;
@@ -247,8 +253,10 @@ class TimeLineExplorerPage final : public QWidget {
   // Lists
   QGroupBox* intervalTermsFrame_ = nullptr;
   QTabWidget* intervalTabs_ = nullptr;
+  QSplitter* listsSplit_ = nullptr;
   std::array<QTableView*, 5> intervalViews_{};
   std::array<IntervalTermModel*, 5> intervalModels_{};
+  QWidget* tweetViewFrame_ = nullptr;
   QLabel* tweetViewSummary_ = nullptr;
   QTableView* tweetView_ = nullptr;
   TweetListModel* tweetModel_ = nullptr;

@@ -5,6 +5,8 @@
 
 #include <QDoubleSpinBox>
 #include <QFile>
+#include <QLabel>
+#include <QTableView>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTabWidget>
@@ -14,7 +16,10 @@
 #include "app/cluster_explorer_page.h"
 #include "app/cluster_links.h"
 #include "app/cluster_map_panel.h"
+#include "app/interval_term_model.h"
 #include "app/job_runner.h"
+#include "app/time_line_explorer_page.h"
+#include "app/tweet_list_model.h"
 #include "cluster_test_support.h"
 
 using namespace sylvora;
@@ -147,6 +152,81 @@ class ClusterExplorerTest : public QObject {
     QCOMPARE(chosen[0][0].toInt(), 5);
     QCOMPARE(chosen[0][1].toInt(), 1);
     QCOMPARE(chosen[0][2].toInt(), S().WordModel().IntervalCount());
+  }
+
+  void TheMessageListMovesIntoTheCurrentTab() {
+    app::TimeLineExplorerPage& timeLine = f_->Window().TimeLine();
+    QTabWidget& tabs = f_->Window().Tabs();
+    f_->Window().show();
+    QVERIFY(QTest::qWaitForWindowExposed(&f_->Window()));
+    QTableView* list = timeLine.TweetView();
+    QWidget* frame = timeLine.TweetViewFrame();
+    QCOMPARE(frame->objectName(), QStringLiteral("TweetView_Frame"));
+    QCOMPARE(tabs.currentWidget(), static_cast<QWidget*>(page_));
+    // The same view object, now under the maps and shown with room for rows.
+    QVERIFY(page_->isAncestorOf(list));
+    QVERIFY(page_->MessageListSlot()->isAncestorOf(frame));
+    QVERIFY(!timeLine.isAncestorOf(list));
+    QVERIFY(list->isVisible());
+    QVERIFY2(list->height() >= 100, qPrintable(QString::number(list->height())));
+    QVERIFY(list->width() >= page_->width() / 2);
+    QCOMPARE(f_->Window().findChildren<QTableView*>(QStringLiteral("TweetView")).size(), 1);
+
+    // A word clicked in the map fills the list the user sees, with its caption.
+    const int term = 5;
+    page_->TermSimVis_OnNodeClick(term - 1);
+    const QString word = QString::fromStdString(S().WordIndex().Term(term));
+    QCOMPARE(timeLine.TweetList().rowCount(), S().WordIndex().DocFreq(term));
+    QVERIFY(timeLine.TweetList().rowCount() > 0);
+    QVERIFY2(timeLine.TweetViewSummaryText().contains(QStringLiteral(" OCCURRENCES OF ") + word),
+             qPrintable(timeLine.TweetViewSummaryText()));
+    QCOMPARE(list->model()->rowCount(), timeLine.TweetList().rowCount());
+    auto* summary = page_->findChild<QLabel*>(QStringLiteral("TweetViewSummary"));
+    QVERIFY(summary != nullptr && summary->isVisible());
+
+    // The time line tab takes it back beside its interval lists; the cluster tab again after.
+    tabs.setCurrentWidget(&timeLine);
+    QVERIFY(timeLine.isAncestorOf(list));
+    QVERIFY(!page_->isAncestorOf(list));
+    QVERIFY(timeLine.findChild<QWidget*>(QStringLiteral("TLE_ListsSplit"))->isAncestorOf(frame));
+    QVERIFY(list->isVisible());
+    QCOMPARE(list->model()->rowCount(), S().WordIndex().DocFreq(term));
+    // The "Load and Index" tab has its own viewer: the list stays where it was.
+    tabs.setCurrentIndex(0);
+    QVERIFY(timeLine.isAncestorOf(list));
+    QVERIFY(VisitClusterExplorer(*f_));
+    QVERIFY(page_->isAncestorOf(list));
+    QVERIFY(list->isVisible());
+  }
+
+  void AWordMarkedOnTheTimeLineIsSelectedInTheWordMap() {
+    app::TimeLineExplorerPage& timeLine = f_->Window().TimeLine();
+    Words().SetSelectedNode(-1);
+    const int term = 7;
+    const QString word = QString::fromStdString(S().WordIndex().Term(term));
+    // A row click in the words list of "Load and Index" marks the word.
+    QSignalSpy marked(&timeLine, &app::TimeLineExplorerPage::wordMarked);
+    timeLine.AllTermList_Click(IndexKind::kWords, word);
+    QCOMPARE(marked.size(), 1);
+    QCOMPARE(Words().SelectedNode(), term - 1);
+    // So does a word of an interval list.
+    const int k = IntervalWithTweets(30);
+    timeLine.SelectInterval(k);
+    QVERIFY(timeLine.IntervalTerms(IndexKind::kWords).rowCount() > 1);
+    const QString other = timeLine.IntervalTerms(IndexKind::kWords).TermTextAt(1);
+    timeLine.IntervalTerm_Click(IndexKind::kWords, 1);
+    QCOMPARE(Words().SelectedNode(), S().WordIndex().TermIndex(other.toStdString()) - 1);
+    // An unknown word or one the map does not hold changes nothing.
+    const int before = Words().SelectedNode();
+    page_->SelectWord(QStringLiteral("no-such-word-here"));
+    QCOMPARE(Words().SelectedNode(), before);
+    page_->SelectWord(QString());
+    QCOMPARE(Words().SelectedNode(), before);
+    // The selection is drawn: the picture differs from one without it.
+    const QImage selected = Words().Snapshot();
+    Words().SetSelectedNode(-1);
+    QVERIFY(Words().Snapshot() != selected);
+    QVERIFY(f_->platform.boxes.isEmpty());
   }
 
   void HoveringAnIntervalShowsItsTwoBestTerms() {
