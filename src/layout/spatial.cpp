@@ -106,8 +106,10 @@ std::string LayoutCommandLine(std::string_view gvPath, std::string_view algorith
 Spatial::Spatial(Notifier& notifier) : notifier_(&notifier), folder_(DefaultLayoutFolder()) {}
 
 std::int32_t Spatial::NodeDegree(std::int32_t i) const {
-  if (i < 0 || static_cast<std::size_t>(i) >= degrees_.size()) return 0;
-  return degrees_[static_cast<std::size_t>(i)];
+  if (i < 0) return 0;
+  if (static_cast<std::size_t>(i) < degrees_.size()) return degrees_[static_cast<std::size_t>(i)];
+  const auto far = farDegrees_.find(i);
+  return far != farDegrees_.end() ? far->second : 0;
 }
 
 EdgeRecord Spatial::Edge(std::int32_t index) const {
@@ -173,8 +175,10 @@ bool Spatial::SetGraphFromDot(std::string_view dotStr, std::int32_t firstNode) {
     if (feed == std::string_view::npos) break;
     rest.remove_prefix(feed + 1);
   }
+  farDegrees_.clear();
   if (lines.size() < 4) return true;
   edges_.reserve(lines.size() - 4);
+  degrees_.assign(std::max<std::size_t>(static_cast<std::size_t>(nodeCount_), lines.size()), 0);
   for (std::size_t i = 3; i + 1 < lines.size(); ++i) {
     std::string line(WithoutTrailingCr(lines[i]));
     // "a--b[len=w];" -> "a b w"
@@ -196,10 +200,11 @@ bool Spatial::SetGraphFromDot(std::string_view dotStr, std::int32_t firstNode) {
     edges_.push_back(edge);
     for (const std::int32_t node : {edge.FromNode, edge.ToNode}) {
       if (node < 0) continue;
-      if (static_cast<std::size_t>(node) >= degrees_.size()) {
-        degrees_.resize(static_cast<std::size_t>(node) + 1, 0);
+      if (static_cast<std::size_t>(node) < degrees_.size()) {
+        ++degrees_[static_cast<std::size_t>(node)];
+      } else {
+        ++farDegrees_[node];
       }
-      ++degrees_[static_cast<std::size_t>(node)];
     }
   }
   return true;
@@ -293,6 +298,7 @@ bool Spatial::GraphVisLayout_CLI(std::string_view gvPath, std::string_view algor
   ResetNodes(nodeCount);
   edges_.clear();
   degrees_.clear();
+  farDegrees_.clear();
   lastShellCode_ = -1;
   const std::string command = LayoutCommandLine(gvPath, algorithm, folder_);
   const auto fail = [&] {

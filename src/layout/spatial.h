@@ -36,6 +36,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "common/notifier.h"
@@ -134,7 +135,11 @@ class Spatial {
   float scaleX_ = 0.0f;
   float scaleY_ = 0.0f;
   std::vector<EdgeRecord> edges_;
+  // Degrees of the nodes below the node count (or the edge count); the rare node numbers above
+  // it, which only a foreign DOT text holds, are counted apart so that one such number cannot
+  // make the table huge.
   std::vector<std::int32_t> degrees_;
+  std::unordered_map<std::int32_t, std::int32_t> farDegrees_;
 };
 
 }  // namespace sylvora

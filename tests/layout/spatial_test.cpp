@@ -57,6 +57,21 @@ TEST(SetGraphFromDotTest, FirstNodeZeroKeepsNumbersAndLineFeedsAlone) {
   EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.125f, 0, 7}));
 }
 
+// A foreign text may number a node near the 32-bit limit: it is counted without a table that
+// large, and a later text forgets it.
+TEST(SetGraphFromDotTest, AHugeNodeNumberIsCountedWithoutAHugeTable) {
+  Spatial spatial;
+  ASSERT_TRUE(spatial.SetGraphFromDot(
+      Dot("\t1 -- 2147483000 [len=0.5];\r\n\t2147483000 -- 3 [len=0.5];\r\n"), 1));
+  ASSERT_EQ(spatial.EdgeCount(), 2);
+  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.5f, 0, 2147482999}));
+  EXPECT_EQ(spatial.NodeDegree(2147482999), 2);
+  EXPECT_EQ(spatial.NodeDegree(0), 1);
+  EXPECT_EQ(spatial.NodeDegree(2), 1);
+  ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=0.5];\r\n"), 1));
+  EXPECT_EQ(spatial.NodeDegree(2147482999), 0);
+}
+
 TEST(SetGraphFromDotTest, GraphWithoutEdgesHasNone) {
   Spatial spatial;
   ASSERT_TRUE(spatial.SetGraphFromDot(Dot(""), 1));
