@@ -37,6 +37,7 @@
 #include "session/corpus_load.h"
 #include "session/interval_models.h"
 #include "session/interval_series.h"
+#include "offscreen_benchmark_main.h"
 #include "support/peak_memory.h"
 
 namespace {
@@ -60,17 +61,6 @@ std::string CorpusFile() {
 
 std::string StopList() { return std::string(SYLVORA_SOURCE_DIR) + "/data/common_words.txt"; }
 
-QApplication& Application() {
-  static int argc = 1;
-  static char name[] = "sylvora_time_line_bench";
-  static char* argv[] = {name, nullptr};
-  static std::unique_ptr<QApplication> application;
-  if (!application) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    application = std::make_unique<QApplication>(argc, argv);
-  }
-  return *application;
-}
 
 // Says OK to every question and keeps quiet otherwise, as a user who builds anyway.
 class AgreeingNotifier final : public sylvora::Notifier {
@@ -106,7 +96,6 @@ void Report(benchmark::State& state, const sylvora::Session& session) {
 
 // A window with the corpus loaded and indexed through its own buttons.
 std::unique_ptr<sylvora::app::Main> IndexedWindow(AgreeingPlatform& platform) {
-  Application();
   sylvora::app::StartupEnvironment environment;
   environment.configFolder = QString::fromStdString(
       (std::filesystem::temp_directory_path() / "sylvora-bench-config").string());
@@ -229,4 +218,4 @@ BENCHMARK(BM_WindowSelectBusiestInterval)->Unit(benchmark::kMillisecond)->Iterat
 
 }  // namespace
 
-BENCHMARK_MAIN();
+SYLVORA_OFFSCREEN_BENCHMARK_MAIN()
