@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -56,6 +57,7 @@ bool JobRunner::Start(const QString& name, Work work, Done done) {
     const std::lock_guard lock(mutex_);
     lastStage_.clear();
     updatePosted_ = false;
+    lastPost_ = {};
   }
   if (bar_ != nullptr) {
     bar_->setRange(0, 0);
@@ -92,17 +94,27 @@ void JobRunner::Post(std::function<void()> task) {
 }
 
 void JobRunner::WaitForIdle() {
-  while (thread_ != nullptr) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+  // An event loop that sleeps until the job's end (processEvents with a time limit would poll
+  // and take a core from the job); a job started by the end of the last one is waited for too.
+  while (thread_ != nullptr) {
+    QEventLoop loop;
+    connect(this, &JobRunner::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
 }
 
 bool JobRunner::Report(std::string_view stage, std::int64_t done, std::int64_t total) {
+  const auto now = std::chrono::steady_clock::now();
   const std::lock_guard lock(mutex_);
   const bool newStage = stage != lastStage_;
   if (newStage) lastStage_.assign(stage);
   // Each update carries its own snapshot, so updates arrive in the order they were made; within
-  // a stage at most one is waiting at a time, while a new stage is always sent.
-  if (newStage || !updatePosted_) {
+  // a stage at most one is waiting at a time and one is sent per kMinUpdateInterval (the bar
+  // cannot show more, and every update costs the user-interface thread a repaint), while a new
+  // stage is always sent.
+  if (newStage || (!updatePosted_ && now - lastPost_ >= kMinUpdateInterval)) {
     updatePosted_ = true;
+    lastPost_ = now;
     const QString text = QString::fromUtf8(stage.data(), static_cast<qsizetype>(stage.size()));
     QMetaObject::invokeMethod(
         this,

@@ -3,13 +3,15 @@
 // thread, shows its progress in a progress bar with a stage label and a Cancel button, and
 // calls the step's completion on the user-interface thread.
 //
-// The progress callback handed to the step is cheap to call from a tight loop: it posts at most
-// one pending update per stage to the user-interface thread, and a change of stage text is
-// always posted, so that no stage is skipped and updates arrive in order. It returns false once Cancel was
-// pressed (or Cancel() called). While a job runs, the caller must not touch the objects that
-// the job works on; it gets them back in `done`.
+// The progress callback handed to the step is cheap to call from a tight loop: within a stage it
+// posts at most one pending update to the user-interface thread and no more than one per
+// kMinUpdateInterval (about 30 a second); a change of stage text is always posted, so that no
+// stage is skipped, the last stage's text is shown and updates arrive in order. It returns
+// false once Cancel was pressed (or Cancel() called). While a job runs, the caller must not
+// touch the objects that the job works on; it gets them back in `done`.
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -30,6 +32,9 @@ class JobRunner final : public QObject {
   Q_OBJECT
 
  public:
+  // The shortest time between two updates of one stage.
+  static constexpr std::chrono::milliseconds kMinUpdateInterval{33};
+
   using Work = std::function<void(const ProgressCallback& progress)>;
   // Called on the user-interface thread when the work has returned; `cancelled` tells whether
   // Cancel was asked for while it ran.
@@ -76,6 +81,7 @@ class JobRunner final : public QObject {
   std::mutex mutex_;
   std::string lastStage_;
   bool updatePosted_ = false;
+  std::chrono::steady_clock::time_point lastPost_{};
 };
 
 }  // namespace sylvora::app

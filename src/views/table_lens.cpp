@@ -76,16 +76,18 @@ void TableLens::SetNumDataTable(const SparseMatrixSingle& dataTable) {
   table_ = &dataTable;
   const std::int32_t rows = dataTable.RowCount();
   const std::int32_t cols = dataTable.ColCount();
+  // Names stay unset until given ("R7", "C12" are made when asked): the columns of a word
+  // index are its documents, a million of them, and only a few ever get a name.
   rowNames_.assign(static_cast<std::size_t>(rows) + 1, QString());
-  columnNames_.assign(static_cast<std::size_t>(cols) + 1, QString());
+  rowNamed_.assign(static_cast<std::size_t>(rows) + 1, false);
+  columnCount_ = cols;
+  columnNames_.clear();
   topRow_ = 1;
   leftColumn_ = 1;
   visibleRows_ = rows < kFirstVisibleRowsCap ? rows : kFirstVisibleRowsCap;
   visibleColumns_ = cols <= kFirstVisibleColumnsCap - 1 ? cols : kFirstVisibleColumnsCap;
   rowMarks_.assign(static_cast<std::size_t>(rows) + 1, false);
   markedRowCount_ = 0;
-  for (std::int32_t r = 1; r <= rows; ++r) rowNames_[static_cast<std::size_t>(r)] = u'R' + QString::number(r);
-  for (std::int32_t c = 1; c <= cols; ++c) columnNames_[static_cast<std::size_t>(c)] = u'C' + QString::number(c);
   cursorRow_ = 1;
   cursorColumn_ = 1;
   hoverRow_ = 0;
@@ -104,23 +106,27 @@ void TableLens::SetNumDataTable(const SparseMatrixSingle& dataTable) {
 
 QString TableLens::RowName(std::int32_t row) const {
   if (row < 0 || static_cast<std::size_t>(row) >= rowNames_.size()) return {};
-  return rowNames_[static_cast<std::size_t>(row)];
+  const auto at = static_cast<std::size_t>(row);
+  if (row >= 1 && !rowNamed_[at]) return u'R' + QString::number(row);
+  return rowNames_[at];
 }
 
 void TableLens::SetRowName(std::int32_t row, const QString& name) {
   if (row < 0 || static_cast<std::size_t>(row) >= rowNames_.size()) return;
   rowNames_[static_cast<std::size_t>(row)] = name;
+  rowNamed_[static_cast<std::size_t>(row)] = true;
   if (row == topRow_ + visibleRows_ - 1) Redraw();
 }
 
 QString TableLens::ColumnName(std::int32_t col) const {
-  if (col < 0 || static_cast<std::size_t>(col) >= columnNames_.size()) return {};
-  return columnNames_[static_cast<std::size_t>(col)];
+  if (col < 0 || col > columnCount_) return {};
+  if (const auto named = columnNames_.find(col); named != columnNames_.end()) return named->second;
+  return col >= 1 ? u'C' + QString::number(col) : QString();
 }
 
 void TableLens::SetColumnName(std::int32_t col, const QString& name) {
-  if (col < 0 || static_cast<std::size_t>(col) >= columnNames_.size()) return;
-  columnNames_[static_cast<std::size_t>(col)] = name;
+  if (col < 0 || col > columnCount_) return;
+  columnNames_[col] = name;
   if (col == leftColumn_ + visibleColumns_ - 1) Redraw();
 }
 

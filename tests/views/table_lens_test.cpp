@@ -324,6 +324,33 @@ class TableLensTest : public QObject {
     QCOMPARE(window.lens->RowName(99), QString());
   }
 
+  void namesDefaultUntilGivenAndResetWithANewTable() {
+    LensWindow window;
+    const SparseMatrixSingle table = NumberedTable(4, 3);
+    window.lens->SetNumDataTable(table);
+    QCOMPARE(window.lens->RowName(0), QString());
+    QCOMPARE(window.lens->ColumnName(0), QString());
+    QCOMPARE(window.lens->ColumnName(2), QStringLiteral("C2"));
+    QCOMPARE(window.lens->ColumnName(4), QString());  // beyond the table
+    window.lens->SetColumnName(2, QStringLiteral("02/09"));
+    window.lens->SetColumnName(3, QString());  // an empty name is kept as given
+    window.lens->SetColumnName(4, QStringLiteral("ignored"));
+    window.lens->SetRowName(3, QString());
+    QCOMPARE(window.lens->ColumnName(2), QStringLiteral("02/09"));
+    QCOMPARE(window.lens->ColumnName(3), QString());
+    QCOMPARE(window.lens->ColumnName(4), QString());
+    QCOMPARE(window.lens->RowName(3), QString());
+    QCOMPARE(window.lens->RowName(4), QStringLiteral("R4"));
+
+    SparseMatrixSingle wider;  // the documents of a large word index: empty columns
+    wider.Reset(2, 200'000);
+    window.lens->SetNumDataTable(wider);
+    QCOMPARE(window.lens->ColumnName(2), QStringLiteral("C2"));
+    QCOMPARE(window.lens->ColumnName(200'000), QStringLiteral("C200000"));
+    QCOMPARE(window.lens->RowName(3), QString());  // the new table has two rows
+    QCOMPARE(window.lens->RowName(2), QStringLiteral("R2"));
+  }
+
   void clickingRowHeaderMarksAndUnmarks() {
     LensWindow window;
     const SparseMatrixSingle table = NumberedTable(6, 5);
