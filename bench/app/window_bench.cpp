@@ -11,7 +11,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include <QApplication>
@@ -24,6 +23,7 @@
 #include "app/main_window.h"
 #include "common/notifier.h"
 #include "generator/corpus_generator.h"
+#include "offscreen_benchmark_main.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "support/peak_memory.h"
@@ -48,20 +48,6 @@ std::string CorpusFile() {
 }
 
 std::string StopList() { return std::string(SYLVORA_SOURCE_DIR) + "/data/common_words.txt"; }
-
-// Destroyed at the end of main, before the statics that Qt's own clean-up still needs.
-std::unique_ptr<QApplication> application;
-
-QApplication& Application() {
-  static int argc = 1;
-  static char name[] = "sylvora_app_bench";
-  static char* argv[] = {name, nullptr};
-  if (!application) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    application = std::make_unique<QApplication>(argc, argv);
-  }
-  return *application;
-}
 
 void Report(benchmark::State& state, const std::string& path, sylvora::DocIndex documents) {
   state.counters["tweets"] = documents;
@@ -92,7 +78,6 @@ BENCHMARK(BM_SessionLoadAndIndex)->Unit(benchmark::kMillisecond)->Iterations(1)-
 // The same through the window's buttons, with the window repainted every 16 ms.
 void BM_WindowLoadAndIndex(benchmark::State& state) {
   const std::string path = CorpusFile();
-  Application();
   sylvora::DocIndex documents = 0;
   double longestGapMs = 0;
   for (auto _ : state) {
@@ -147,11 +132,4 @@ BENCHMARK(BM_WindowLoadAndIndex)
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  application.reset();
-  return 0;
-}
+SYLVORA_OFFSCREEN_BENCHMARK_MAIN()
