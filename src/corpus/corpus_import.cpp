@@ -21,7 +21,14 @@ const char* SkipBlanks(const char* p, const char* end) {
 }
 
 std::size_t CountLines(const char* bytes, std::size_t size) {
-  return static_cast<std::size_t>(std::count(bytes, bytes + size, '\n')) + 1;
+  std::size_t lines = 1;
+  const char* end = bytes + size;
+  for (const char* at = bytes; at < end; ++lines) {
+    const void* feed = std::memchr(at, '\n', static_cast<std::size_t>(end - at));
+    if (feed == nullptr) break;
+    at = static_cast<const char*>(feed) + 1;
+  }
+  return lines;
 }
 
 DetectionOutcome ImportInput(const std::string& name, CorpusInput&& input,

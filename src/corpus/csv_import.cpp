@@ -286,9 +286,10 @@ bool ImportCsvRecords(const std::string& name, ByteBuffer&& input, const ImportO
       return fail("Loading cancelled");
     }
     if (cells.size() == 1 && cells[0].empty()) continue;  // a blank line
-    const std::string where = "'" + name + "' line " + std::to_string(reader.Line());
+    // Only a bad record needs its place in words.
+    const auto where = [&] { return "'" + name + "' line " + std::to_string(reader.Line()); };
     if (cells.size() != header.size()) {
-      if (!bad(where + ": " + std::to_string(cells.size()) + " columns where the header has " +
+      if (!bad(where() + ": " + std::to_string(cells.size()) + " columns where the header has " +
                std::to_string(header.size()))) {
         return false;
       }
@@ -321,7 +322,7 @@ bool ImportCsvRecords(const std::string& name, ByteBuffer&& input, const ImportO
                            : "the date \"" + std::string(dateText) +
                                "\" is in no layout known (ISO 8601, \"Www Mmm DD HH:MM:SS "
                                "+ZZZZ YYYY\", seconds since 1970, DD/MM/YYYY HH:MM:SS)";
-      if (!bad(where + ": " + reason)) return false;
+      if (!bad(where() + ": " + reason)) return false;
       continue;
     }
     date.clear();
@@ -330,8 +331,10 @@ bool ImportCsvRecords(const std::string& name, ByteBuffer&& input, const ImportO
     long long positive = 0, negative = 0;
     if (WholeNumber(row[static_cast<std::size_t>(LayoutField::kSentPositive)], positive) &&
         WholeNumber(row[static_cast<std::size_t>(LayoutField::kSentNegative)], negative)) {
+      char net[24];
+      const auto [end, ec] = std::to_chars(net, net + sizeof net, positive + negative);
       row[static_cast<std::size_t>(LayoutField::kNetSent)] =
-          rows.Store(std::to_string(positive + negative));
+          rows.Store(std::string_view(net, static_cast<std::size_t>(end - net)));
     }
     rows.AddViews(row);
   }
