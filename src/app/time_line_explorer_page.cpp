@@ -221,6 +221,9 @@ QWidget* TimeLineExplorerPage::BuildListsArea() {
   tweetView_->setModel(tweetModel_);
   tweetView_->horizontalHeader()->setStretchLastSection(false);
   tweetView_->horizontalHeader()->setMinimumSectionSize(1);
+  // One line per message, elided: wrapping would lay out every visible cell's whole text at each
+  // repaint, and the rows are one line high anyway.
+  tweetView_->setWordWrap(false);
   tweetLayout->addWidget(tweetViewSummary_);
   tweetLayout->addWidget(tweetView_, 1);
   split->addWidget(tweets);

@@ -274,6 +274,7 @@ void PointMap2D::ResetNodes(std::int32_t count) {
   cluster_.assign(n, 0);
   label_.assign(n, QString());
   edges_.clear();
+  pictureStale_ = true;
 }
 
 void PointMap2D::FitView() {
@@ -479,6 +480,7 @@ void PointMap2D::RenderView(bool clear, bool lassoo) {
     picture_.fill(kWhite);
   }
   pictureStale_ = false;
+  renderedView_ = view_;
   if (picture_.isNull()) return;
 
   QPainter painter(&picture_);
@@ -596,6 +598,7 @@ void PointMap2D::PulseNode(std::int32_t node, float scaleFactor) {
   pulsingNode_ = node;
   savedPulseSize_ = size_[static_cast<std::size_t>(node)];
   size_[static_cast<std::size_t>(node)] *= scaleFactor;
+  pictureStale_ = true;
   if (surface_) surface_->SetHostCursor(Qt::WhatsThisCursor);
 }
 
@@ -639,12 +642,30 @@ void PointMap2D::MousePress(Qt::MouseButton button, QPointF position) {
     selectionEndX_ = selectionStartX_;
     selectionEndY_ = selectionStartY_;
     emit SelectionStarted();
-    RenderView(true, false);
+    RedrawForPress();
   } else if (button == Qt::RightButton) {
     zoomingOut_ = true;
     zoomOutStep_ = meanNodeSize_;
-    RenderView(true, false);
+    RedrawForPress();
   }
+}
+
+bool PointMap2D::PictureCurrent() const {
+  return !pictureStale_ && !picture_.isNull() && picture_.size() == PictureSize() &&
+         dataWidth_ != 0.0f && dataHeight_ != 0.0f && renderedView_.left == view_.left &&
+         renderedView_.right == view_.right && renderedView_.top == view_.top &&
+         renderedView_.bottom == view_.bottom;
+}
+
+void PointMap2D::RedrawForPress() {
+  // Every click starts with this redraw: on a map of thousands of nodes, drawing an unchanged
+  // picture again costs more than the rest of the click.
+  if (!PictureCurrent()) {
+    RenderView(true, false);
+    return;
+  }
+  lassoVisible_ = false;
+  Refresh();
 }
 
 void PointMap2D::MouseRelease(Qt::MouseButton button, QPointF position) {

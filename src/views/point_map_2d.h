@@ -225,6 +225,10 @@ class PointMap2D : public QObject {
   void ViewChanged();
 
  private:
+  // True when RenderView(true, false) would draw exactly the picture there is.
+  bool PictureCurrent() const;
+  // The button-down redraw: the picture cleared and drawn again, the selection square hidden.
+  void RedrawForPress();
   void ResetNodes(std::int32_t count);
   void FitView();
   void ResizeNodes();
@@ -284,6 +288,10 @@ class PointMap2D : public QObject {
 
   // The picture no longer shows the options (set by option writers, cleared by a draw).
   bool pictureStale_ = false;
+  // The view the picture was last drawn for: a press redraws only when the picture is out of
+  // date (stale options, another view or size), since redrawing an up-to-date picture gives
+  // the same pixels.
+  ViewRect renderedView_{};
   QFont labelFont_;
   QImage picture_;
 };

@@ -419,6 +419,40 @@ class PointMap2DTest : public QObject {
     QVERIFY(map.Picture() != before);
   }
 
+  void pressRedrawsAnOutOfDatePicture() {
+    PointMap2D map;
+    map.SetPictureSize(QSize(300, 300));
+    const auto spatial = StarSpatial();
+    map.SetCoordinates(*spatial);
+    map.SetShowEdges(true);
+    map.RenderView(true, false);
+    const QImage withEdges = map.Picture();
+    // Options written since the last draw: the press draws them.
+    map.SetShowEdges(false);
+    QCOMPARE(map.Picture(), withEdges);
+    map.MousePress(Qt::LeftButton, QPointF(150, 150));
+    const QImage withoutEdges = map.Picture();
+    QVERIFY(withoutEdges != withEdges);
+    // An up-to-date picture stays what a fresh draw gives.
+    map.MousePress(Qt::LeftButton, QPointF(150, 150));
+    QCOMPARE(map.Picture(), withoutEdges);
+    map.RenderView(true, false);
+    QCOMPARE(map.Picture(), withoutEdges);
+    // The right button too; and a press hides the selection square.
+    map.SetWeight(4, 3.0f);
+    map.MousePress(Qt::RightButton, QPointF(150, 150));
+    map.MouseRelease(Qt::RightButton, QPointF(150, 150));
+    QVERIFY(map.Picture() != withoutEdges);
+    map.RenderView(false, true);
+    QVERIFY(map.LassoVisible());
+    map.MousePress(Qt::LeftButton, QPointF(150, 150));
+    QVERIFY(!map.LassoVisible());
+    // A new size is drawn at that size.
+    map.SetPictureSize(QSize(200, 100));
+    map.MousePress(Qt::LeftButton, QPointF(50, 50));
+    QCOMPARE(map.Picture().size(), QSize(200, 100));
+  }
+
   void hoverPrefersTheLighterNode() {
     MapWindow window;
     // Nodes 0 and 1 overlap; node 1 is lighter.
