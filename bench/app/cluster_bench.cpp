@@ -67,18 +67,12 @@ constexpr int kWordsPerTweet = 5;
 constexpr const char* kIntervalHours = "6";
 
 std::size_t TweetCount() {
-  const char* text = std::getenv("SYLVORA_BENCH_MAP_TWEETS");
-  return text != nullptr ? std::strtoull(text, nullptr, 10) : 100'000;
+  return sylvora::bench::TweetCountFromEnvironment("SYLVORA_BENCH_MAP_TWEETS", 100'000);
 }
 
 std::string CorpusFile() {
-  const std::size_t tweets = TweetCount();
-  const auto file = std::filesystem::temp_directory_path() /
-                    ("sylvora-bench-" + std::to_string(tweets) + "_twitter11.txt");
-  if (!std::filesystem::exists(file)) {
-    sylvora::bench::WriteSyntheticCorpus(sylvora::bench::CorpusFormat::kTwitter11, file, tweets);
-  }
-  return file.string();
+  using sylvora::bench::CorpusFormat;
+  return sylvora::bench::CachedCorpusFile(CorpusFormat::kTwitter11, TweetCount());
 }
 
 std::string StopList() { return std::string(SYLVORA_SOURCE_DIR) + "/data/common_words.txt"; }

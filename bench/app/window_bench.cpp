@@ -31,20 +31,12 @@
 namespace {
 
 std::size_t TweetCount() {
-  const char* text = std::getenv("SYLVORA_BENCH_TWEETS");
-  return text != nullptr ? std::strtoull(text, nullptr, 10) : 1'000'000;
+  return sylvora::bench::TweetCountFromEnvironment("SYLVORA_BENCH_TWEETS", 1'000'000);
 }
 
 std::string CorpusFile() {
   using sylvora::bench::CorpusFormat;
-  const std::size_t tweets = TweetCount();
-  const auto file = std::filesystem::temp_directory_path() /
-                    ("sylvora-bench-" + std::to_string(tweets) +
-                     std::string(sylvora::bench::CorpusFileSuffix(CorpusFormat::kTwitter11)));
-  if (!std::filesystem::exists(file)) {
-    sylvora::bench::WriteSyntheticCorpus(CorpusFormat::kTwitter11, file, tweets);
-  }
-  return file.string();
+  return sylvora::bench::CachedCorpusFile(CorpusFormat::kTwitter11, TweetCount());
 }
 
 std::string StopList() { return std::string(SYLVORA_SOURCE_DIR) + "/data/common_words.txt"; }

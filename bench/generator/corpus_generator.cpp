@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <span>
@@ -1652,6 +1653,19 @@ std::uint64_t WriteSyntheticCorpus(CorpusFormat format, const std::filesystem::p
   options.tweetCount = tweetCount;
   options.seed = seed;
   return CorpusGenerator(options).WriteFile(format, path);
+}
+
+std::size_t TweetCountFromEnvironment(const char* variable, std::size_t fallback) {
+  const char* text = std::getenv(variable);
+  return text != nullptr ? std::strtoull(text, nullptr, 10) : fallback;
+}
+
+std::string CachedCorpusFile(CorpusFormat format, std::size_t tweetCount) {
+  const auto file = std::filesystem::temp_directory_path() /
+                    ("sylvora-bench-" + std::to_string(tweetCount) +
+                     std::string(CorpusFileSuffix(format)));
+  if (!std::filesystem::exists(file)) WriteSyntheticCorpus(format, file, tweetCount);
+  return file.string();
 }
 
 }  // namespace sylvora::bench

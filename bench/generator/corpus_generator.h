@@ -160,4 +160,12 @@ class CorpusGenerator {
 std::uint64_t WriteSyntheticCorpus(CorpusFormat format, const std::filesystem::path& path,
                                    std::size_t tweetCount, std::uint64_t seed = kDefaultCorpusSeed);
 
+// The tweet count a benchmark runs at: the environment variable `variable` when set, else
+// `fallback`.
+std::size_t TweetCountFromEnvironment(const char* variable, std::size_t fallback);
+
+// "sylvora-bench-<tweets><suffix of the layout>" in the temp folder, generated on first use and
+// kept for later runs (the benchmarks of one size share it).
+std::string CachedCorpusFile(CorpusFormat format, std::size_t tweetCount);
+
 }  // namespace sylvora::bench
