@@ -49,6 +49,7 @@
 #include "app/related_terms_model.h"
 #include "common/notifier.h"
 #include "generator/corpus_generator.h"
+#include "padded_word_index.h"
 #include "layout/layout_folder.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
@@ -60,9 +61,6 @@ namespace {
 using sylvora::MapKind;
 using sylvora::app::ClusterExplorerPage;
 
-constexpr std::int32_t kMinDocFrequency = 20;
-constexpr int kGroupSize = 20;
-constexpr int kWordsPerTweet = 5;
 // Six-hour intervals: 72 over the corpus's 18 days, quiet ones under 2,000 tweets at 100,000.
 constexpr const char* kIntervalHours = "6";
 
@@ -73,60 +71,6 @@ std::size_t TweetCount() {
 std::string CorpusFile() {
   using sylvora::bench::CorpusFormat;
   return sylvora::bench::CachedCorpusFile(CorpusFormat::kTwitter11, TweetCount());
-}
-
-std::string StopList() { return std::string(SYLVORA_SOURCE_DIR) + "/data/common_words.txt"; }
-
-// Word j of the made-up vocabulary: letters only, unchanged by the stemmer, no stop word.
-std::string MadeUpWord(int j) {
-  static constexpr const char kFirst[] = "bdfghjklmnprstvw";
-  static constexpr const char* kSyllables[] = {"ba", "de", "gi", "ko", "mu",
-                                               "pa", "ri", "su", "ta", "vo"};
-  std::string word(1, kFirst[j % 16]);
-  word += "o";
-  for (int digit = 0, rest = j / 16; digit < 3; ++digit, rest /= 10) word += kSyllables[rest % 10];
-  return word + "k";
-}
-
-bool LoadAndIndex(sylvora::Session& session, int madeUpWords, std::string& error) {
-  sylvora::LoadOptions load;
-  load.path = CorpusFile();
-  const auto loaded = sylvora::LoadCorpus(session, load, sylvora::DefaultNotifier());
-  if (!loaded.loaded) {
-    error = loaded.error;
-    return false;
-  }
-  auto& documents = session.Documents();
-  const sylvora::FieldIndex content = documents.ContentField();
-  const int groups = (madeUpWords + kGroupSize - 1) / kGroupSize;
-  if (groups > 0) {
-    std::mt19937_64 random(7);
-    for (sylvora::DocIndex d = 0; d < documents.DocumentCount(); ++d) {
-      const int group = static_cast<int>(random() % static_cast<std::uint64_t>(groups));
-      std::string text(documents.Text(d, content));
-      for (int w = 0; w < kWordsPerTweet; ++w) {
-        const int size = std::min(kGroupSize, madeUpWords - group * kGroupSize);
-        const int inGroup = static_cast<int>(random() % static_cast<std::uint64_t>(size));
-        text += " " + MadeUpWord(group * kGroupSize + inGroup);
-      }
-      documents.SetText(d, content, text);
-    }
-  }
-  sylvora::IndexOptions options;
-  options.stopListPath = StopList();
-  options.minDocFrequency = kMinDocFrequency;
-  const auto report = sylvora::BuildIndexes(session, options);
-  if (!report.indexed) error = report.error;
-  return report.indexed;
-}
-
-int BaseTermCount() {
-  static const int count = [] {
-    sylvora::Session session;
-    std::string error;
-    return LoadAndIndex(session, 0, error) ? session.WordIndex().TermCount() : -1;
-  }();
-  return count;
 }
 
 std::unique_ptr<QApplication>& ApplicationSlot() {
@@ -242,16 +186,16 @@ Explorer& Prepare(int wanted) {
   e.window = std::make_unique<sylvora::app::Main>(e.platform, environment);
   e.window->resize(1280, 800);
   e.window->show();
-  e.window->LoadIndex().SetPaths({QString::fromStdString(StopList()),
+  e.window->LoadIndex().SetPaths({QString::fromStdString(sylvora::bench::StopListPath()),
                                   QString::fromStdString(sylvora::DefaultGraphvizFolder())});
-  const int base = BaseTermCount();
+  const int base = sylvora::bench::BaseTermCount(CorpusFile());
   if (base < 0 || base > wanted) {
     e.error = "the corpus could not be indexed, or it has too many terms already";
     return e;
   }
   Note("loading and indexing " + std::to_string(TweetCount()) + " tweets padded to " +
        std::to_string(wanted) + " words");
-  if (!LoadAndIndex(e.Session(), wanted - base, e.error)) return e;
+  if (!sylvora::bench::LoadAndIndexPadded(e.Session(), CorpusFile(), wanted - base, e.error)) return e;
   sylvora::ModelOptions options;
   options.intervalLength = kIntervalHours;
   sylvora::SilentNotifier silent;

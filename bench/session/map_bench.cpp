@@ -25,16 +25,13 @@
 
 #include "common/notifier.h"
 #include "generator/corpus_generator.h"
+#include "padded_word_index.h"
 #include "layout/layout_folder.h"
 #include "session/cluster_maps.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 
 namespace {
-
-constexpr std::int32_t kMinDocFrequency = 20;
-constexpr int kGroupSize = 20;
-constexpr int kWordsPerTweet = 5;
 
 std::size_t TweetCount() {
   return sylvora::bench::TweetCountFromEnvironment("SYLVORA_BENCH_MAP_TWEETS", 100'000);
@@ -43,18 +40,6 @@ std::size_t TweetCount() {
 std::string CorpusFile() {
   using sylvora::bench::CorpusFormat;
   return sylvora::bench::CachedCorpusFile(CorpusFormat::kTwitter11, TweetCount());
-}
-
-// Word j of the made-up vocabulary: a consonant, "o", three syllables and "k". The first
-// letters vary because the vocabulary holds a limited number of terms per first letter.
-std::string MadeUpWord(int j) {
-  static constexpr const char kFirst[] = "bdfghjklmnprstvw";
-  static constexpr const char* kSyllables[] = {"ba", "de", "gi", "ko", "mu",
-                                               "pa", "ri", "su", "ta", "vo"};
-  std::string word(1, kFirst[j % 16]);
-  word += "o";
-  for (int digit = 0, rest = j / 16; digit < 3; ++digit, rest /= 10) word += kSyllables[rest % 10];
-  return word + "k";
 }
 
 // Reads "VmRSS" or "VmHWM" of this process, in bytes.
@@ -70,59 +55,16 @@ std::int64_t StatusBytes(const std::string& key) {
 // Lets VmHWM start again from the current resident size (Linux 4.0 and later).
 void ResetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
-bool LoadAndIndex(sylvora::Session& session, int madeUpWords, std::string& error) {
-  sylvora::LoadOptions load;
-  load.path = CorpusFile();
-  const auto loaded = sylvora::LoadCorpus(session, load, sylvora::DefaultNotifier());
-  if (!loaded.loaded) {
-    error = loaded.error;
-    return false;
-  }
-  auto& documents = session.Documents();
-  const sylvora::FieldIndex content = documents.ContentField();
-  // Groups of kGroupSize words; the last one may be smaller.
-  const int groups = (madeUpWords + kGroupSize - 1) / kGroupSize;
-  if (groups > 0) {
-    std::mt19937_64 random(7);
-    for (sylvora::DocIndex d = 0; d < documents.DocumentCount(); ++d) {
-      const int group = static_cast<int>(random() % static_cast<std::uint64_t>(groups));
-      std::string text(documents.Text(d, content));
-      for (int w = 0; w < kWordsPerTweet; ++w) {
-        const int size = std::min(kGroupSize, madeUpWords - group * kGroupSize);
-        const int inGroup = static_cast<int>(random() % static_cast<std::uint64_t>(size));
-        text += " " + MadeUpWord(group * kGroupSize + inGroup);
-      }
-      documents.SetText(d, content, text);
-    }
-  }
-  sylvora::IndexOptions options;
-  options.stopListPath = SYLVORA_SOURCE_DIR "/data/common_words.txt";
-  options.minDocFrequency = kMinDocFrequency;
-  const auto report = sylvora::BuildIndexes(session, options);
-  if (!report.indexed) error = report.error;
-  return report.indexed;
-}
-
-// Terms of the index without made-up words, found once.
-int BaseTermCount() {
-  static const int count = [] {
-    sylvora::Session session;
-    std::string error;
-    return LoadAndIndex(session, 0, error) ? session.WordIndex().TermCount() : -1;
-  }();
-  return count;
-}
-
 void BM_WordMap(benchmark::State& state) {
   const int wanted = static_cast<int>(state.range(0));
-  const int base = BaseTermCount();
+  const int base = sylvora::bench::BaseTermCount(CorpusFile());
   if (base < 0 || base > wanted) {
     state.SkipWithError("the corpus could not be indexed, or it has too many terms already");
     return;
   }
   sylvora::Session session;
   std::string error;
-  if (!LoadAndIndex(session, wanted - base, error)) {
+  if (!sylvora::bench::LoadAndIndexPadded(session, CorpusFile(), wanted - base, error)) {
     state.SkipWithError(error.c_str());
     return;
   }
