@@ -49,8 +49,8 @@
 #include "app/related_terms_model.h"
 #include "common/notifier.h"
 #include "generator/corpus_generator.h"
-#include "padded_word_index.h"
 #include "layout/layout_folder.h"
+#include "padded_word_index.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "session/interval_models.h"
@@ -113,7 +113,9 @@ void Note(const std::string& text) {
 // job is cancelled (and given 30 s to stop) and the answer is a message naming what was
 // awaited and the stage it was in; empty when everything ended in time.
 std::string WaitIdle(sylvora::app::Main& window, const std::string& what) {
-  const auto busy = [&window] { return window.Jobs().Busy() || window.ClusterExplorer().Building(); };
+  const auto busy = [&window] {
+    return window.Jobs().Busy() || window.ClusterExplorer().Building();
+  };
   QElapsedTimer clock;
   clock.start();
   const qint64 limit = WaitLimitMs();
@@ -195,7 +197,8 @@ Explorer& Prepare(int wanted) {
   }
   Note("loading and indexing " + std::to_string(TweetCount()) + " tweets padded to " +
        std::to_string(wanted) + " words");
-  if (!sylvora::bench::LoadAndIndexPadded(e.Session(), CorpusFile(), wanted - base, e.error)) return e;
+  if (!sylvora::bench::LoadAndIndexPadded(e.Session(), CorpusFile(), wanted - base, e.error))
+    return e;
   sylvora::ModelOptions options;
   options.intervalLength = kIntervalHours;
   sylvora::SilentNotifier silent;
@@ -206,17 +209,17 @@ Explorer& Prepare(int wanted) {
   }
   QElapsedTimer clock;
   clock.start();
-  Note("first visit: interval and word maps of " + std::to_string(e.Session().WordIndex().TermCount()) +
-       " words over " + std::to_string(e.Session().WordModel().IntervalCount()) + " intervals");
+  Note("first visit: interval and word maps of " +
+       std::to_string(e.Session().WordIndex().TermCount()) + " words over " +
+       std::to_string(e.Session().WordModel().IntervalCount()) + " intervals");
   e.Page().ModelsRebuilt();
   e.window->Tabs().setCurrentWidget(&e.Page());
   e.error = WaitIdle(*e.window, "the first visit's interval and word maps");
   if (!e.error.empty()) return e;
   e.firstVisitSeconds = static_cast<double>(clock.nsecsElapsed()) / 1e9;
   if (!e.Page().Map(MapKind::kWords).IsSet() || !e.Page().Map(MapKind::kIntervals).IsSet()) {
-    e.error = "the maps were not built: " +
-              e.Page().Panel(MapKind::kWords).Status().toStdString() + " / " +
-              e.Page().Panel(MapKind::kIntervals).Status().toStdString();
+    e.error = "the maps were not built: " + e.Page().Panel(MapKind::kWords).Status().toStdString() +
+              " / " + e.Page().Panel(MapKind::kIntervals).Status().toStdString();
     return e;
   }
   e.tweetInterval = TweetMapInterval(e.Session().WordModel());
@@ -230,7 +233,8 @@ Explorer& Prepare(int wanted) {
   e.error = WaitIdle(*e.window, "the tweet map");
   if (!e.error.empty()) return e;
   if (!e.Page().Map(MapKind::kTweets).IsSet()) {
-    e.error = "the tweet map was not built: " + e.Page().Panel(MapKind::kTweets).Status().toStdString();
+    e.error =
+        "the tweet map was not built: " + e.Page().Panel(MapKind::kTweets).Status().toStdString();
   }
   Note("ready");
   return e;
@@ -389,7 +393,8 @@ void BM_RelatedTerms(benchmark::State& state) {
   double warmMs = 0.0;
   int rows = 0;
   for (auto _ : state) {
-    for (const int source : {sylvora::app::RelatedTerms::kSameTweet, sylvora::app::RelatedTerms::kSameInterval}) {
+    for (const int source :
+         {sylvora::app::RelatedTerms::kSameTweet, sylvora::app::RelatedTerms::kSameInterval}) {
       state.PauseTiming();
       related.SourcesChanged();
       state.ResumeTiming();

@@ -7,13 +7,13 @@
 
 #include <QApplication>
 
-#define SYLVORA_OFFSCREEN_BENCHMARK_MAIN()                               \
-  int main(int argc, char** argv) {                                      \
-    qputenv("QT_QPA_PLATFORM", "offscreen");                             \
-    QApplication application(argc, argv);                                \
-    benchmark::Initialize(&argc, argv);                                  \
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;    \
-    benchmark::RunSpecifiedBenchmarks();                                 \
-    benchmark::Shutdown();                                               \
-    return 0;                                                            \
+#define SYLVORA_OFFSCREEN_BENCHMARK_MAIN()                            \
+  int main(int argc, char** argv) {                                   \
+    qputenv("QT_QPA_PLATFORM", "offscreen");                          \
+    QApplication application(argc, argv);                             \
+    benchmark::Initialize(&argc, argv);                               \
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1; \
+    benchmark::RunSpecifiedBenchmarks();                              \
+    benchmark::Shutdown();                                            \
+    return 0;                                                         \
   }

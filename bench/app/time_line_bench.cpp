@@ -33,11 +33,11 @@
 #include "app/time_line_explorer_page.h"
 #include "app/tweet_list_model.h"
 #include "generator/corpus_generator.h"
+#include "offscreen_benchmark_main.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "session/interval_models.h"
 #include "session/interval_series.h"
-#include "offscreen_benchmark_main.h"
 #include "support/peak_memory.h"
 
 namespace {
@@ -52,7 +52,6 @@ std::string CorpusFile() {
 }
 
 std::string StopList() { return std::string(SYLVORA_SOURCE_DIR) + "/data/common_words.txt"; }
-
 
 // Says OK to every question and keeps quiet otherwise, as a user who builds anyway.
 class AgreeingNotifier final : public sylvora::Notifier {
@@ -206,7 +205,10 @@ void BM_WindowSelectBusiestInterval(benchmark::State& state) {
   state.counters["list_ms"] = listMs;
   Report(state, window->CurrentSession());
 }
-BENCHMARK(BM_WindowSelectBusiestInterval)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_WindowSelectBusiestInterval)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->UseRealTime();
 
 }  // namespace
 

@@ -29,10 +29,9 @@ std::size_t TweetCount() {
 // One generated file per shape and size, kept in the temp folder between runs.
 std::string CorpusFile(CorpusFormat format) {
   const std::size_t tweets = TweetCount();
-  const auto file =
-      std::filesystem::temp_directory_path() /
-      ("sylvora-bench-" + std::to_string(tweets) +
-       std::string(sylvora::bench::CorpusFileSuffix(format)));
+  const auto file = std::filesystem::temp_directory_path() /
+                    ("sylvora-bench-" + std::to_string(tweets) +
+                     std::string(sylvora::bench::CorpusFileSuffix(format)));
   if (!std::filesystem::exists(file)) {
     sylvora::bench::WriteSyntheticCorpus(format, file, tweets);
   }

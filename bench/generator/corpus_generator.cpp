@@ -1502,8 +1502,9 @@ struct CorpusGenerator::Impl {
   }
 
   void WriteNamedCsv(Output& out) const {
-    out.Put("id,created_at,username,name,text,url,retweet_count,sentiment_positive,"
-            "sentiment_negative");
+    out.Put(
+        "id,created_at,username,name,text,url,retweet_count,sentiment_positive,"
+        "sentiment_negative");
     out.EndLine();
     std::vector<GeneratedTweet> block;
     for (std::size_t b = 0; b < BlockCount(); ++b) {
@@ -1661,9 +1662,9 @@ std::size_t TweetCountFromEnvironment(const char* variable, std::size_t fallback
 }
 
 std::string CachedCorpusFile(CorpusFormat format, std::size_t tweetCount) {
-  const auto file = std::filesystem::temp_directory_path() /
-                    ("sylvora-bench-" + std::to_string(tweetCount) +
-                     std::string(CorpusFileSuffix(format)));
+  const auto file =
+      std::filesystem::temp_directory_path() /
+      ("sylvora-bench-" + std::to_string(tweetCount) + std::string(CorpusFileSuffix(format)));
   if (!std::filesystem::exists(file)) WriteSyntheticCorpus(format, file, tweetCount);
   return file.string();
 }

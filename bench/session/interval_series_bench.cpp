@@ -38,8 +38,7 @@ std::string CorpusFile(std::size_t tweets) {
   const auto file = folder / ("sylvora-bench-series-" + std::to_string(tweets) + "_twitter11.txt");
   if (!std::filesystem::exists(file)) {
     const auto partial = folder / ("sylvora-bench-series-" + std::to_string(tweets) + ".partial");
-    sylvora::bench::WriteSyntheticCorpus(sylvora::bench::CorpusFormat::kTwitter11, partial,
-                                         tweets);
+    sylvora::bench::WriteSyntheticCorpus(sylvora::bench::CorpusFormat::kTwitter11, partial, tweets);
     std::filesystem::rename(partial, file);
   }
   return file.string();

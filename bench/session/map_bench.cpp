@@ -25,8 +25,8 @@
 
 #include "common/notifier.h"
 #include "generator/corpus_generator.h"
-#include "padded_word_index.h"
 #include "layout/layout_folder.h"
+#include "padded_word_index.h"
 #include "session/cluster_maps.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
@@ -71,8 +71,8 @@ void BM_WordMap(benchmark::State& state) {
   sylvora::MapOptions options;
   options.graphvizFolder = sylvora::DefaultGraphvizFolder();
   // The DOT text and the layout stay in the temp folder, to time or inspect sfdp alone.
-  const auto folder = std::filesystem::temp_directory_path() /
-                      ("sylvora-bench-map-" + std::to_string(wanted));
+  const auto folder =
+      std::filesystem::temp_directory_path() / ("sylvora-bench-map-" + std::to_string(wanted));
   std::filesystem::create_directories(folder);
   options.layoutFolder = folder.string();
   const std::int64_t before = StatusBytes("VmRSS");
@@ -95,7 +95,8 @@ void BM_WordMap(benchmark::State& state) {
   state.counters["tweets"] = session.Documents().DocumentCount();
   state.counters["terms"] = session.WordIndex().TermCount();
   state.counters["links"] = report.edgeCount;
-  for (const auto& [stage, seconds] : stageSeconds) state.counters[stage + "_s"] = seconds / iterations;
+  for (const auto& [stage, seconds] : stageSeconds)
+    state.counters[stage + "_s"] = seconds / iterations;
   state.counters["rss_before_MB"] = static_cast<double>(before) / kMB;
   state.counters["peak_rss_MB"] = static_cast<double>(StatusBytes("VmHWM")) / kMB;
 }

@@ -70,8 +70,7 @@ int BaseTermCount(const std::string& corpusPath) {
   static const int count = [&corpusPath] {
     Session session;
     std::string error;
-    return LoadAndIndexPadded(session, corpusPath, 0, error) ? session.WordIndex().TermCount()
-                                                             : -1;
+    return LoadAndIndexPadded(session, corpusPath, 0, error) ? session.WordIndex().TermCount() : -1;
   }();
   return count;
 }

@@ -101,7 +101,8 @@ void BM_BuildModels(benchmark::State& state) {
   state.counters["max_interval_docs"] = report.maxIntervalDocCount;
   state.counters["trunK"] = report.trunK;
   state.counters["word_terms"] = session->WordIndex().TermCount();
-  for (const auto& [stage, seconds] : stageSeconds) state.counters[stage + "_s"] = seconds / iterations;
+  for (const auto& [stage, seconds] : stageSeconds)
+    state.counters[stage + "_s"] = seconds / iterations;
   state.counters["peak_MB"] = static_cast<double>(sylvora::bench::PeakResidentBytes()) / 1e6;
 }
 BENCHMARK(BM_BuildModels)->Unit(benchmark::kMillisecond)->Iterations(3);

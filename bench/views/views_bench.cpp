@@ -101,7 +101,8 @@ std::unique_ptr<PointMap2D> WordMap() {
   for (std::int32_t i = 0; i < kMapNodes; ++i) {
     map->SetNodeLabel(i, QStringLiteral("term%1").arg(i));
     map->SetNodeCluster(i, static_cast<std::int16_t>(i % 16));
-    weights[static_cast<std::size_t>(i)] = 300.0f / static_cast<float>(rank[static_cast<std::size_t>(i)]);
+    weights[static_cast<std::size_t>(i)] =
+        300.0f / static_cast<float>(rank[static_cast<std::size_t>(i)]);
   }
   map->SetNodeShape(2);
   map->SetShowEdges(true);
@@ -203,10 +204,7 @@ void BM_LensRedraw(benchmark::State& state) {
   state.counters["cells_drawn"] = static_cast<double>(lens.VisibleRows()) * lens.VisibleColumns();
   state.counters["peak_MB"] = PeakMegabytes();
 }
-BENCHMARK(BM_LensRedraw)
-    ->ArgName("style")
-    ->DenseRange(0, 4)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LensRedraw)->ArgName("style")->DenseRange(0, 4)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace sylvora

@@ -18,8 +18,8 @@
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
 #include "app/main_window.h"
-#include "app/time_line_explorer_page.h"
 #include "app/qt_platform.h"
+#include "app/time_line_explorer_page.h"
 #include "session/interval_models.h"
 
 namespace sylvora::app {
@@ -82,7 +82,8 @@ int LabelValueForTopWords(const TermDocumentMatrix& index, std::size_t count) {
 // After the main picture: builds the interval models, shows the cluster explorer with its
 // word and interval maps and the tweet map of the busiest interval, saves its picture and
 // quits with the exit code.
-void ScreenshotClusters(Main& window, const QString& file, const std::function<void(QString)>& fail) {
+void ScreenshotClusters(Main& window, const QString& file,
+                        const std::function<void(QString)>& fail) {
   Session& session = window.CurrentSession();
   ClusterExplorerPage& page = window.ClusterExplorer();
   const QString picture = ClustersPictureName(file);
@@ -93,7 +94,8 @@ void ScreenshotClusters(Main& window, const QString& file, const std::function<v
         fail(u"cannot save the screenshot to "_s + picture);
         return;
       }
-      std::printf("Screenshot saved to %s\n", qUtf8Printable(QFileInfo(picture).absoluteFilePath()));
+      std::printf("Screenshot saved to %s\n",
+                  qUtf8Printable(QFileInfo(picture).absoluteFilePath()));
       std::fflush(stdout);
       QCoreApplication::exit(0);
     });
@@ -199,7 +201,8 @@ void TakeScreenshot(Main& window, const QString& file) {
                      }
                      save(file, [&window, &timeLine, fail] {
                        window.Tabs().setCurrentWidget(&timeLine);
-                       if (!timeLine.BuildModels_Click()) fail(u"the model build could not start"_s);
+                       if (!timeLine.BuildModels_Click())
+                         fail(u"the model build could not start"_s);
                      });
                    });
   QObject::connect(&window, &Main::startupFinished, &window, [&window, &page, fail] {

@@ -97,8 +97,8 @@ void ClusterExplorerPage::StartBuild(MapKind kind, const Request& request) {
         *report = BuildIntervalMap(session.WordModel(), options, map, silent, progress);
         break;
       case MapKind::kTweets:
-        *report = BuildTweetMap(session.WordIndex(), session.WordModel(), request.interval,
-                                options, map, silent, progress);
+        *report = BuildTweetMap(session.WordIndex(), session.WordModel(), request.interval, options,
+                                map, silent, progress);
         break;
     }
   };
@@ -146,9 +146,10 @@ void ClusterExplorerPage::FinishBuild(MapKind kind, const Request& request, bool
       if (request.lazy && kind == MapKind::kWords) wordMapStale_ = true;
       if (request.lazy && kind == MapKind::kIntervals) intervalMapStale_ = true;
     } else if (kind == MapKind::kIntervals) {
-      services_.platform.ShowMessage(QString::fromUtf8(kIntervalMapFailure.data(),
-                                                       static_cast<qsizetype>(kIntervalMapFailure.size())),
-                                     kProgramTitle, MessageIcon::kNone);
+      services_.platform.ShowMessage(
+          QString::fromUtf8(kIntervalMapFailure.data(),
+                            static_cast<qsizetype>(kIntervalMapFailure.size())),
+          kProgramTitle, MessageIcon::kNone);
     }
   }
   if (!Building()) RestoreCaption();

@@ -18,9 +18,11 @@ void ClusterExplorerPage::ConnectMaps() {
   connect(&intervals, &PointMap2D::OnNewNodeOver, this, &ClusterExplorerPage::ISVis_OnNewNodeOver);
   connect(&intervals, &PointMap2D::OnNodeClick, this, &ClusterExplorerPage::ISVis_OnNodeClick);
   connect(&intervals, &PointMap2D::ViewChanged, this, [this] { activeMap_ = MapKind::kIntervals; });
-  connect(&tweets, &PointMap2D::OnNewNodeOver, this, &ClusterExplorerPage::TweetSimVis_OnNewNodeOver);
+  connect(&tweets, &PointMap2D::OnNewNodeOver, this,
+          &ClusterExplorerPage::TweetSimVis_OnNewNodeOver);
   connect(&tweets, &PointMap2D::OnNodeClick, this, &ClusterExplorerPage::TweetSimVis_OnNodeClick);
-  connect(&tweets, &PointMap2D::SelectionEnded, this, &ClusterExplorerPage::TweetSimVis_ViewChanged);
+  connect(&tweets, &PointMap2D::SelectionEnded, this,
+          &ClusterExplorerPage::TweetSimVis_ViewChanged);
   connect(&tweets, &PointMap2D::ViewChanged, this, &ClusterExplorerPage::TweetSimVis_ViewChanged);
   // Back and Forward change the view without the map's ViewChanged.
   connect(&Panel(MapKind::kWords), &ClusterMapPanel::viewRestored, this,
@@ -88,9 +90,8 @@ void ClusterExplorerPage::TweetSimVis_OnNewNodeOver(int node) {
     return;
   }
   const DocumentSet& documents = services_.session.Documents();
-  SetSurfaceToolTip(MapKind::kTweets,
-                    QString::fromStdString(documents.Text(data->firstDocument + node,
-                                                          documents.ContentField())));
+  SetSurfaceToolTip(MapKind::kTweets, QString::fromStdString(documents.Text(
+                                          data->firstDocument + node, documents.ContentField())));
 }
 
 void ClusterExplorerPage::TweetSimVis_OnNodeClick(int node) {
@@ -142,7 +143,8 @@ void ClusterExplorerPage::RecolourByVisibleWords() {
     const std::vector<std::int32_t> counts = VisibleWordsPerInterval(model, visible);
     SetVisibleWordGradient(intervals);
     for (std::int32_t k = 1; k <= model.IntervalCount(); ++k) {
-      intervals.SetNodeCluster(k - 1, GradientEntry(counts[static_cast<std::size_t>(k)], visibleCount));
+      intervals.SetNodeCluster(k - 1,
+                               GradientEntry(counts[static_cast<std::size_t>(k)], visibleCount));
     }
     intervals.RenderView(true, false);
   }
@@ -155,7 +157,8 @@ void ClusterExplorerPage::RecolourByVisibleWords() {
         VisibleWordsPerDocument(index, data->firstDocument, tweets.NodeCount(), visible);
     SetVisibleWordGradient(tweets);
     for (std::int32_t node = 0; node < tweets.NodeCount(); ++node) {
-      tweets.SetNodeCluster(node, GradientEntry(counts[static_cast<std::size_t>(node)], visibleCount));
+      tweets.SetNodeCluster(node,
+                            GradientEntry(counts[static_cast<std::size_t>(node)], visibleCount));
     }
     tweets.RenderView(true, false);
   }

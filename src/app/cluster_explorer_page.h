@@ -66,7 +66,9 @@ class ClusterExplorerPage final : public QWidget {
 
   // Where the Graphviz programs are: the "GraphVisPath" box of the Load and Index page, read at
   // each build. "/usr/bin" when no source is set.
-  void SetGraphvizFolderSource(std::function<QString()> source) { graphvizFolder_ = std::move(source); }
+  void SetGraphvizFolderSource(std::function<QString()> source) {
+    graphvizFolder_ = std::move(source);
+  }
   // The layout time limit (tests shorten it).
   void SetLayoutTimeLimit(int milliseconds) { timeLimitMs_ = milliseconds; }
 

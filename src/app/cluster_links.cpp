@@ -115,7 +115,8 @@ std::vector<std::int32_t> VisibleWordsPerDocument(const TermDocumentMatrix& word
   std::vector<std::int32_t> counts(static_cast<std::size_t>(std::max(count, 0)), 0);
   for (std::int32_t i = 0; i < count; ++i) {
     // Corpus row d is column d + 1 of the index's matrix.
-    counts[static_cast<std::size_t>(i)] = CountVisible(wordIndex.Matrix().Vector(first + i + 1), visible);
+    counts[static_cast<std::size_t>(i)] =
+        CountVisible(wordIndex.Matrix().Vector(first + i + 1), visible);
   }
   return counts;
 }

@@ -177,18 +177,19 @@ void ClusterMapPanel::SavePicture_Click() {
                                                  u"PNG picture (*.png)"_s);
   if (path.isEmpty()) return;
   QString error;
-  if (!SavePicture(path, error)) platform_.ShowMessage(error, kProgramTitle, MessageIcon::kExclamation);
+  if (!SavePicture(path, error))
+    platform_.ShowMessage(error, kProgramTitle, MessageIcon::kExclamation);
 }
 
 void ClusterMapPanel::SaveMapFiles_Click() {
-  QString path = platform_.GetSaveFileName(
-      u"Save Map Files"_s, SuggestedName(u".graphml"_s),
-      u"GraphML with CSV node and edge tables (*.graphml)"_s);
+  QString path = platform_.GetSaveFileName(u"Save Map Files"_s, SuggestedName(u".graphml"_s),
+                                           u"GraphML with CSV node and edge tables (*.graphml)"_s);
   if (path.isEmpty()) return;
   // The prefix is the name without its extension: "map.graphml" gives map_nodes.csv too.
   if (path.endsWith(u".graphml"_s, Qt::CaseInsensitive)) path.chop(8);
   QString error;
-  if (!SaveMapFiles(path, error)) platform_.ShowMessage(error, kProgramTitle, MessageIcon::kExclamation);
+  if (!SaveMapFiles(path, error))
+    platform_.ShowMessage(error, kProgramTitle, MessageIcon::kExclamation);
 }
 
 }  // namespace sylvora::app

@@ -3,7 +3,6 @@
 // stderr, questions get their negative answer (No, Cancel), links and the clipboard are
 // ignored and the file dialog chooses nothing.
 
-
 #include "app/platform.h"
 
 namespace sylvora::app {

@@ -8,8 +8,8 @@ namespace sylvora::app {
 using namespace Qt::StringLiterals;
 
 QString CsvField(const QString& text) {
-  const bool quote = text.contains(u',') || text.contains(u'"') || text.contains(u'\r') ||
-                     text.contains(u'\n');
+  const bool quote =
+      text.contains(u',') || text.contains(u'"') || text.contains(u'\r') || text.contains(u'\n');
   if (!quote) return text;
   QString quoted = text;
   quoted.replace(u"\""_s, u"\"\""_s);

@@ -16,8 +16,8 @@ QString ListNumber(float value, const char* pattern) {
 QStringList IntervalTermModel::Headings(IndexKind kind) {
   switch (kind) {
     case IndexKind::kWords:
-      return {u"Term"_s,  u"Z-Score"_s, u"Ratio"_s, u"Temporal"_s,
-              u"Docs"_s,  u"First"_s,   u"Sent+"_s, u"Sent-"_s};
+      return {u"Term"_s, u"Z-Score"_s, u"Ratio"_s, u"Temporal"_s,
+              u"Docs"_s, u"First"_s,   u"Sent+"_s, u"Sent-"_s};
     case IndexKind::kHashtags:
       return {u"Term"_s, u"Z-Score"_s, u"Ratio"_s, u"Temporal"_s, u"Docs"_s, u"First"_s};
     default:
@@ -80,8 +80,8 @@ void IntervalTermModel::Fill(TextStream& model, std::int32_t interval, FieldInde
         row.cells.push_back(ListNumber(values[k] * documents, "000"));
         row.cells.push_back(ListNumber(static_cast<float>(model.FirstTermInterval(t)), "000"));
         if (kind_ == IndexKind::kWords) {
-          const std::array<float, 2> s = at < sentiment.size() ? sentiment[at]
-                                                               : std::array<float, 2>{0, 0};
+          const std::array<float, 2> s =
+              at < sentiment.size() ? sentiment[at] : std::array<float, 2>{0, 0};
           row.cells.push_back(ListNumber(s[0], "0.00"));
           row.cells.push_back(ListNumber(s[1], "0.00"));
         }

@@ -21,19 +21,21 @@ void SetShown(QWidget* widget, bool shown) {
 JobRunner::JobRunner(QProgressBar* bar, QLabel* stage, QPushButton* cancel, QObject* parent)
     : QObject(parent), bar_(bar), stage_(stage), cancel_(cancel) {
   if (cancel_ != nullptr) connect(cancel_, &QPushButton::clicked, this, &JobRunner::Cancel);
-  connect(this, &JobRunner::progressed, this, [this](const QString& stage, qint64 done, qint64 total) {
-    if (thread_ == nullptr) return;
-    if (bar_ != nullptr) {
-      constexpr int kSteps = 1000;
-      if (total > 0) {
-        bar_->setRange(0, kSteps);
-        bar_->setValue(static_cast<int>(std::min<qint64>(done, total) * kSteps / total));
-      } else {
-        bar_->setRange(0, 0);  // a busy indicator while the count is unknown
-      }
-    }
-    if (stage_ != nullptr && !cancelRequested_) stage_->setText(name_ + QStringLiteral(": ") + stage);
-  });
+  connect(this, &JobRunner::progressed, this,
+          [this](const QString& stage, qint64 done, qint64 total) {
+            if (thread_ == nullptr) return;
+            if (bar_ != nullptr) {
+              constexpr int kSteps = 1000;
+              if (total > 0) {
+                bar_->setRange(0, kSteps);
+                bar_->setValue(static_cast<int>(std::min<qint64>(done, total) * kSteps / total));
+              } else {
+                bar_->setRange(0, 0);  // a busy indicator while the count is unknown
+              }
+            }
+            if (stage_ != nullptr && !cancelRequested_)
+              stage_->setText(name_ + QStringLiteral(": ") + stage);
+          });
   SetShown(bar_, false);
   SetShown(stage_, false);
   SetShown(cancel_, false);

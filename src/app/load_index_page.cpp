@@ -23,8 +23,8 @@
 #include "app/job_runner.h"
 #include "app/platform.h"
 #include "app/term_list_model.h"
-#include "views/table_lens.h"
 #include "common/leading_number.h"
+#include "views/table_lens.h"
 
 #include "app/page_widgets.h"
 
@@ -93,8 +93,9 @@ QWidget* LoadIndexPage::BuildLoadColumn() {
   loadLayout->addWidget(loadCorpus_, 1, 1);
   loadLayout->addWidget(loadProgress_, 2, 0, 1, 2);
   mapColumns_ = Named(new QPushButton(u"Map Columns..."_s), u"MapColumns"_s);
-  mapColumns_->setToolTip(u"Choose the columns of a CSV file that hold the date-time, user, text, "
-                          u"link and sentiment"_s);
+  mapColumns_->setToolTip(
+      u"Choose the columns of a CSV file that hold the date-time, user, text, "
+      u"link and sentiment"_s);
   loadLayout->addWidget(mapColumns_, 3, 1);
   layout->addWidget(loadFrame);
 
@@ -247,11 +248,12 @@ QWidget* LoadIndexPage::BuildIndexColumn() {
     termListModels_[tab] = model;
     termLists_->addTab(view, IndexCaption(kind));
 
-    connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this, [view, model](int column) {
-      model->HeaderClicked(column);
-      view->horizontalHeader()->setSortIndicatorShown(true);
-      view->horizontalHeader()->setSortIndicator(model->SortColumn(), model->SortOrder());
-    });
+    connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            [view, model](int column) {
+              model->HeaderClicked(column);
+              view->horizontalHeader()->setSortIndicatorShown(true);
+              view->horizontalHeader()->setSortIndicator(model->SortColumn(), model->SortOrder());
+            });
     connect(view, &QTableView::clicked, this, [this, kind, model](const QModelIndex& index) {
       emit termClicked(kind, model->CellText(index.row(), TermListModel::kTerm));
     });
@@ -289,9 +291,8 @@ void LoadIndexPage::ShowExpPan_Click() {
 }
 
 void LoadIndexPage::GetCorpusFilePath_Click() {
-  const QString chosen =
-      services_.platform.GetOpenFileNameFiltered(u"Open a Twitter export"_s, dialogFileName_,
-                                                 CorpusFileFilter());
+  const QString chosen = services_.platform.GetOpenFileNameFiltered(
+      u"Open a Twitter export"_s, dialogFileName_, CorpusFileFilter());
   if (chosen.isEmpty()) return;
   dialogFileName_ = chosen;
   corpusFilePath_->setText(chosen);
@@ -301,9 +302,8 @@ std::optional<double> LoadIndexPage::NumberIn(QLineEdit* box, const QString& lab
   bool ok = false;
   const double value = box->text().trimmed().toDouble(&ok);
   if (ok) return value;
-  services_.platform.ShowMessage(
-      u"%1 must be a number, not \"%2\"."_s.arg(label, box->text()), kProgramTitle,
-      MessageIcon::kExclamation);
+  services_.platform.ShowMessage(u"%1 must be a number, not \"%2\"."_s.arg(label, box->text()),
+                                 kProgramTitle, MessageIcon::kExclamation);
   box->setFocus();
   return std::nullopt;
 }
@@ -395,9 +395,9 @@ void LoadIndexPage::AttachTermLists() {
     const IndexKind kind = kTermListOrder[tab];
     termListModels_[tab]->SetIndex(session.Indexed() ? &session.Index(kind) : nullptr);
     const int terms = session.Indexed() ? session.Index(kind).TermCount() : 0;
-    termLists_->setTabText(static_cast<int>(tab),
-                           session.Indexed() ? u"%1 (%2)"_s.arg(IndexCaption(kind)).arg(terms)
-                                             : IndexCaption(kind));
+    termLists_->setTabText(
+        static_cast<int>(tab),
+        session.Indexed() ? u"%1 (%2)"_s.arg(IndexCaption(kind)).arg(terms) : IndexCaption(kind));
   }
 }
 

@@ -59,9 +59,9 @@ struct PageServices {
 };
 
 // The tab order of the term-statistics lists.
-inline constexpr std::array<IndexKind, 5> kTermListOrder = {
-    IndexKind::kWords, IndexKind::kHashtags, IndexKind::kLinks, IndexKind::kMentions,
-    IndexKind::kUsers};
+inline constexpr std::array<IndexKind, 5> kTermListOrder = {IndexKind::kWords, IndexKind::kHashtags,
+                                                            IndexKind::kLinks, IndexKind::kMentions,
+                                                            IndexKind::kUsers};
 
 class LoadIndexPage final : public QWidget {
   Q_OBJECT

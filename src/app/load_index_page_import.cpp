@@ -174,12 +174,12 @@ LoadReport LoadIndexPage::LoadImport(Session& session, LoadOptions options,
     if (outcome == DetectionOutcome::kImport && trialReport.skipped > 0 && kept > 0 &&
         !services_.jobs.CancelRequested()) {
       const std::string bad = RecordWord(trialReport.detection, trialReport.skipped);
-      const std::string question =
-          report.error + "\r\n\r\n" + std::to_string(trialReport.skipped) + " " + bad +
-          " of the file cannot be read. Skip the bad " + RecordWord(trialReport.detection, 2) +
-          " and load the other " + std::to_string(kept) + " posts?";
-      if (notifier.Ask(question, "Bad Records", QuestionButtons::kYesNo,
-                       MessageIcon::kQuestion) == Answer::kYes) {
+      const std::string question = report.error + "\r\n\r\n" + std::to_string(trialReport.skipped) +
+                                   " " + bad + " of the file cannot be read. Skip the bad " +
+                                   RecordWord(trialReport.detection, 2) + " and load the other " +
+                                   std::to_string(kept) + " posts?";
+      if (notifier.Ask(question, "Bad Records", QuestionButtons::kYesNo, MessageIcon::kQuestion) ==
+          Answer::kYes) {
         options.skipBad = true;
         HeldLoadErrorNotifier again(notifier);
         report = LoadCorpus(session, options, again, progress);

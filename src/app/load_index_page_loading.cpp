@@ -34,7 +34,9 @@ std::string OfferText(const std::string& path) {
 // Said instead of the offer when no expansion service is configured.
 std::string NoServiceText(const std::string& path) {
   return "Sylvora can resolve Short URLs through a link expansion service and save the result "
-         "to " + path + "_ , but no service address is configured. Put the address under "
+         "to " +
+         path +
+         "_ , but no service address is configured. Put the address under "
          "[ShortLinks] as service=http://... in sylvora.ini in the settings folder to use it.";
 }
 
@@ -108,8 +110,8 @@ bool LoadIndexPage::LoadCorpus_Click() {
   QApplication::setOverrideCursor(Qt::WaitCursor);
   BeginJob();
   ResetTermListCaptions();
-  SetLoadProgress(u"Loading "_s + path +
-                  (imported ? u" ("_s + importShape_ + u")"_s : QString()) + u"..."_s);
+  SetLoadProgress(u"Loading "_s + path + (imported ? u" ("_s + importShape_ + u")"_s : QString()) +
+                  u"..."_s);
   auto report = std::make_shared<LoadReport>();
   Session& session = services_.session;
   const bool started = services_.jobs.Start(
@@ -175,8 +177,8 @@ void LoadIndexPage::FinishLoad(bool cancelled, const LoadReport& report) {
   fieldList_->blockSignals(true);
   fieldList_->clear();
   for (int field = 0; field < documents.FieldCount(); ++field) {
-    auto* item = new QListWidgetItem(QString::fromStdString(
-        documents.FieldName(static_cast<FieldIndex>(field))));
+    auto* item = new QListWidgetItem(
+        QString::fromStdString(documents.FieldName(static_cast<FieldIndex>(field))));
     item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
     item->setCheckState(Qt::Unchecked);
     fieldList_->addItem(item);
@@ -186,10 +188,10 @@ void LoadIndexPage::FinishLoad(bool cancelled, const LoadReport& report) {
   docViewFrame_->setVisible(true);
 
   if (services_.session.Corpus().elapsedTimeDerived) {
-    emit captionChanged(baseCaption_ + u" ["_s + countText + u" tweets loaded "_s +
-                        QString::fromUtf8(documents.Cell(0, documents.DateTimeField())) + u" to "_s +
-                        QString::fromUtf8(documents.Cell(count - 1, documents.DateTimeField())) +
-                        u"]"_s);
+    emit captionChanged(
+        baseCaption_ + u" ["_s + countText + u" tweets loaded "_s +
+        QString::fromUtf8(documents.Cell(0, documents.DateTimeField())) + u" to "_s +
+        QString::fromUtf8(documents.Cell(count - 1, documents.DateTimeField())) + u"]"_s);
   }
   // Checking the content field marks it expressed and shows the word index frame.
   if (QListWidgetItem* content = fieldList_->item(documents.ContentField())) {

@@ -121,9 +121,10 @@ void Main::Start() {
     loadIndexPage_->SetRadian(LooksLikeRadianExport(commandLine));
     loadIndexPage_->SetDialogFileName(commandLine);
     const auto announce = [this, commandLine] {
-      platform_.ShowMessage(u"'"_s + commandLine +
-                                u"' was successfully loaded. Click 'Create Tweet Indexes' to proceed"_s,
-                            kProgramTitle, MessageIcon::kInformation);
+      platform_.ShowMessage(
+          u"'"_s + commandLine +
+              u"' was successfully loaded. Click 'Create Tweet Indexes' to proceed"_s,
+          kProgramTitle, MessageIcon::kInformation);
       emit startupFinished();
     };
     if (loadIndexPage_->LoadCorpus_Click()) {

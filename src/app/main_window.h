@@ -83,7 +83,8 @@ class Main final : public QMainWindow {
 
  private:
   void ReadSettings();
-  // The cluster explorer tab and the "Related Words" window with their links (main_window_clusters.cpp).
+  // The cluster explorer tab and the "Related Words" window with their links
+  // (main_window_clusters.cpp).
   void ComposeClusterExplorer();
   void closeEvent(QCloseEvent* event) override;
 

@@ -63,7 +63,8 @@ void Main::ComposeClusterExplorer() {
     SelectTermInList(loadIndexPage_->TermListView(IndexKind::kWords),
                      loadIndexPage_->TermList(IndexKind::kWords), term);
   });
-  connect(loadIndexPage_, &LoadIndexPage::indexesBuilt, relatedTerms_, &RelatedTerms::SourcesChanged);
+  connect(loadIndexPage_, &LoadIndexPage::indexesBuilt, relatedTerms_,
+          &RelatedTerms::SourcesChanged);
 }
 
 }  // namespace sylvora::app

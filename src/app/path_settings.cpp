@@ -52,8 +52,7 @@ bool SavePathSettings(const QString& filePath, const PathSettings& paths, QStrin
 
 QString DefaultStopListPath(const QString& programFolder, const QString& dataFolder) {
   const QString name = QStringLiteral("/common_words.txt");
-  if (!FileExists(programFolder + name) && !dataFolder.isEmpty() &&
-      FileExists(dataFolder + name)) {
+  if (!FileExists(programFolder + name) && !dataFolder.isEmpty() && FileExists(dataFolder + name)) {
     return dataFolder + name;
   }
   return programFolder + name;

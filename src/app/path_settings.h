@@ -22,8 +22,8 @@ struct PathSettings {
 inline const QString kGraphvizWarning = QStringLiteral(
     "File path to Graphviz bin folder may be wrong. Please check that Graphviz is installed and "
     "set the correct path before continuing");
-inline const QString kStopListWarning = QStringLiteral(
-    "File path to common_words.txt is wrong. Please correct it before continuing");
+inline const QString kStopListWarning =
+    QStringLiteral("File path to common_words.txt is wrong. Please correct it before continuing");
 
 // The name of the Graphviz layout program that the folder must hold.
 inline const QString kLayoutProgram = QStringLiteral("sfdp");

@@ -37,9 +37,9 @@ void QtPlatform::ShowMessage(const QString& text, const QString& title, MessageI
 Answer QtPlatform::Ask(const QString& text, const QString& title, QuestionButtons buttons,
                        MessageIcon icon) {
   const bool yesNo = buttons == QuestionButtons::kYesNo;
-  QMessageBox box(BoxIcon(icon), title, text,
-                  yesNo ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok | QMessageBox::Cancel,
-                  window_);
+  QMessageBox box(
+      BoxIcon(icon), title, text,
+      yesNo ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok | QMessageBox::Cancel, window_);
   const int chosen = box.exec();
   if (yesNo) return chosen == QMessageBox::Yes ? Answer::kYes : Answer::kNo;
   return chosen == QMessageBox::Ok ? Answer::kOk : Answer::kCancel;
@@ -49,9 +49,7 @@ void QtPlatform::OpenLink(const QString& link) {
   QDesktopServices::openUrl(QUrl::fromUserInput(link));
 }
 
-void QtPlatform::SetClipboardText(const QString& text) {
-  QApplication::clipboard()->setText(text);
-}
+void QtPlatform::SetClipboardText(const QString& text) { QApplication::clipboard()->setText(text); }
 
 void QtPlatform::SetClipboardImage(const QImage& image) {
   QApplication::clipboard()->setImage(image);

@@ -74,8 +74,8 @@ void RelatedTerms::SourcesChanged() {
 }
 
 const SparseMatrixSingle* RelatedTerms::TermColumns(const Session& owner) {
-  const SparseMatrixSingle& source = source_ == kSameTweet ? owner.WordIndex().Matrix()
-                                                           : owner.WordModel().TIFM();
+  const SparseMatrixSingle& source =
+      source_ == kSameTweet ? owner.WordIndex().Matrix() : owner.WordModel().TIFM();
   std::unique_ptr<SparseMatrixSingle>& kept = columns_[static_cast<std::size_t>(source_)];
   // A kept copy of other dimensions comes from an earlier index or model.
   if (kept == nullptr || kept->ColCount() != source.RowCount() ||

@@ -54,7 +54,8 @@ void RelatedTermsModel::sort(int column, Qt::SortOrder order) {
     // Keys once per row; the rows are sorted by position in elementOrder_.
     texts.reserve(rows_.size());
     for (const Row& row : rows_) {
-      texts.push_back(index_ != nullptr ? QString::fromStdString(index_->Term(row.term)) : QString());
+      texts.push_back(index_ != nullptr ? QString::fromStdString(index_->Term(row.term))
+                                        : QString());
     }
   }
   std::vector<std::size_t> positions(rows_.size());

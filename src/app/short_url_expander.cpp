@@ -63,7 +63,8 @@ ExpandedURL ShortUrlExpander::ExpandShortURL(std::string_view shortURL, bool wan
   const QUrl url(RequestAddress(shortURL, wantTitle, wantKeywords), QUrl::TolerantMode);
   if (!url.isValid() || url.scheme().isEmpty()) return Failed(shortURL);
   QNetworkRequest request(url);
-  request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+  request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                       QNetworkRequest::ManualRedirectPolicy);
   QNetworkReply* reply = network_->get(request);
 
   QEventLoop loop;
@@ -86,8 +87,8 @@ ExpandedURL ShortUrlExpander::ExpandShortURL(std::string_view shortURL, bool wan
   if (reply->isFinished() && reply->error() == QNetworkReply::NoError &&
       reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == 200) {
     const QByteArray body = reply->readAll();
-    if (auto parsed = ParseExpandReply(std::string_view(body.constData(),
-                                                        static_cast<std::size_t>(body.size())))) {
+    if (auto parsed = ParseExpandReply(
+            std::string_view(body.constData(), static_cast<std::size_t>(body.size())))) {
       result = std::move(*parsed);
     }
   } else if (!reply->isFinished()) {

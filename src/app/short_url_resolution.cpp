@@ -42,8 +42,9 @@ class ExpressionPattern {
 std::string ShortURLProgressText(std::int32_t processed, std::int32_t links, std::int32_t attempts,
                                  std::int32_t successes) {
   return "Attempting to resolve Short URLs:\r\nProcessed " + std::to_string(processed) +
-         " out of " + std::to_string(links) + " URLs\r\nAttempted resolutions: " +
-         std::to_string(attempts) + "\r\nSuccessful resolutions: " + std::to_string(successes);
+         " out of " + std::to_string(links) +
+         " URLs\r\nAttempted resolutions: " + std::to_string(attempts) +
+         "\r\nSuccessful resolutions: " + std::to_string(successes);
 }
 
 ShortURLReport ResolveShortURLs(Session& session, const std::string& corpusPath,
@@ -76,7 +77,8 @@ ShortURLReport ResolveShortURLs(Session& session, const std::string& corpusPath,
     const SparseVectorSingle* vector = matrix.Vector(column);
     if (vector == nullptr) continue;
     for (const std::int32_t term : vector->ElementIndexes()) {
-      if (term >= 1 && term <= links) documentsOf[static_cast<std::size_t>(term)].push_back(column - 1);
+      if (term >= 1 && term <= links)
+        documentsOf[static_cast<std::size_t>(term)].push_back(column - 1);
     }
   }
 
@@ -122,9 +124,8 @@ ShortURLReport ResolveShortURLs(Session& session, const std::string& corpusPath,
   if (documents.ExportTSV(report.savedPath, false)) {
     report.saved = true;
   } else {
-    report.error = documents.LastError().empty()
-                       ? "Cannot write '" + report.savedPath + "'"
-                       : documents.LastError();
+    report.error = documents.LastError().empty() ? "Cannot write '" + report.savedPath + "'"
+                                                 : documents.LastError();
   }
   return report;
 }

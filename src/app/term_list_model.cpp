@@ -87,9 +87,9 @@ QVariant TermListModel::data(const QModelIndex& index, int role) const {
 QVariant TermListModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section + 1;
-  static const QString kHeadings[kColumnCount] = {
-      QStringLiteral("Term"),  QStringLiteral("DF"),   QStringLiteral("GF"),
-      QStringLiteral("First"), QStringLiteral("Last"), QStringLiteral("Span")};
+  static const QString kHeadings[kColumnCount] = {QStringLiteral("Term"), QStringLiteral("DF"),
+                                                  QStringLiteral("GF"),   QStringLiteral("First"),
+                                                  QStringLiteral("Last"), QStringLiteral("Span")};
   return section >= 0 && section < kColumnCount ? kHeadings[section] : QVariant();
 }
 

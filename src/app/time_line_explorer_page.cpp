@@ -185,7 +185,8 @@ QWidget* TimeLineExplorerPage::BuildTimeLineArea() {
 QWidget* TimeLineExplorerPage::BuildListsArea() {
   auto* split = Named(new QSplitter(Qt::Horizontal), u"TLE_ListsSplit"_s);
   listsSplit_ = split;
-  intervalTermsFrame_ = Named(new QGroupBox(u"Interval Term Statistics"_s), u"IntervalTerms_Frame"_s);
+  intervalTermsFrame_ =
+      Named(new QGroupBox(u"Interval Term Statistics"_s), u"IntervalTerms_Frame"_s);
   auto* framed = new QVBoxLayout(intervalTermsFrame_);
   intervalTabs_ = Named(new QTabWidget, u"IntervalTerms"_s);
   for (std::size_t tab = 0; tab < kIntervalListOrder.size(); ++tab) {
@@ -336,8 +337,8 @@ void TimeLineExplorerPage::BuildMenus() {
   connect(redraw, &QAction::triggered, this, &TimeLineExplorerPage::Redraw);
 
   termTimeLineMenu_ = Named(new QMenu(u"Term Time Line"_s, this), u"mTIView"_s);
-  filterRows_ = checkable(termTimeLineMenu_, nullptr, u"Show Selected Terms Only"_s,
-                          u"mFilterRows"_s, 0);
+  filterRows_ =
+      checkable(termTimeLineMenu_, nullptr, u"Show Selected Terms Only"_s, u"mFilterRows"_s, 0);
   connect(filterRows_, &QAction::triggered, this, &TimeLineExplorerPage::SetFilterRows);
   QMenu* styles = Named(termTimeLineMenu_->addMenu(u"Cell Style"_s), u"mTIVCellStyle"_s);
   auto* styleGroup = new QActionGroup(this);
@@ -352,8 +353,8 @@ void TimeLineExplorerPage::BuildMenus() {
   cellStyle_[TableLens::kLine]->setChecked(true);
   QMenu* bursts = Named(termTimeLineMenu_->addMenu(u"Burst Terms"_s), u"mBurst"_s);
   burst_[0] = checkable(bursts, nullptr, u"Use Local-Global Ratio "_s, u"mRatioBurst"_s, 0);
-  burst_[1] = checkable(bursts, nullptr, u"Use Current-Recent (Temporal) Ratio"_s,
-                        u"mTemporalBurst"_s, 1);
+  burst_[1] =
+      checkable(bursts, nullptr, u"Use Current-Recent (Temporal) Ratio"_s, u"mTemporalBurst"_s, 1);
   burst_[2] = checkable(bursts, nullptr, u"Use Term-Interval Z-score"_s, u"mTIZBurst"_s, 2);
   for (int i = 0; i < 3; ++i) {
     connect(burst_[static_cast<std::size_t>(i)], &QAction::triggered, this,
@@ -364,8 +365,7 @@ void TimeLineExplorerPage::BuildMenus() {
   usersMenu_ = Named(new QMenu(u"Users"_s, this), u"mUsers"_s);
   QAction* copyUsers = usersMenu_->addAction(u"Copy Selected Users"_s);
   copyUsers->setObjectName(u"mCopySelectedUsers"_s);
-  connect(copyUsers, &QAction::triggered, this,
-          &TimeLineExplorerPage::copySelectedUsersRequested);
+  connect(copyUsers, &QAction::triggered, this, &TimeLineExplorerPage::copySelectedUsersRequested);
 
   tweetMenu_ = Named(new QMenu(u"Tweet"_s, this), u"mTweet"_s);
   QAction* follow = tweetMenu_->addAction(u"Follow URL"_s);
@@ -385,8 +385,8 @@ void TimeLineExplorerPage::InstallMenus(QMenuBar* bar) {
   QAction* saveTerms = file->addAction(u"Save Interval Term List as CSV..."_s);
   saveTerms->setObjectName(u"mSaveIntervalTerms"_s);
   connect(saveTerms, &QAction::triggered, this, [this] {
-    SaveIntervalTermsAs(kIntervalListOrder[static_cast<std::size_t>(
-        std::max(0, intervalTabs_->currentIndex()))]);
+    SaveIntervalTermsAs(
+        kIntervalListOrder[static_cast<std::size_t>(std::max(0, intervalTabs_->currentIndex()))]);
   });
   QAction* saveTweets = file->addAction(u"Save Tweet List as CSV..."_s);
   saveTweets->setObjectName(u"mFileSaveTweetList"_s);
@@ -414,7 +414,6 @@ void TimeLineExplorerPage::SetSentimentAverage(SentimentAverage average) {
   chart_->SetSentimentAverage(average);
   emit chartRedrawRequested();
 }
-
 
 void TimeLineExplorerPage::SetCellStyle(int style) {
   if (style < 0 || style > 4) return;
@@ -455,9 +454,11 @@ void TimeLineExplorerPage::FollowUrl() {
   if (selected.isEmpty() || tweetModel_->Documents() == nullptr) return;
   const DocIndex doc = tweetModel_->DocumentAt(selected.first().row());
   if (doc < 0) return;
-  const std::string_view cell = tweetModel_->Documents()->Cell(doc, tweetModel_->Documents()->URLField());
+  const std::string_view cell =
+      tweetModel_->Documents()->Cell(doc, tweetModel_->Documents()->URLField());
   // A message may carry several links: the first one is followed.
-  const QString links = QString::fromUtf8(cell.data(), static_cast<qsizetype>(cell.size())).trimmed();
+  const QString links =
+      QString::fromUtf8(cell.data(), static_cast<qsizetype>(cell.size())).trimmed();
   if (links.isEmpty()) return;
   services_.platform.OpenLink(links.section(u' ', 0, 0, QString::SectionSkipEmpty));
 }
@@ -479,8 +480,9 @@ bool TimeLineExplorerPage::SaveTweetList(const QString& path) {
 }
 
 bool TimeLineExplorerPage::SaveIntervalTermsAs(IndexKind kind) {
-  const QString name = u"interval-%1-%2.csv"_s.arg(static_cast<int>(selectedInterval_), 3, 10, QLatin1Char('0'))
-                           .arg(IndexCaption(kind).toLower());
+  const QString name =
+      u"interval-%1-%2.csv"_s.arg(static_cast<int>(selectedInterval_), 3, 10, QLatin1Char('0'))
+          .arg(IndexCaption(kind).toLower());
   const QString path = chooseSaveFile_(u"Save Interval Term List"_s, name);
   return !path.isEmpty() && SaveIntervalTerms(kind, path);
 }

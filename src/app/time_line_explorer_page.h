@@ -26,8 +26,8 @@
 #include <QVector>
 #include <QWidget>
 
-#include "app/load_index_page.h"
 #include "app/event_time_line.h"
+#include "app/load_index_page.h"
 #include "session/interval_models.h"
 #include "session/interval_series.h"
 
@@ -48,7 +48,7 @@ class QTableView;
 namespace sylvora {
 class TableLens;
 class TimeLineChart;
-}
+}  // namespace sylvora
 
 namespace sylvora::app {
 

@@ -3,8 +3,8 @@
 #include <atomic>
 
 #include <QGridLayout>
-#include <QHeaderView>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -57,8 +57,9 @@ bool TimeLineExplorerPage::ReadNovelty(std::uint8_t& window) {
   const QString text = novWinSz_->text().trimmed();
   const int value = text.toInt(&ok);
   if (!ok || value < 0 || value > 255) {
-    ShowError(u"Novelty comparison period must be a whole number of intervals from 0 to 255, "
-              "not \"%1\"."_s.arg(novWinSz_->text()));
+    ShowError(
+        u"Novelty comparison period must be a whole number of intervals from 0 to 255, "
+        "not \"%1\"."_s.arg(novWinSz_->text()));
     novWinSz_->setFocus();
     return false;
   }
@@ -107,8 +108,8 @@ bool TimeLineExplorerPage::BuildModels_Click() {
   const std::int32_t burst = burstMeasure_;
   const bool started = services_.jobs.Start(
       kBuildJob,
-      [&session, options, report, series, notifier, window, burst](
-          const ProgressCallback& progress) {
+      [&session, options, report, series, notifier, window,
+       burst](const ProgressCallback& progress) {
         *report = BuildModels(session, options, *notifier, progress);
         // The chart's figures (homogeneity above all) are computed here, off the window's
         // thread; a cancel in this step cancels the build.
@@ -186,9 +187,8 @@ void TimeLineExplorerPage::AttachViews() {
     tweetModel_->SetDocuments(&session.Documents(), &session.Corpus());
     tweetView_->horizontalHeader()->setSortIndicatorShown(false);
     for (int c = 0; c < tweetModel_->columnCount(); ++c) {
-      tweetView_->setColumnWidth(c, c == tweetModel_->ColumnOf(session.Documents().ContentField())
-                                        ? 420
-                                        : 124);
+      tweetView_->setColumnWidth(
+          c, c == tweetModel_->ColumnOf(session.Documents().ContentField()) ? 420 : 124);
     }
     // CorpIdx is one unit wide: there to trace a row back, not to be read.
     tweetView_->setColumnWidth(tweetModel_->CorpIdxColumn(), 1);

@@ -14,9 +14,9 @@
 
 #include "app/platform.h"
 #include "app/time_line_explorer_page.h"
-#include "views/time_line_chart_series.h"
 #include "views/table_lens.h"
 #include "views/time_line_chart.h"
+#include "views/time_line_chart_series.h"
 
 namespace sylvora::app {
 

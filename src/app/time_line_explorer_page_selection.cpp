@@ -171,8 +171,7 @@ void TimeLineExplorerPage::FillIntervalLists(std::int32_t interval) {
                 corpus.sentimentNegativeField);
     intervalViews_[tab]->horizontalHeader()->setSortIndicatorShown(false);
     intervalTabs_->setTabText(static_cast<int>(tab), IndexCaption(kind) + u" ("_s +
-                                                         QString::number(model->rowCount()) +
-                                                         u')');
+                                                         QString::number(model->rowCount()) + u')');
     SelectRow(intervalViews_[tab], 0);
   }
 }
@@ -229,8 +228,8 @@ void TimeLineExplorerPage::FindTerm_Click(int which) {
     }
     if (!tifmView_) {
       services_.platform.ShowMessage(
-          u"The term time line is not built yet: click \"(Re)Build Views\" first."_s,
-          kProgramTitle, MessageIcon::kInformation);
+          u"The term time line is not built yet: click \"(Re)Build Views\" first."_s, kProgramTitle,
+          MessageIcon::kInformation);
       return;
     }
     if (!tifmView_->RowMarked(term)) tifmView_->SetRowMarked(term, true);

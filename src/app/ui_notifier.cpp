@@ -11,7 +11,8 @@ QString ToQString(std::string_view text) {
 
 }  // namespace
 
-UiNotifier::UiNotifier(Platform& platform, QObject* parent) : QObject(parent), platform_(platform) {}
+UiNotifier::UiNotifier(Platform& platform, QObject* parent)
+    : QObject(parent), platform_(platform) {}
 
 void UiNotifier::ShowMessage(std::string_view text, std::string_view title, MessageIcon icon) {
   const QString message = ToQString(text), caption = ToQString(title);
@@ -20,8 +21,7 @@ void UiNotifier::ShowMessage(std::string_view text, std::string_view title, Mess
     return;
   }
   QMetaObject::invokeMethod(
-      this, [&] { platform_.ShowMessage(message, caption, icon); },
-      Qt::BlockingQueuedConnection);
+      this, [&] { platform_.ShowMessage(message, caption, icon); }, Qt::BlockingQueuedConnection);
 }
 
 Answer UiNotifier::Ask(std::string_view text, std::string_view title, QuestionButtons buttons,

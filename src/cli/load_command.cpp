@@ -24,7 +24,7 @@ std::string RolesOf(const Session& session, FieldIndex field) {
   // Only the Twitter1.1 layout has a retweet column; elsewhere that role is unset.
   const bool hasRetweets = session.Corpus().format == CorpusFormat::kTwitter11;
   const std::pair<const char*, FieldIndex> roles[] = {
-      {"content", documents.ContentField()},   {"author", documents.AuthorField()},
+      {"content", documents.ContentField()},    {"author", documents.AuthorField()},
       {"date-time", documents.DateTimeField()}, {"elapsed time", documents.ElapsedTimeField()},
       {"links", documents.URLField()},          {"hashtags", documents.KeyWordField()},
       {"mentions", documents.RefListField()},   {"retweets", documents.CitedField()},

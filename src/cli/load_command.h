@@ -8,7 +8,6 @@
 namespace sylvora::cli {
 
 // Returns the process exit code: 0 loaded, 1 the corpus could not be loaded, 2 bad usage.
-int RunLoadCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                   std::ostream& err);
+int RunLoadCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
 }  // namespace sylvora::cli

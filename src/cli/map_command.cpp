@@ -138,8 +138,7 @@ void PrintNeighbours(std::ostream& out, const ClusterMap& map, std::int32_t coun
 
 }  // namespace
 
-int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                  std::ostream& err) {
+int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
   valueOptions.insert({"kind", "level", "interval", "length", "out", "graphviz", "layout-folder",
                        "neighbours", "png", "label-threshold"});
@@ -185,8 +184,8 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out,
     models.unitCode = options.corpus.load.unitCode;
     const ModelReport report = BuildModels(session, models, notifier);
     if (!report.built) {
-      err << "Error: " << (report.error.empty() ? "the interval models were not built" : report.error)
-          << '\n';
+      err << "Error: "
+          << (report.error.empty() ? "the interval models were not built" : report.error) << '\n';
       return 1;
     }
     for (const auto& stage : report.stages) {

@@ -17,7 +17,6 @@ namespace sylvora::cli {
 
 // Returns the process exit code: 0 written, 1 the corpus, models or map could not be built or
 // written, 2 bad usage.
-int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                  std::ostream& err);
+int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
 }  // namespace sylvora::cli

@@ -9,10 +9,12 @@ void StreamNotifier::ShowMessage(std::string_view text, std::string_view title, 
 Answer StreamNotifier::Ask(std::string_view text, std::string_view title, QuestionButtons buttons,
                            MessageIcon) {
   const bool yesNo = buttons == QuestionButtons::kYesNo;
-  const Answer answer = answerYes_ ? (yesNo ? Answer::kYes : Answer::kOk)
-                                   : (yesNo ? Answer::kNo : Answer::kCancel);
-  const char* said = answer == Answer::kYes ? "Yes" : answer == Answer::kNo ? "No"
-                     : answer == Answer::kOk ? "OK" : "Cancel";
+  const Answer answer =
+      answerYes_ ? (yesNo ? Answer::kYes : Answer::kOk) : (yesNo ? Answer::kNo : Answer::kCancel);
+  const char* said = answer == Answer::kYes  ? "Yes"
+                     : answer == Answer::kNo ? "No"
+                     : answer == Answer::kOk ? "OK"
+                                             : "Cancel";
   out_ << title << ": " << text << " -> " << said << '\n';
   return answer;
 }

@@ -54,11 +54,21 @@ std::string JsonString(const std::string& text) {
   std::string quoted = "\"";
   for (const char c : text) {
     switch (c) {
-      case '"': quoted += "\\\""; break;
-      case '\\': quoted += "\\\\"; break;
-      case '\n': quoted += "\\n"; break;
-      case '\r': quoted += "\\r"; break;
-      case '\t': quoted += "\\t"; break;
+      case '"':
+        quoted += "\\\"";
+        break;
+      case '\\':
+        quoted += "\\\\";
+        break;
+      case '\n':
+        quoted += "\\n";
+        break;
+      case '\r':
+        quoted += "\\r";
+        break;
+      case '\t':
+        quoted += "\\t";
+        break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
           char escaped[8];
@@ -90,8 +100,7 @@ struct JsonHeader {
 void WriteJson(std::ostream& out, const JsonHeader& header, const std::vector<TimelineRow>& rows) {
   out << "{\n  \"corpus\": " << JsonString(header.corpus)
       << ",\n  \"interval_length\": " << header.length
-      << ",\n  \"unit\": " << JsonString(header.unit)
-      << ",\n  \"interval_count\": " << rows.size()
+      << ",\n  \"unit\": " << JsonString(header.unit) << ",\n  \"interval_count\": " << rows.size()
       << ",\n  \"novelty_window\": " << header.noveltyWindow
       << ",\n  \"burst_measure\": " << JsonString(header.burst)
       << ",\n  \"trunk\": " << header.trunK << ",\n  \"intervals\": [";
@@ -238,9 +247,11 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
   }
 
   std::vector<StageTiming> stages;
-  for (const StageTiming& stage : load.stages) stages.push_back({"load: " + stage.stage, stage.seconds});
+  for (const StageTiming& stage : load.stages)
+    stages.push_back({"load: " + stage.stage, stage.seconds});
   stages.insert(stages.end(), indexed.stages.begin(), indexed.stages.end());
-  for (const StageTiming& stage : built.stages) stages.push_back({"model: " + stage.stage, stage.seconds});
+  for (const StageTiming& stage : built.stages)
+    stages.push_back({"model: " + stage.stage, stage.seconds});
   stages.push_back({"scores", scoring});
   if (line.Has("png") || line.Has("chart-png")) stages.push_back({"picture", drawing});
   PrintStages(err, stages);

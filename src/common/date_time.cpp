@@ -9,8 +9,8 @@ namespace {
 using std::chrono::days;
 using std::chrono::seconds;
 
-constexpr std::array<std::string_view, 12> kMonthNames = {
-    "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+constexpr std::array<std::string_view, 12> kMonthNames = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                          "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 // A small cursor over the text being parsed.
 class Scanner {
@@ -125,8 +125,7 @@ std::optional<DateTime> ParseDayFirst(Scanner s) {
 // "DD Mon YYYY[ HH:MM[:SS]]"
 std::optional<DateTime> ParseDayMonthName(Scanner s) {
   int day, month, year;
-  if (!s.Digits(day, 0, 2) || !s.Spaces() || !s.Month(month) || !s.Spaces() ||
-      !s.Digits(year, 4)) {
+  if (!s.Digits(day, 0, 2) || !s.Spaces() || !s.Month(month) || !s.Spaces() || !s.Digits(year, 4)) {
     return {};
   }
   Clock clock;
@@ -195,11 +194,16 @@ std::int64_t FloorDiv(std::int64_t a, std::int64_t b) {
 
 std::int64_t UnitSeconds(TimeUnit unit) {
   switch (unit) {
-    case TimeUnit::kSecond: return 1;
-    case TimeUnit::kMinute: return 60;
-    case TimeUnit::kHour: return 3600;
-    case TimeUnit::kDay: return 86400;
-    case TimeUnit::kWeek: return 7 * 86400;
+    case TimeUnit::kSecond:
+      return 1;
+    case TimeUnit::kMinute:
+      return 60;
+    case TimeUnit::kHour:
+      return 3600;
+    case TimeUnit::kDay:
+      return 86400;
+    case TimeUnit::kWeek:
+      return 7 * 86400;
   }
   return 1;
 }
@@ -227,11 +231,16 @@ std::optional<TimeUnit> ParseTimeUnit(std::string_view code) {
 
 std::string_view TimeUnitCode(TimeUnit unit) {
   switch (unit) {
-    case TimeUnit::kSecond: return "s";
-    case TimeUnit::kMinute: return "n";
-    case TimeUnit::kHour: return "h";
-    case TimeUnit::kDay: return "d";
-    case TimeUnit::kWeek: return "ww";
+    case TimeUnit::kSecond:
+      return "s";
+    case TimeUnit::kMinute:
+      return "n";
+    case TimeUnit::kHour:
+      return "h";
+    case TimeUnit::kDay:
+      return "d";
+    case TimeUnit::kWeek:
+      return "ww";
   }
   return "";
 }
@@ -267,9 +276,10 @@ std::string DateTime::Format() const {
   const std::chrono::year_month_day ymd{dayPoint};
   const std::chrono::hh_mm_ss clock{instant_ - dayPoint};
   char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(ymd.year()),
-                static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+  std::snprintf(buffer, sizeof buffer, "%04d-%02u-%02u %02d:%02d:%02d",
+                static_cast<int>(ymd.year()), static_cast<unsigned>(ymd.month()),
+                static_cast<unsigned>(ymd.day()), static_cast<int>(clock.hours().count()),
+                static_cast<int>(clock.minutes().count()),
                 static_cast<int>(clock.seconds().count()));
   return buffer;
 }

@@ -32,8 +32,7 @@ double LeadingNumber(std::string_view text) {
   double value = 0.0;
   std::string_view digits = text.substr(start, i - start);
   if (digits.back() == '.') digits.remove_suffix(1);  // "5." reads as 5
-  std::from_chars(digits.data(), digits.data() + digits.size(), value,
-                  std::chars_format::fixed);
+  std::from_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
   return negative ? -value : value;
 }
 
@@ -47,6 +46,8 @@ std::int64_t RoundHalfEven(double value) {
   return static_cast<std::int64_t>(rounded);
 }
 
-std::int64_t LeadingWholeNumber(std::string_view text) { return RoundHalfEven(LeadingNumber(text)); }
+std::int64_t LeadingWholeNumber(std::string_view text) {
+  return RoundHalfEven(LeadingNumber(text));
+}
 
 }  // namespace sylvora

@@ -49,7 +49,8 @@ DetectionOutcome ImportInput(const std::string& name, CorpusInput&& input,
                   " documents; clear it before loading another file");
   }
   std::size_t expected = CountLines(input.bytes.Data(), size);
-  if (options.maxCount > 0) expected = std::min(expected, static_cast<std::size_t>(options.maxCount));
+  if (options.maxCount > 0)
+    expected = std::min(expected, static_cast<std::size_t>(options.maxCount));
   ImportedRows rows(expected);
   const bool imported =
       report.detection.shape == ImportShape::kNamedCsv
@@ -58,9 +59,9 @@ DetectionOutcome ImportInput(const std::string& name, CorpusInput&& input,
                             progress);
   if (!imported) return DetectionOutcome::kError;
   if (rows.RowCount() == 0) {
-    return failed("'" + name + "' holds no post that could be read" +
-                  (report.skipped > 0 ? " (" + std::to_string(report.skipped) + " skipped)"
-                                      : std::string()));
+    return failed(
+        "'" + name + "' holds no post that could be read" +
+        (report.skipped > 0 ? " (" + std::to_string(report.skipped) + " skipped)" : std::string()));
   }
   if (!documents.InstallTable(std::move(rows), name)) return failed(documents.LastError());
   report.documents = documents.DocumentCount();
@@ -139,8 +140,8 @@ std::string ImportDetection::Describe() const {
     case JsonContainer::kNone:
       break;
     case JsonContainer::kLines:
-      text += linesArePages ? " lines, each a page of posts under \"" + containerKey + "\""
-                            : " lines";
+      text +=
+          linesArePages ? " lines, each a page of posts under \"" + containerKey + "\"" : " lines";
       break;
     case JsonContainer::kArray:
       text += " array";
@@ -167,7 +168,8 @@ DetectionOutcome DetectImportShape(const std::string& name, const char* bytes, s
     return DetectionOutcome::kImport;
   }
   if (gzipped) {
-    error = "'" + name + "' is gzip-compressed but holds neither JSON nor a CSV with a header "
+    error = "'" + name +
+            "' is gzip-compressed but holds neither JSON nor a CSV with a header "
             "row; unpack a compressed tab-separated export before loading it";
     return DetectionOutcome::kError;
   }
@@ -207,15 +209,14 @@ DetectionOutcome ImportCorpusBytes(const std::string& name, std::string_view byt
   return ImportInput(name, std::move(input), options, documents, report, progress);
 }
 
-ImportPreview PreviewCorpusFile(const std::string& path, const ImportOptions& options,
-                                int rows) {
+ImportPreview PreviewCorpusFile(const std::string& path, const ImportOptions& options, int rows) {
   ImportPreview preview;
   CorpusInput input;
   if (!ReadCorpusInput(path, input, preview.error, kPreviewBytes)) return preview;
   ImportDetection detection;
-  preview.outcome = DetectImportShape(path, input.bytes.Data(), input.bytes.Size(),
-                                      input.bytes.Capacity(), input.gzipped, detection,
-                                      preview.error);
+  preview.outcome =
+      DetectImportShape(path, input.bytes.Data(), input.bytes.Size(), input.bytes.Capacity(),
+                        input.gzipped, detection, preview.error);
   preview.detection = detection;
   if (preview.outcome != DetectionOutcome::kImport) return preview;
   preview.shapeKnown = true;
@@ -253,8 +254,8 @@ ImportPreview PreviewCorpusFile(const std::string& path, const ImportOptions& op
   preview.detection = report.detection;
   if (!report.csvColumns.empty()) preview.csvColumns = report.csvColumns;
   for (DocIndex d = 0; d < documents.DocumentCount(); ++d) {
-    preview.documents.push_back({documents.Text(d, 0), documents.Text(d, 1), documents.Text(d, 2),
-                                 documents.Text(d, 12)});
+    preview.documents.push_back(
+        {documents.Text(d, 0), documents.Text(d, 1), documents.Text(d, 2), documents.Text(d, 12)});
   }
   return preview;
 }

@@ -72,10 +72,10 @@ struct ImportDetection {
   ImportShape shape = ImportShape::kTwitterV2Json;
   JsonContainer container = JsonContainer::kNone;
   bool gzipped = false;
-  bool linesArePages = false;              // JSON lines whose objects each hold a page of posts
-  std::string containerKey;                // the key of the posts' array, for pages
-  std::vector<std::string> keys;           // the keys of the first post (JSON)
-  std::vector<std::string> header;         // the header row (CSV)
+  bool linesArePages = false;       // JSON lines whose objects each hold a page of posts
+  std::string containerKey;         // the key of the posts' array, for pages
+  std::vector<std::string> keys;    // the keys of the first post (JSON)
+  std::vector<std::string> header;  // the header row (CSV)
 
   // "X / Twitter API v2 JSON lines", "Mastodon JSON array, gzip-compressed", ...
   std::string Describe() const;
@@ -84,8 +84,8 @@ struct ImportDetection {
 struct ImportOptions {
   // Role name -> column name overrides for CSV ("date" -> "posted_at"); JSON ignores them.
   std::vector<std::pair<std::string, std::string>> columnMap;
-  bool skipBad = false;  // skip bad records (counted) instead of failing
-  DocIndex maxCount = 0; // stop after this many documents; 0: all
+  bool skipBad = false;   // skip bad records (counted) instead of failing
+  DocIndex maxCount = 0;  // stop after this many documents; 0: all
 };
 
 struct ImportReport {
@@ -96,7 +96,7 @@ struct ImportReport {
   std::vector<std::string> warnings;        // e.g. users named by their numeric id
   // CSV: the column (0-based, -1 none) playing each role, in CsvRole order.
   std::vector<int> csvColumns;
-  std::string error;                        // why nothing was imported
+  std::string error;  // why nothing was imported
 };
 
 // What detection found.

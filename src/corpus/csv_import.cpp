@@ -116,8 +116,8 @@ bool CsvReader::Next(std::vector<std::string_view>& cells) {
         }
       }
       if (!closed) {
-        error_ = "unbalanced quotes: the quoted field opened on line " +
-                 std::to_string(openLine) + " is never closed";
+        error_ = "unbalanced quotes: the quoted field opened on line " + std::to_string(openLine) +
+                 " is never closed";
         return false;
       }
       // Characters between the closing quote and the separator are kept (lenient).
@@ -182,8 +182,8 @@ bool MapCsvColumns(const std::string& name, const std::vector<std::string>& head
     if (!role) {
       std::string roles;
       for (int r = 0; r < kCsvRoleCount; ++r) {
-        roles += std::string(r == 0 ? "" : ", ") +
-                 std::string(CsvRoleName(static_cast<CsvRole>(r)));
+        roles +=
+            std::string(r == 0 ? "" : ", ") + std::string(CsvRoleName(static_cast<CsvRole>(r)));
       }
       error = "Unknown role \"" + roleName + "\" in the column map (roles: " + roles + ")";
       return false;
@@ -197,8 +197,7 @@ bool MapCsvColumns(const std::string& name, const std::vector<std::string>& head
     }
     if (found < 0) {
       error = "The column map names \"" + columnName + "\" for the " + RoleDescription(*role) +
-              " role, but '" + name + "' has no such column; its header is: " +
-              JoinHeader(header);
+              " role, but '" + name + "' has no such column; its header is: " + JoinHeader(header);
       return false;
     }
     columns[static_cast<std::size_t>(*role)] = found;
@@ -224,9 +223,9 @@ bool MapCsvColumns(const std::string& name, const std::vector<std::string>& head
     for (const std::string_view alias : CsvRoleAliases(role)) {
       aliases += std::string(aliases.empty() ? "" : ", ") + std::string(alias);
     }
-    error = "'" + name + "' has no column for the " + RoleDescription(role) +
-            " role (looked for " + aliases + "); its header is: " + JoinHeader(header) +
-            ". Map a column to the role \"" + std::string(CsvRoleName(role)) + "\"";
+    error = "'" + name + "' has no column for the " + RoleDescription(role) + " role (looked for " +
+            aliases + "); its header is: " + JoinHeader(header) + ". Map a column to the role \"" +
+            std::string(CsvRoleName(role)) + "\"";
     return false;
   }
   return true;
@@ -303,9 +302,8 @@ bool ImportCsvRecords(const std::string& name, ByteBuffer&& input, const ImportO
       if (column < 0) continue;
       const std::string_view cell = cells[static_cast<std::size_t>(column)];
       // A column mapped to two roles: the second cell gets bytes of its own.
-      const bool again =
-          std::find(placed.begin(), placed.begin() + placedCount, column) !=
-          placed.begin() + placedCount;
+      const bool again = std::find(placed.begin(), placed.begin() + placedCount, column) !=
+                         placed.begin() + placedCount;
       row[static_cast<std::size_t>(field)] = again ? rows.Store(cell) : cell;
       placed[placedCount++] = column;
     }

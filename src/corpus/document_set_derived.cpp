@@ -19,9 +19,19 @@ constexpr int kMaxFields = 256;
 
 // Three-letter English month name to its two-digit number; "" for anything else.
 std::string_view MonthNumber(std::string_view name) {
-  static constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kMonths = {{
-      {"Jan", "01"}, {"Feb", "02"}, {"Mar", "03"}, {"Apr", "04"}, {"May", "05"}, {"Jun", "06"},
-      {"Jul", "07"}, {"Aug", "08"}, {"Sep", "09"}, {"Oct", "10"}, {"Nov", "11"}, {"Dec", "12"}}};
+  static constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kMonths = {
+      {{"Jan", "01"},
+       {"Feb", "02"},
+       {"Mar", "03"},
+       {"Apr", "04"},
+       {"May", "05"},
+       {"Jun", "06"},
+       {"Jul", "07"},
+       {"Aug", "08"},
+       {"Sep", "09"},
+       {"Oct", "10"},
+       {"Nov", "11"},
+       {"Dec", "12"}}};
   for (const auto& [month, number] : kMonths) {
     if (month == name) return number;
   }
@@ -129,8 +139,7 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
 }
 
 bool DocumentSet::DeriveLinksField(FieldIndex sourceField, std::string_view fieldName,
-                                   FieldIndex existingURLField,
-                                   const ProgressCallback& progress) {
+                                   FieldIndex existingURLField, const ProgressCallback& progress) {
   if (sourceField >= columns_.size()) {
     return Fail("Field " + std::to_string(sourceField) + " does not exist");
   }
@@ -266,7 +275,8 @@ DocumentSet DocumentSet::SelectSubSetByString(FieldIndex field, std::string_view
   subset.keyWordField_ = keyWordField_;
   subset.columns_.resize(columns_.size());
   for (DocIndex d = 0; d < docCount_; ++d) {
-    const std::string text = field < columns_.size() ? std::string(columns_[field][d]) : Text(d, field);
+    const std::string text =
+        field < columns_.size() ? std::string(columns_[field][d]) : Text(d, field);
     if (text.find(matchStr) == std::string::npos) continue;
     for (std::size_t f = 0; f < columns_.size(); ++f) {
       subset.columns_[f].push_back(subset.store_.Store(columns_[f][d]));

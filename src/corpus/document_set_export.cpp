@@ -29,11 +29,10 @@ bool DocumentSet::ExportTSV(const std::string& fileName, bool colHeaders) const 
 }
 
 bool DocumentSet::ExportRIS(const std::string& fileName) const {
-  const std::pair<const char*, FieldIndex> roles[] = {
-      {"AuthorField", authorField_},
-      {"DateTimeField", dateTimeField_},
-      {"TitleField", titleField_},
-      {"ContentField", contentField_}};
+  const std::pair<const char*, FieldIndex> roles[] = {{"AuthorField", authorField_},
+                                                      {"DateTimeField", dateTimeField_},
+                                                      {"TitleField", titleField_},
+                                                      {"ContentField", contentField_}};
   for (const auto& [role, field] : roles) {
     if (field >= columns_.size() && docCount_ > 0) {
       return Fail(std::string("Cannot export RIS: the role ") + role + " names field " +

@@ -6,8 +6,8 @@
 
 #include "common/code_points.h"
 #include "common/file_io.h"
-#include "common/text_decoding.h"
 #include "common/leading_number.h"
+#include "common/text_decoding.h"
 #include "corpus/document_set.h"
 
 namespace sylvora {
@@ -74,24 +74,31 @@ constexpr std::array<const char*, 6> kTwitter = {"DateTime", "User",  "Tweet",
                                                  "Sent+",    "Sent-", "SentSum"};
 
 constexpr std::array<const char*, 16> kTwitter11 = {
-    "DateTime",  "UserName",        "Tweet",       "Tweet ID",  "Real Name", "Followers",
-    "Following", "Public Lists",    "Time Zone",   "Geo coordinates",       "User Tweets",
-    "Retweeted", "Link URL",        "Sent+",       "Sent-",     "NetSent"};
+    "DateTime",  "UserName",     "Tweet",     "Tweet ID",        "Real Name",   "Followers",
+    "Following", "Public Lists", "Time Zone", "Geo coordinates", "User Tweets", "Retweeted",
+    "Link URL",  "Sent+",        "Sent-",     "NetSent"};
 
 constexpr std::array<const char*, 7> kMonitoring = {
-    "ARTICLE_ID", "HEADLINE", "AUTHOR", "CONTENT", "ARTICLE_URL", "MEDIA_PROVIDER",
-    "PUBLISH_DATE"};
+    "ARTICLE_ID", "HEADLINE", "AUTHOR", "CONTENT", "ARTICLE_URL", "MEDIA_PROVIDER", "PUBLISH_DATE"};
 
-constexpr std::array<const char*, 18> kPublications = {
-    "QERN ID",          "Name",
-    "Publicationtype",  "Abstract",
-    "Authors",          "DOI",
-    "JournalORPublishedproceedings", "Keywords",
-    "Nameofconference", "BooktitleORReporttitle",
-    "Publicationdate",  "Title",
-    "CitationcountWebofScience",     "CitationcountScopus",
-    "JCRjournalname",   "JCRimpactfactor",
-    "ARCjournalname",   "ARCRank"};
+constexpr std::array<const char*, 18> kPublications = {"QERN ID",
+                                                       "Name",
+                                                       "Publicationtype",
+                                                       "Abstract",
+                                                       "Authors",
+                                                       "DOI",
+                                                       "JournalORPublishedproceedings",
+                                                       "Keywords",
+                                                       "Nameofconference",
+                                                       "BooktitleORReporttitle",
+                                                       "Publicationdate",
+                                                       "Title",
+                                                       "CitationcountWebofScience",
+                                                       "CitationcountScopus",
+                                                       "JCRjournalname",
+                                                       "JCRimpactfactor",
+                                                       "ARCjournalname",
+                                                       "ARCRank"};
 
 constexpr std::array<const char*, 3> kDiscoveredLinks = {"Link", "Discovered", "Content"};
 
@@ -170,7 +177,8 @@ bool DocumentSet::ReadDefinitionFile(const std::string& path) {
   const auto declared = LeadingWholeNumber(countLine);
   const int count = static_cast<int>(std::clamp<std::int64_t>(declared, 0, kMaxFields - 1));
   const std::vector<std::string> items = SplitCsvItems(
-      firstBreak == std::string::npos ? std::string_view() : std::string_view(bytes).substr(firstBreak + 1));
+      firstBreak == std::string::npos ? std::string_view()
+                                      : std::string_view(bytes).substr(firstBreak + 1));
   FieldLayout layout;
   for (int i = 0; i < count; ++i) {
     const auto item = [&](int k) {

@@ -247,7 +247,8 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
           std::string text(columns[2]);
           for (std::size_t k = 0; k < joins; ++k) text.append(columns[3 + k]);
           joined = store_.Store(text);
-          columns.erase(columns.begin() + 3, columns.begin() + 3 + static_cast<std::ptrdiff_t>(joins));
+          columns.erase(columns.begin() + 3,
+                        columns.begin() + 3 + static_cast<std::ptrdiff_t>(joins));
           columns[2] = joined;
         }
       }
@@ -255,8 +256,8 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
     } else if (fieldCount == 1) {
       columns_[0].push_back(store_.Store(TrimSpaces(record)));
       charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
-      wordCountTotal_ += static_cast<std::int64_t>(CodePointCount(record)) -
-                         CountWithoutSpaces(record) + 1;
+      wordCountTotal_ +=
+          static_cast<std::int64_t>(CodePointCount(record)) - CountWithoutSpaces(record) + 1;
     } else {
       for (std::size_t f = 0; f < fieldCount; ++f) {
         columns_[f].emplace_back();

@@ -95,7 +95,8 @@ std::string Attribute(std::string_view tag, std::string_view name) {
 // The address of an <a> tag that is an ordinary link (not a mention or a hashtag).
 std::string LinkOf(std::string_view tag) {
   const std::string classes = Attribute(tag, "class");
-  if (classes.find("mention") != std::string::npos || classes.find("hashtag") != std::string::npos) {
+  if (classes.find("mention") != std::string::npos ||
+      classes.find("hashtag") != std::string::npos) {
     return {};
   }
   return Attribute(tag, "href");
@@ -120,8 +121,8 @@ std::string HtmlToPlainText(std::string_view html, std::string* firstLink) {
   while (i < html.size()) {
     const char c = html[i];
     const char next = i + 1 < html.size() ? html[i + 1] : '\0';
-    const bool opensTag = (next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z') ||
-                          next == '/' || next == '!';
+    const bool opensTag =
+        (next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z') || next == '/' || next == '!';
     if (c == '<' && opensTag) {
       const std::size_t close = html.find('>', i + 1);
       if (close == std::string_view::npos) {  // a lone "<" is text

@@ -9,9 +9,9 @@ namespace sylvora {
 namespace {
 
 constexpr std::array<std::string_view, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+                                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 constexpr std::array<std::string_view, 7> kWeekdays = {"Sun", "Mon", "Tue", "Wed",
-                                                        "Thu", "Fri", "Sat"};
+                                                       "Thu", "Fri", "Sat"};
 
 bool Digits(std::string_view text, std::size_t pos, std::size_t count, int& value) {
   if (pos + count > text.size()) return false;
@@ -27,7 +27,8 @@ bool Digits(std::string_view text, std::size_t pos, std::size_t count, int& valu
 std::optional<std::int64_t> FromParts(int year, int month, int day, int hour, int minute,
                                       int second) {
   using namespace std::chrono;
-  const year_month_day date{std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
+  const year_month_day date{std::chrono::year(year),
+                            std::chrono::month(static_cast<unsigned>(month)),
                             std::chrono::day(static_cast<unsigned>(day))};
   // Years 1..9998 stay within 0..9999, four digits, after any time-zone offset.
   if (year < 1 || year > 9998) return std::nullopt;
@@ -95,8 +96,8 @@ std::optional<std::int64_t> ParseTwitterInstant(std::string_view text) {
   text = Strip(text);
   // Www Mmm DD HH:MM:SS +ZZZZ YYYY
   // 0   4   8  11 14 17 20    26
-  if (text.size() != 30 || text[3] != ' ' || text[7] != ' ' || text[10] != ' ' ||
-      text[13] != ':' || text[16] != ':' || text[19] != ' ' || text[25] != ' ') {
+  if (text.size() != 30 || text[3] != ' ' || text[7] != ' ' || text[10] != ' ' || text[13] != ':' ||
+      text[16] != ':' || text[19] != ' ' || text[25] != ' ') {
     return std::nullopt;
   }
   int month = 0;
@@ -105,8 +106,7 @@ std::optional<std::int64_t> ParseTwitterInstant(std::string_view text) {
   for (const auto name : kWeekdays) weekday = weekday || name == text.substr(0, 3);
   int day = 0, hour = 0, minute = 0, second = 0, year = 0;
   if (month == 12 || !weekday || !Digits(text, 8, 2, day) || !Digits(text, 11, 2, hour) ||
-      !Digits(text, 14, 2, minute) || !Digits(text, 17, 2, second) ||
-      !Digits(text, 26, 4, year)) {
+      !Digits(text, 14, 2, minute) || !Digits(text, 17, 2, second) || !Digits(text, 26, 4, year)) {
     return std::nullopt;
   }
   const auto offset = ZoneOffset(text.substr(20, 5), 0);

@@ -80,9 +80,8 @@ struct Post {
   // Empties every field, keeping the strings' storage for the next post.
   void Clear() {
     for (std::string* field : {&date, &id, &user, &realName, &followers, &following, &lists,
-                               &userTweets, &timeZone, &geo, &reposts, &link, &text,
-                               &sentPositive, &sentNegative, &authorId, &repostUser, &repostText,
-                               &repostLink}) {
+                               &userTweets, &timeZone, &geo, &reposts, &link, &text, &sentPositive,
+                               &sentNegative, &authorId, &repostUser, &repostText, &repostLink}) {
       field->clear();
     }
     textRank = 0;
@@ -354,8 +353,9 @@ void ReadMastodon(od::object object, Post& post, bool nested) {
       post.hasDate = true;
     } else if (key == "content") {
       std::string link;
-      SetText(post, 1, IsString(value) ? HtmlToPlainText(std::string_view(value.get_string()), &link)
-                                       : std::string());
+      SetText(post, 1,
+              IsString(value) ? HtmlToPlainText(std::string_view(value.get_string()), &link)
+                              : std::string());
       if (post.link.empty()) post.link = link;
     } else if (key == "account") {
       ReadMastodonAccount(value, post);
@@ -465,8 +465,8 @@ std::optional<ImportShape> ShapeOfKeys(const std::vector<std::string>& keys) {
       (Has(keys, "public_metrics") && Has(keys, "text"))) {
     return ImportShape::kTwitterV2Json;
   }
-  if (Has(keys, "user") && (Has(keys, "text") || Has(keys, "full_text") ||
-                            Has(keys, "extended_tweet"))) {
+  if (Has(keys, "user") &&
+      (Has(keys, "text") || Has(keys, "full_text") || Has(keys, "extended_tweet"))) {
     return ImportShape::kTwitterV11Json;
   }
   if (Has(keys, "account") && (Has(keys, "content") || Has(keys, "reblog"))) {
@@ -499,9 +499,7 @@ bool AtEnd(od::document& document) {
   return document.current_location().error() != simdjson::SUCCESS;
 }
 
-std::int64_t LineOf(const char* base, const char* at) {
-  return 1 + std::count(base, at, '\n');
-}
+std::int64_t LineOf(const char* base, const char* at) { return 1 + std::count(base, at, '\n'); }
 
 // The keys of an object; `elementKeys` gets those of the first element of a container array,
 // `containerKey` its key.
@@ -532,9 +530,7 @@ const char* SkipBlanks(const char* p, const char* end) {
   return p;
 }
 
-bool IsBlank(const char* p, std::size_t size) {
-  return SkipBlanks(p, p + size) == p + size;
-}
+bool IsBlank(const char* p, std::size_t size) { return SkipBlanks(p, p + size) == p + size; }
 
 // --- the importer ---
 
@@ -543,7 +539,11 @@ class JsonImporter {
   JsonImporter(const std::string& name, const ImportDetection& detection,
                const ImportOptions& options, ImportedRows& rows, ImportReport& report,
                const ProgressCallback& progress)
-      : name_(name), detection_(detection), options_(options), rows_(rows), report_(report),
+      : name_(name),
+        detection_(detection),
+        options_(options),
+        rows_(rows),
+        report_(report),
         progress_(progress) {}
 
   bool Run(ByteBuffer&& input) {
@@ -583,9 +583,7 @@ class JsonImporter {
     return true;
   }
 
-  std::string At(std::int64_t line) const {
-    return "'" + name_ + "' line " + std::to_string(line);
-  }
+  std::string At(std::int64_t line) const { return "'" + name_ + "' line " + std::to_string(line); }
 
   void ReadPost(od::object object, Post& post) {
     post.Clear();
@@ -758,8 +756,8 @@ class JsonImporter {
                              : size - pos;
       ++line;
       const std::size_t next = pos + length + 1;
-      if (line % kProgressEvery == 0 && Cancelled(static_cast<std::int64_t>(pos),
-                                                  static_cast<std::int64_t>(size))) {
+      if (line % kProgressEvery == 0 &&
+          Cancelled(static_cast<std::int64_t>(pos), static_cast<std::int64_t>(size))) {
         return Fail("Loading cancelled");
       }
       if (IsBlank(start, length)) {
@@ -872,8 +870,8 @@ DetectionOutcome DetectJsonShape(const std::string& name, const char* bytes, std
   try {
     if (*start == '[') {
       detection.container = JsonContainer::kArray;
-      od::document document = parser.iterate(
-          simdjson::padded_string_view(start, size - offset, capacity - offset));
+      od::document document =
+          parser.iterate(simdjson::padded_string_view(start, size - offset, capacity - offset));
       for (auto element : document.get_array()) {
         od::value first = element.value();
         if (!IsObject(first)) {
@@ -890,14 +888,13 @@ DetectionOutcome DetectJsonShape(const std::string& name, const char* bytes, std
       }
     } else {
       // JSON lines when the first line alone is a whole object, else one object in the file.
-      const char* newline =
-          static_cast<const char*>(std::memchr(start, '\n', size - offset));
+      const char* newline = static_cast<const char*>(std::memchr(start, '\n', size - offset));
       const std::size_t lineLength =
           newline != nullptr ? static_cast<std::size_t>(newline - start) : size - offset;
       bool lines = false;
       try {
-        od::document first = parser.iterate(
-            simdjson::padded_string_view(start, lineLength, capacity - offset));
+        od::document first =
+            parser.iterate(simdjson::padded_string_view(start, lineLength, capacity - offset));
         CollectKeys(first.get_object(), keys, elementKeys, containerKey);
         lines = AtEnd(first);
       } catch (const simdjson::simdjson_error&) {
@@ -907,8 +904,8 @@ DetectionOutcome DetectJsonShape(const std::string& name, const char* bytes, std
         keys.clear();
         elementKeys.clear();
         containerKey.clear();
-        od::document document = parser.iterate(
-            simdjson::padded_string_view(start, size - offset, capacity - offset));
+        od::document document =
+            parser.iterate(simdjson::padded_string_view(start, size - offset, capacity - offset));
         CollectKeys(document.get_object(), keys, elementKeys, containerKey);
       }
       detection.container = lines ? JsonContainer::kLines : JsonContainer::kObject;
@@ -934,9 +931,9 @@ DetectionOutcome DetectJsonShape(const std::string& name, const char* bytes, std
   return DetectionOutcome::kImport;
 }
 
-bool ImportJsonPosts(const std::string& name, ByteBuffer&& input,
-                     const ImportDetection& detection, const ImportOptions& options,
-                     ImportedRows& rows, ImportReport& report, const ProgressCallback& progress) {
+bool ImportJsonPosts(const std::string& name, ByteBuffer&& input, const ImportDetection& detection,
+                     const ImportOptions& options, ImportedRows& rows, ImportReport& report,
+                     const ProgressCallback& progress) {
   JsonImporter importer(name, detection, options, rows, report, progress);
   return importer.Run(std::move(input));
 }

@@ -19,8 +19,8 @@ DetectionOutcome DetectJsonShape(const std::string& name, const char* bytes, std
                                  std::string& error);
 
 // Imports the posts of `input` (adopted by `rows`). False with report.error.
-bool ImportJsonPosts(const std::string& name, ByteBuffer&& input,
-                     const ImportDetection& detection, const ImportOptions& options,
-                     ImportedRows& rows, ImportReport& report, const ProgressCallback& progress);
+bool ImportJsonPosts(const std::string& name, ByteBuffer&& input, const ImportDetection& detection,
+                     const ImportOptions& options, ImportedRows& rows, ImportReport& report,
+                     const ProgressCallback& progress);
 
 }  // namespace sylvora

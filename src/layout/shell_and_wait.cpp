@@ -142,10 +142,9 @@ std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs
   pid_t pid = 0;
   const bool searchPath = arguments.front().find('/') == std::string::npos;
   const int spawned =
-      searchPath ? ::posix_spawnp(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(),
-                                  environ)
-                 : ::posix_spawn(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(),
-                                 environ);
+      searchPath
+          ? ::posix_spawnp(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(), environ)
+          : ::posix_spawn(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(), environ);
   if (spawned != 0 || pid <= 0) return kShellNotStarted;
 
   std::int64_t elapsed = 0;

@@ -27,11 +27,11 @@
 namespace sylvora {
 
 // Result codes of ShellAndWait.
-inline constexpr std::int32_t kShellEnded = 0;         // ended, or the wait itself failed
-inline constexpr std::int32_t kShellNotStarted = 1;    // the program could not be started
-inline constexpr std::int32_t kShellTimedOut = 2;      // the limit passed; the program was killed
+inline constexpr std::int32_t kShellEnded = 0;       // ended, or the wait itself failed
+inline constexpr std::int32_t kShellNotStarted = 1;  // the program could not be started
+inline constexpr std::int32_t kShellTimedOut = 2;    // the limit passed; the program was killed
 inline constexpr std::int32_t kShellInvalidArgument = 3;
-inline constexpr std::int32_t kShellAbandoned = 4;     // progress answered false; killed
+inline constexpr std::int32_t kShellAbandoned = 4;  // progress answered false; killed
 
 // Length of one wait slice in milliseconds.
 inline constexpr std::int32_t kShellWaitSliceMs = 500;

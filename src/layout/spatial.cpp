@@ -238,9 +238,8 @@ std::string Spatial::Copy2Clip() const {
   return text;
 }
 
-bool Spatial::LoadGVPlain(const std::string& iPath, std::int32_t firstNode,
-                          std::int32_t nodeCount, std::string& error,
-                          const ProgressCallback& progress) {
+bool Spatial::LoadGVPlain(const std::string& iPath, std::int32_t firstNode, std::int32_t nodeCount,
+                          std::string& error, const ProgressCallback& progress) {
   ResetNodes(nodeCount);
   std::string text;
   if (!ReadWholeFile(iPath, text, error)) return false;

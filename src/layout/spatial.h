@@ -97,8 +97,8 @@ class Spatial {
   // Lays the network out (see above). `progress` is called between wait slices and while
   // reading nodes; answering false abandons the run (false, no message).
   bool GraphVisLayout_CLI(std::string_view gvPath, std::string_view algorithm,
-                          std::string_view dotStr, std::int32_t nodeCount,
-                          std::int32_t firstNode, const ProgressCallback& progress = {});
+                          std::string_view dotStr, std::int32_t nodeCount, std::int32_t firstNode,
+                          const ProgressCallback& progress = {});
 
   // Reads Graphviz plain output from `iPath` into the coordinates of `nodeCount` nodes (see
   // above). Returns false, with `error` saying why, when the file cannot be read, its first

@@ -202,8 +202,7 @@ bool ProximityMatrix::LoadMatrix(const std::string& filePath, std::int16_t iForm
   const auto n = static_cast<std::int32_t>(count);
   if (lines.size() < count) {
     lastLoadError_ = "'" + filePath + "': " + std::to_string(count) + " nodes need " +
-                     std::to_string(count) + " lines, the file has " +
-                     std::to_string(lines.size());
+                     std::to_string(count) + " lines, the file has " + std::to_string(lines.size());
     return false;
   }
   for (std::size_t extra = count; extra < lines.size(); ++extra) {

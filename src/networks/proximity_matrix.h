@@ -132,8 +132,8 @@ class ProximityMatrix {
   // The diagonal stays -1. Cost: the index's co-occurring pairs plus n^2.
   void ComputeDocAngles(const TermDocumentMatrix& iTDM, std::int32_t iWeight, bool normPreWeight,
                         bool cosine, bool dissimilarity);
-  void ComputeTermAngles(const TermDocumentMatrix& iTDM, std::int32_t iWeight,
-                         bool normPreWeight, bool cosine, bool dissimilarity);
+  void ComputeTermAngles(const TermDocumentMatrix& iTDM, std::int32_t iWeight, bool normPreWeight,
+                         bool cosine, bool dissimilarity);
 
   // Edges {cell (i, j), i, j} of the upper triangle with lowest <= value <= highest, in the
   // order i = 0..n-2, j = i+1..n-1.
@@ -158,8 +158,7 @@ class ProximityMatrix {
   // n - 1 links) and Message() names the count of nodes left out.
   // No matrix for an empty source, one without candidate links, a start node outside
   // 0..n-1 or without candidate links, or cancellation.
-  NetworkResult Transform2MST(std::int32_t startNode,
-                              const ProgressCallback& progress = {}) const;
+  NetworkResult Transform2MST(std::int32_t startNode, const ProgressCallback& progress = {}) const;
 
   // Pathfinder network PFNET(r, q = n - 1), r = 0 meaning infinity. First converts this
   // object to dissimilarities when it holds similarities. Working copy D: cells of absolute
@@ -173,7 +172,8 @@ class ProximityMatrix {
 
   // As Transform2FastPF, but a shorter path replaces a link only when it has at most q links;
   // only on dissimilarities (no matrix, and no conversion, otherwise).
-  NetworkResult FastPFQ(std::uint8_t r, std::int32_t q, const ProgressCallback& progress = {}) const;
+  NetworkResult FastPFQ(std::uint8_t r, std::int32_t q,
+                        const ProgressCallback& progress = {}) const;
   // FastPFQ run with k ascending and again with k descending; a link survives only when
   // neither run replaced it.
   NetworkResult FastPFQ2(std::uint8_t r, std::int32_t q,
@@ -197,8 +197,7 @@ class ProximityMatrix {
   // `nodeLabels` is accepted and not written (nodes appear as numbers). Nodes without an edge
   // do not appear. An empty matrix gives the header and "}"; cancellation an empty text.
   std::string Matrix2Dot(float lenPwr, std::uint8_t firstNode, std::string_view nodeLabels,
-                         float minEdgeLen, float maxEdgeLen,
-                         const ProgressCallback& progress = {});
+                         float minEdgeLen, float maxEdgeLen, const ProgressCallback& progress = {});
 
   // Comma-separated text, lines ending in CR: ",n,n" / "RowLabels" and n commas /
   // "ColumnLabels" and n commas / "Data," / each row's n cells in the shortest decimal text
@@ -212,8 +211,7 @@ class ProximityMatrix {
 
  private:
   std::size_t At(std::int32_t i, std::int32_t j) const {
-    return static_cast<std::size_t>(i) * static_cast<std::size_t>(n_) +
-           static_cast<std::size_t>(j);
+    return static_cast<std::size_t>(i) * static_cast<std::size_t>(n_) + static_cast<std::size_t>(j);
   }
   void CheckNode(std::int32_t i) const;
 

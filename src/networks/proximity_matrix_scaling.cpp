@@ -23,7 +23,8 @@ constexpr const char* kCancelled = "Cancelled";
 // Union-find over the nodes, by size with path halving.
 class NodeSets {
  public:
-  explicit NodeSets(std::int32_t n) : parent_(static_cast<std::size_t>(n)), size_(parent_.size(), 1) {
+  explicit NodeSets(std::int32_t n)
+      : parent_(static_cast<std::size_t>(n)), size_(parent_.size(), 1) {
     std::iota(parent_.begin(), parent_.end(), 0);
   }
   std::int32_t Find(std::int32_t x) {
@@ -55,7 +56,8 @@ constexpr double kLargestFinite = std::numeric_limits<double>::max();
 // The links of a joined path. Only walks around negative distances can double their links at
 // every step; their counts stop at the largest 32-bit number.
 std::int32_t LinkSum(std::int64_t links) {
-  return static_cast<std::int32_t>(std::min<std::int64_t>(links, std::numeric_limits<std::int32_t>::max()));
+  return static_cast<std::int32_t>(
+      std::min<std::int64_t>(links, std::numeric_limits<std::int32_t>::max()));
 }
 
 }  // namespace
@@ -240,9 +242,8 @@ bool ProximityMatrix::RelaxPathfinder(ProximityMatrix& d, std::uint8_t r, std::i
           if (rowI[j] > p) replace(i, k, j, p);
         }
       } else if (r == 2) {
-        RelaxSquaresRow(a, rowK, rowI, i + 1, stride, [&](std::size_t j, float p) {
-          return replace(i, k, j, p);
-        });
+        RelaxSquaresRow(a, rowK, rowI, i + 1, stride,
+                        [&](std::size_t j, float p) { return replace(i, k, j, p); });
       } else {
         const auto aPower = static_cast<float>(std::pow(a, power));
         const double* powersK = powers.data() + k * stride;
@@ -377,8 +378,8 @@ NetworkResult ProximityMatrix::Transform2Geodesic(const ProgressCallback& progre
         }
       }
     }
-    if (progress && !progress("Geodesic - K=" + std::to_string(k), static_cast<std::int64_t>(k) + 1,
-                              n_)) {
+    if (progress &&
+        !progress("Geodesic - K=" + std::to_string(k), static_cast<std::int64_t>(k) + 1, n_)) {
       return NetworkResult::Failure(kCancelled);
     }
   }

@@ -15,8 +15,7 @@ constexpr std::string_view kProgramTitle = "Sylvora";
 class CancelWatch {
  public:
   explicit CancelWatch(const ProgressCallback& progress)
-      : forward_([this, &progress](std::string_view stage, std::int64_t done,
-                                   std::int64_t total) {
+      : forward_([this, &progress](std::string_view stage, std::int64_t done, std::int64_t total) {
           if (progress && !progress(stage, done, total)) cancelled_ = true;
           return !cancelled_;
         }) {}
@@ -200,8 +199,8 @@ MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wo
   return report;
 }
 
-MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& options,
-                           ClusterMap& map, Notifier& notifier, const ProgressCallback& progress) {
+MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& options, ClusterMap& map,
+                           Notifier& notifier, const ProgressCallback& progress) {
   MapReport report;
   Stopwatch watch;
   const std::int32_t n = wordStream.IntervalCount();
@@ -216,7 +215,8 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
   built.kind = MapKind::kIntervals;
   if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
                           options, built, report, notifier, progress)) {
-    if (!report.cancelled) notifier.ShowMessage(kIntervalMapFailure, kProgramTitle, MessageIcon::kNone);
+    if (!report.cancelled)
+      notifier.ShowMessage(kIntervalMapFailure, kProgramTitle, MessageIcon::kNone);
     return report;
   }
   const double largest = wordStream.MaxIntervalDocCount();

@@ -92,8 +92,8 @@ MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wo
                        const ProgressCallback& progress = {});
 
 // The interval map of the word model (its NM must be built).
-MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& options,
-                           ClusterMap& map, Notifier& notifier = DefaultNotifier(),
+MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& options, ClusterMap& map,
+                           Notifier& notifier = DefaultNotifier(),
                            const ProgressCallback& progress = {});
 
 // The tweet map of interval `interval` (1-based) of the word model.

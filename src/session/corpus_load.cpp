@@ -128,9 +128,7 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
     report.stages = clock.Stages();
     return report;
   };
-  const auto cancelled = [&](std::string_view stage) {
-    return progress && !progress(stage, 0, 0);
-  };
+  const auto cancelled = [&](std::string_view stage) { return progress && !progress(stage, 0, 0); };
 
   if (!FileExists(options.path)) return fail("File not found: " + options.path);
   const auto unit = ParseTimeUnit(options.unitCode);
@@ -147,8 +145,8 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
   DetectionOutcome outcome = DetectionOutcome::kTabSeparated;
   if (!options.radian && MayBeImportFile(options.path)) {
     documents.Clear();
-    outcome = ImportCorpusFile(options.path, ImportOptionsOf(options), documents, imported,
-                               progress);
+    outcome =
+        ImportCorpusFile(options.path, ImportOptionsOf(options), documents, imported, progress);
     if (outcome == DetectionOutcome::kError) return loadError(imported.error);
   }
   const bool isImport = outcome == DetectionOutcome::kImport;
@@ -188,9 +186,10 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
     }
   }
   if (*format == CorpusFormat::kRadian6 && documents.FieldCount() < kRadianMinColumns) {
-    return loadError("A Radian 6 export needs at least 22 columns (date-time in column 7, elapsed "
-                "time, link and sentiment in columns 19 to 22); '" + options.path + "' has " +
-                std::to_string(documents.FieldCount()));
+    return loadError(
+        "A Radian 6 export needs at least 22 columns (date-time in column 7, elapsed "
+        "time, link and sentiment in columns 19 to 22); '" +
+        options.path + "' has " + std::to_string(documents.FieldCount()));
   }
   clock.Finish("read and split");
   documents.SetFieldExpressionPattern("");

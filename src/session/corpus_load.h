@@ -30,9 +30,9 @@ namespace sylvora {
 
 struct LoadOptions {
   std::string path;
-  bool radian = false;     // "Radian 6 data?"
-  int minDocLen = 64;      // records of up to half this many characters are dropped
-  int maxDocCount = 0;     // 0: no limit
+  bool radian = false;         // "Radian 6 data?"
+  int minDocLen = 64;          // records of up to half this many characters are dropped
+  int maxDocCount = 0;         // 0: no limit
   std::string unitCode = "h";  // unit of the elapsed-time column: "s", "n", "h", "d", "ww"
   // For CSV files: role name ("date", "user", "text", "link", "positive", "negative", "id",
   // "name", "retweets") -> column name, before the built-in names.

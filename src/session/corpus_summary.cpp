@@ -19,8 +19,7 @@ DocIndex CountNonBlank(const DocumentSet& documents, FieldIndex field) {
 
 }  // namespace
 
-std::vector<TermCount> TopTerms(const DocumentSet& documents, FieldIndex field,
-                                std::size_t limit) {
+std::vector<TermCount> TopTerms(const DocumentSet& documents, FieldIndex field, std::size_t limit) {
   std::vector<TermCount> terms;
   if (field >= documents.FieldCount()) return terms;
   std::unordered_map<std::string_view, std::size_t> slot;

@@ -80,18 +80,17 @@ bool ModelRun::CheckLength() {
   const double ratio = elapsed / length;
   if (ratio < 2) {
     return refuse(kIntervalTooLongMessage,
-                  "Interval length " + options_.intervalLength +
-                      " is too long: the corpus spans " + std::to_string(std::llround(elapsed)) +
-                      " units, fewer than two intervals");
+                  "Interval length " + options_.intervalLength + " is too long: the corpus spans " +
+                      std::to_string(std::llround(elapsed)) + " units, fewer than two intervals");
   }
   if (ratio > static_cast<double>(TextStream::kMaxIntervalCount)) {
     return refuse(kIntervalLengthInvalidMessage,
                   "Interval length " + options_.intervalLength + " is too short: more than " +
                       std::to_string(TextStream::kMaxIntervalCount) + " intervals");
   }
-  if (ratio < 10 && notifier_.Ask(kFewIntervalsQuestion, kFewIntervalsTitle,
-                                  QuestionButtons::kOkCancel,
-                                  MessageIcon::kQuestion) != Answer::kOk) {
+  if (ratio < 10 &&
+      notifier_.Ask(kFewIntervalsQuestion, kFewIntervalsTitle, QuestionButtons::kOkCancel,
+                    MessageIcon::kQuestion) != Answer::kOk) {
     report_.error = "Model building cancelled: fewer than 10 intervals";
     report_.cancelled = true;
     return false;
@@ -105,8 +104,8 @@ bool ModelRun::BuildModel(IndexKind kind) {
   model = TextStream();
   model.SetDocumentSet(session_.Documents());
   model.SetTermDocumentMatrix(session_.Index(kind));
-  const bool built = model.BuildTermIntervalFrequencyModel(
-      session_.Documents().ElapsedTimeField(), length_, notifier_, Named(name));
+  const bool built = model.BuildTermIntervalFrequencyModel(session_.Documents().ElapsedTimeField(),
+                                                           length_, notifier_, Named(name));
   clock_.Finish(std::string(name));
   return built;
 }

@@ -16,10 +16,14 @@ bool IsUndefined(float value) { return std::isnan(value); }
 float BurstScore(TextStream& words, std::int32_t measure, std::int32_t term,
                  std::int32_t interval) {
   switch (measure) {
-    case TextStream::kRatioBurst: return words.RatioBurstScore(term, interval);
-    case TextStream::kTemporalRatioBurst: return words.TemporalRatioBurstScore(term, interval);
-    case TextStream::kZScoreBurst: return words.TermIntervalZScore(term, interval);
-    default: return 0.0f;
+    case TextStream::kRatioBurst:
+      return words.RatioBurstScore(term, interval);
+    case TextStream::kTemporalRatioBurst:
+      return words.TemporalRatioBurstScore(term, interval);
+    case TextStream::kZScoreBurst:
+      return words.TermIntervalZScore(term, interval);
+    default:
+      return 0.0f;
   }
 }
 
@@ -58,9 +62,8 @@ const char* const kIntervalSeriesCsvHeader =
     "negative_median,burst_term_1,burst_score_1,burst_term_2,burst_score_2,burst_term_3,"
     "burst_score_3,events";
 
-bool ComputeIntervalSeries(Session& session, std::uint8_t noveltyWindow,
-                           std::int32_t burstMeasure, IntervalSeries& series,
-                           const ProgressCallback& progress) {
+bool ComputeIntervalSeries(Session& session, std::uint8_t noveltyWindow, std::int32_t burstMeasure,
+                           IntervalSeries& series, const ProgressCallback& progress) {
   TextStream& words = session.WordModel();
   const TermDocumentMatrix& index = session.WordIndex();
   const std::string& unit = session.IntervalUnit();
@@ -151,8 +154,8 @@ void WriteIntervalSeriesCsv(std::ostream& out, const std::vector<IntervalSeriesR
   }
 }
 
-bool WriteIntervalSeriesCsvFile(const std::string& path,
-                                const std::vector<IntervalSeriesRow>& rows, std::string& error) {
+bool WriteIntervalSeriesCsvFile(const std::string& path, const std::vector<IntervalSeriesRow>& rows,
+                                std::string& error) {
   std::ostringstream text;
   WriteIntervalSeriesCsv(text, rows);
   FileWriter writer;

@@ -87,9 +87,8 @@ struct IntervalSeries {
 // words are the terms present in the interval (TIFM > 0) ordered by falling score, an
 // undefined score last and equal scores in term order. An unbuilt session gives no rows.
 // False (and `series` emptied) when `progress` cancels.
-bool ComputeIntervalSeries(Session& session, std::uint8_t noveltyWindow,
-                           std::int32_t burstMeasure, IntervalSeries& series,
-                           const ProgressCallback& progress = {});
+bool ComputeIntervalSeries(Session& session, std::uint8_t noveltyWindow, std::int32_t burstMeasure,
+                           IntervalSeries& series, const ProgressCallback& progress = {});
 
 // The novelty of every interval for another window (cheap: W NM lookups per interval), entry
 // k for interval k + 1; for refreshing a series when only the window changed.
@@ -111,7 +110,7 @@ extern const char* const kIntervalSeriesCsvHeader;
 void WriteIntervalSeriesCsv(std::ostream& out, const std::vector<IntervalSeriesRow>& rows);
 
 // The same into a file. False, with `error` naming the file, when it cannot be written.
-bool WriteIntervalSeriesCsvFile(const std::string& path,
-                                const std::vector<IntervalSeriesRow>& rows, std::string& error);
+bool WriteIntervalSeriesCsvFile(const std::string& path, const std::vector<IntervalSeriesRow>& rows,
+                                std::string& error);
 
 }  // namespace sylvora

@@ -4,9 +4,12 @@ namespace sylvora {
 
 std::string_view CorpusFormatName(CorpusFormat format) {
   switch (format) {
-    case CorpusFormat::kTwitter: return "Twitter";
-    case CorpusFormat::kTwitter11: return "Twitter1.1";
-    case CorpusFormat::kRadian6: return "Radian 6";
+    case CorpusFormat::kTwitter:
+      return "Twitter";
+    case CorpusFormat::kTwitter11:
+      return "Twitter1.1";
+    case CorpusFormat::kRadian6:
+      return "Radian 6";
   }
   return "";
 }
@@ -17,11 +20,16 @@ TermDocumentMatrix& Session::Index(IndexKind kind) {
 
 const TermDocumentMatrix& Session::Index(IndexKind kind) const {
   switch (kind) {
-    case IndexKind::kWords: return words_;
-    case IndexKind::kLinks: return links_;
-    case IndexKind::kHashtags: return hashtags_;
-    case IndexKind::kMentions: return mentions_;
-    case IndexKind::kUsers: return users_;
+    case IndexKind::kWords:
+      return words_;
+    case IndexKind::kLinks:
+      return links_;
+    case IndexKind::kHashtags:
+      return hashtags_;
+    case IndexKind::kMentions:
+      return mentions_;
+    case IndexKind::kUsers:
+      return users_;
   }
   return words_;
 }
@@ -41,11 +49,16 @@ void Session::ClearModels() {
 
 std::string_view IndexKindName(IndexKind kind) {
   switch (kind) {
-    case IndexKind::kWords: return "words";
-    case IndexKind::kLinks: return "links";
-    case IndexKind::kHashtags: return "hashtags";
-    case IndexKind::kMentions: return "mentions";
-    case IndexKind::kUsers: return "users";
+    case IndexKind::kWords:
+      return "words";
+    case IndexKind::kLinks:
+      return "links";
+    case IndexKind::kHashtags:
+      return "hashtags";
+    case IndexKind::kMentions:
+      return "mentions";
+    case IndexKind::kUsers:
+      return "users";
   }
   return "";
 }

@@ -61,8 +61,9 @@ bool TextStream::BuildTermIntervalFrequencyModel(FieldIndex temporalFieldIndex,
     throw RangeError("BuildTermIntervalFrequencyModel: the corpus and the index must be set first");
   }
   if (intervalLength < 1) {
-    throw RangeError("BuildTermIntervalFrequencyModel: the interval length must be at least 1 (got " +
-                     std::to_string(intervalLength) + ")");
+    throw RangeError(
+        "BuildTermIntervalFrequencyModel: the interval length must be at least 1 (got " +
+        std::to_string(intervalLength) + ")");
   }
   const DocIndex documents = corpus_->DocumentCount();
   const std::int32_t termCount = tdm_->TermCount();
@@ -112,9 +113,8 @@ bool TextStream::BuildTermIntervalFrequencyModel(FieldIndex temporalFieldIndex,
 
   const bool fieldExists = temporalFieldIndex < corpus_->FieldCount();
   for (DocIndex d = 0; d < documents; ++d) {
-    const std::int64_t value = fieldExists
-                                   ? TemporalNumber(corpus_->Cell(d, temporalFieldIndex))
-                                   : TemporalValue(d, temporalFieldIndex);
+    const std::int64_t value = fieldExists ? TemporalNumber(corpus_->Cell(d, temporalFieldIndex))
+                                           : TemporalValue(d, temporalFieldIndex);
     // A gap in time closes as many (empty) intervals as it spans. A row past the last
     // interval (only in an unsorted corpus) stays in the last one.
     while (value > upperBound && j < intervalCount_) {
@@ -184,8 +184,7 @@ std::array<std::string, 2> TextStream::IntervalDateTimeBounds(std::int32_t inter
                                                               std::string_view intervalUnit) const {
   if (corpus_ == nullptr) return {};
   const auto unit = ParseTimeUnit(intervalUnit);
-  const auto origin =
-      DateTime::Parse(WithoutQuotes(corpus_->Text(0, corpus_->DateTimeField())));
+  const auto origin = DateTime::Parse(WithoutQuotes(corpus_->Text(0, corpus_->DateTimeField())));
   if (!unit || !origin) return {};
   const std::int64_t start = (static_cast<std::int64_t>(intervalIndex) - 1) * intervalLength_;
   return {DateAdd(*unit, start, *origin).Format(),

@@ -12,9 +12,7 @@ namespace sylvora {
 namespace {
 
 // ln(100 f + 1), with the argument formed in single precision as the scores always did.
-double Damping(float frequency) {
-  return std::log(static_cast<double>(100.0f * frequency + 1.0f));
-}
+double Damping(float frequency) { return std::log(static_cast<double>(100.0f * frequency + 1.0f)); }
 
 // A cell as Text() would read it, without a string copy when the field exists.
 std::string_view CellText(const DocumentSet& corpus, DocIndex row, FieldIndex field,
@@ -103,9 +101,15 @@ std::vector<float> TextStream::IntervalBurstScores(std::int32_t intervalIndex,
   for (std::int32_t t = 1; t <= terms; ++t) {
     float& score = scores[static_cast<std::size_t>(t)];
     switch (measure) {
-      case kRatioBurst: score = RatioBurstScore(t, intervalIndex); break;
-      case kTemporalRatioBurst: score = TemporalRatioBurstScore(t, intervalIndex); break;
-      default: score = TermIntervalZScore(t, intervalIndex); break;
+      case kRatioBurst:
+        score = RatioBurstScore(t, intervalIndex);
+        break;
+      case kTemporalRatioBurst:
+        score = TemporalRatioBurstScore(t, intervalIndex);
+        break;
+      default:
+        score = TermIntervalZScore(t, intervalIndex);
+        break;
     }
   }
   return scores;

@@ -18,10 +18,22 @@ namespace {
 
 // The classic 16-colour text-mode palette; entries 16..255 start black.
 constexpr std::array<std::array<int, 3>, 16> kStandardColours = {{
-    {0, 0, 0},       {0, 0, 128},   {0, 128, 0},   {0, 128, 128},
-    {128, 0, 0},     {128, 0, 128}, {128, 128, 0}, {192, 192, 192},
-    {128, 128, 128}, {0, 0, 255},   {0, 255, 0},   {0, 255, 255},
-    {255, 0, 0},     {255, 0, 255}, {255, 255, 0}, {255, 255, 255},
+    {0, 0, 0},
+    {0, 0, 128},
+    {0, 128, 0},
+    {0, 128, 128},
+    {128, 0, 0},
+    {128, 0, 128},
+    {128, 128, 0},
+    {192, 192, 192},
+    {128, 128, 128},
+    {0, 0, 255},
+    {0, 255, 0},
+    {0, 255, 255},
+    {255, 0, 0},
+    {255, 0, 255},
+    {255, 255, 0},
+    {255, 255, 255},
 }};
 
 const QColor kLinkColour(100, 100, 100);
@@ -185,16 +197,14 @@ QColor PointMap2D::GetClusterColor(std::uint8_t cluster) const { return palette_
 
 bool PointMap2D::SetClusterColorRange(std::uint8_t cluster1, std::uint8_t cluster2,
                                       std::uint8_t red1, std::uint8_t green1, std::uint8_t blue1,
-                                      std::uint8_t red2, std::uint8_t green2,
-                                      std::uint8_t blue2) {
+                                      std::uint8_t red2, std::uint8_t green2, std::uint8_t blue2) {
   const int span = static_cast<int>(cluster2) - static_cast<int>(cluster1);
   if (span < 2) return false;
   for (int k = cluster1; k <= cluster2; ++k) {
     const double t = static_cast<double>(k - cluster1) / span;
-    palette_[static_cast<std::size_t>(k)] =
-        QColor(ColourComponent(red1 + t * (red2 - red1)),
-               ColourComponent(green1 + t * (green2 - green1)),
-               ColourComponent(blue1 + t * (blue2 - blue1)));
+    palette_[static_cast<std::size_t>(k)] = QColor(ColourComponent(red1 + t * (red2 - red1)),
+                                                   ColourComponent(green1 + t * (green2 - green1)),
+                                                   ColourComponent(blue1 + t * (blue2 - blue1)));
   }
   pictureStale_ = true;
   return true;
@@ -311,7 +321,8 @@ bool PointMap2D::SetCoordinates(const Spatial& iSpatial) {
   // A third of the mean horizontal extent of the links.
   if (!edges_.empty()) {
     float sum = 0.0f;
-    for (const EdgeRecord& edge : edges_) sum += std::abs(NodeX(edge.FromNode) - NodeX(edge.ToNode));
+    for (const EdgeRecord& edge : edges_)
+      sum += std::abs(NodeX(edge.FromNode) - NodeX(edge.ToNode));
     baseNodeSize_ = sum / static_cast<float>(edges_.size()) / 3.0f;
   } else {
     baseNodeSize_ = dataWidth_ * kBaseSizeWithoutLinks;
@@ -433,7 +444,8 @@ void PointMap2D::DrawNode(QPainter& painter, std::int32_t node, const QColor& li
                           const QColor& fill) const {
   const auto i = static_cast<std::size_t>(node);
   const float s = size_[i];
-  const QRectF box = QRectF(ToPixels(x_[i] - s, y_[i] - s), ToPixels(x_[i] + s, y_[i] + s)).normalized();
+  const QRectF box =
+      QRectF(ToPixels(x_[i] - s, y_[i] - s), ToPixels(x_[i] + s, y_[i] + s)).normalized();
   switch (nodeShape_) {
     case 0:
       DrawWideRectOutline(painter, box, line);

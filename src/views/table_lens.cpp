@@ -194,7 +194,8 @@ std::int32_t TableLens::SlotRow(std::int32_t slot) const {
 
 QString TableLens::RowHeaderText(std::int32_t row) const {
   const QString name = RowName(row);
-  if (TextWidthUnits(name, headerFont_) >= 1.0 - headerWidth_) return name.left(6) + QStringLiteral("..");
+  if (TextWidthUnits(name, headerFont_) >= 1.0 - headerWidth_)
+    return name.left(6) + QStringLiteral("..");
   return name;
 }
 
@@ -263,8 +264,8 @@ void TableLens::Layout() {
 
 void TableLens::Redraw() {
   if (table_ == nullptr) {
-    notifier_->ShowMessage("Cannot render view. A data table not yet been assigned",
-                           "Render error", MessageIcon::kExclamation);
+    notifier_->ShowMessage("Cannot render view. A data table not yet been assigned", "Render error",
+                           MessageIcon::kExclamation);
     return;
   }
 
@@ -298,7 +299,8 @@ void TableLens::Redraw() {
 
     // Column header: labels every `step` columns when names do not fit one column.
     painter.setFont(headerFont_);
-    const std::int32_t perColumn = RoundTo16Bits(1.0 / TextWidthUnits(QStringLiteral("a"), headerFont_));
+    const std::int32_t perColumn =
+        RoundTo16Bits(1.0 / TextWidthUnits(QStringLiteral("a"), headerFont_));
     const std::int32_t step = perColumn >= 4 ? 1 : (perColumn >= 2 ? 10 : 50);
     for (std::int32_t c = 1; c <= visibleColumns_; c += step) {
       painter.fillRect(QRectF(ToPixels(c + marginX_, marginY_),
@@ -356,7 +358,8 @@ void TableLens::DrawCells(QPainter& painter) {
       const int grey = GreyLevel(value);
       switch (cellStyle_) {
         case kTile:
-          painter.fillRect(QRectF(ToPixels(c, s), ToPixels(c + 1.0, s + 1.0)), QColor(grey, grey, grey));
+          painter.fillRect(QRectF(ToPixels(c, s), ToPixels(c + 1.0, s + 1.0)),
+                           QColor(grey, grey, grey));
           break;
         case kLine: {
           const QPointF to = ToPixels(c + 0.5, s + 1.0 - value);
@@ -366,11 +369,13 @@ void TableLens::DrawCells(QPainter& painter) {
           break;
         }
         case kHorizontalBar:
-          painter.fillRect(QRectF(ToPixels(c, s), ToPixels(c + value, s + 1.0)).normalized(), kBlack);
+          painter.fillRect(QRectF(ToPixels(c, s), ToPixels(c + value, s + 1.0)).normalized(),
+                           kBlack);
           break;
         case kVerticalBar:
-          painter.fillRect(QRectF(ToPixels(c, s + 1.0 - value), ToPixels(c + 1.0, s + 1.0)).normalized(),
-                           kBlack);
+          painter.fillRect(
+              QRectF(ToPixels(c, s + 1.0 - value), ToPixels(c + 1.0, s + 1.0)).normalized(),
+              kBlack);
           break;
         default:
           break;
@@ -469,10 +474,18 @@ bool TableLens::KeyPress(int key) {
   }
   if (table_ == nullptr) return true;
   switch (key) {
-    case Qt::Key_Left: --cursorColumn_; break;
-    case Qt::Key_Right: ++cursorColumn_; break;
-    case Qt::Key_Up: --cursorRow_; break;
-    default: ++cursorRow_; break;
+    case Qt::Key_Left:
+      --cursorColumn_;
+      break;
+    case Qt::Key_Right:
+      ++cursorColumn_;
+      break;
+    case Qt::Key_Up:
+      --cursorRow_;
+      break;
+    default:
+      ++cursorRow_;
+      break;
   }
   cursorColumn_ = std::clamp(cursorColumn_, 1, std::max(1, table_->ColCount()));
   cursorRow_ = std::clamp(cursorRow_, 1, std::max(1, table_->RowCount()));

@@ -194,8 +194,8 @@ class TableLens : public QObject {
   QSize offscreenSize_{800, 400};
   const SparseMatrixSingle* table_ = nullptr;
   std::vector<QString> rowNames_;
-  std::vector<bool> rowNamed_;  // false: the default name "R" + row
-  std::int32_t columnCount_ = -1;  // the names' range is 0..columnCount_
+  std::vector<bool> rowNamed_;                             // false: the default name "R" + row
+  std::int32_t columnCount_ = -1;                          // the names' range is 0..columnCount_
   std::unordered_map<std::int32_t, QString> columnNames_;  // absent: "C" + column
   std::int32_t topRow_ = 1;
   std::int32_t leftColumn_ = 1;

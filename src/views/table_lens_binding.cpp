@@ -41,7 +41,8 @@ bool TableLens::InitializeTLCtl(QWidget* targetForm, QWidget* targetPictureBox,
   // Capacity: text lines of "abc" that fit the height, less the header; one column per pixel.
   const QFontMetricsF metrics(cellFont_, &MeasuringDevice());
   const QSize size = surface_->Size();
-  maxVisibleRows_ = static_cast<std::int32_t>(std::nearbyint(size.height() / metrics.height() - 1.0));
+  maxVisibleRows_ =
+      static_cast<std::int32_t>(std::nearbyint(size.height() / metrics.height() - 1.0));
   maxVisibleColumns_ = size.width();
   normedCellValues_ = true;
   return true;

@@ -44,10 +44,9 @@ QString Formatted(float value, std::string_view pattern) {
 }  // namespace
 
 QString ChartDetailsText(const TimeLineChartInterval& figures, std::int32_t interval) {
-  return QString::number(figures.documents) + QStringLiteral(" docs ") +
-         QStringLiteral("@ INT #") + QString::number(interval) + QStringLiteral(" (") +
-         figures.start + QStringLiteral("), ") + QStringLiteral("NOV=") +
-         Formatted(figures.novelty * 100.0f, "###") + QStringLiteral("%") +
+  return QString::number(figures.documents) + QStringLiteral(" docs ") + QStringLiteral("@ INT #") +
+         QString::number(interval) + QStringLiteral(" (") + figures.start + QStringLiteral("), ") +
+         QStringLiteral("NOV=") + Formatted(figures.novelty * 100.0f, "###") + QStringLiteral("%") +
          QStringLiteral(", HOM=") + Formatted(figures.detailsHomogeneity * 100.0f, "###") +
          QStringLiteral("%") + QStringLiteral(", LR=") + Formatted(figures.linkRatio, "0.00") +
          QStringLiteral(", SENT+ ") + Formatted(figures.positiveMean, "0.00") +

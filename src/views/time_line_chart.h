@@ -98,9 +98,9 @@ struct TimeLineChartData {
 };
 
 // The ChartDetails text of one interval:
-// "142 docs @ INT #3 (2013-09-04 00:00:00), NOV=24%, HOM=3%, LR=0.12, SENT+ 2.31(1) , SENT- 1.87(1)"
-// Novelty and homogeneity are x 100 with the "###" pattern (0 prints no digit: "NOV=%"), the
-// link ratio and means with "0.00".
+// "142 docs @ INT #3 (2013-09-04 00:00:00), NOV=24%, HOM=3%, LR=0.12, SENT+ 2.31(1) ,
+// SENT- 1.87(1)" Novelty and homogeneity are x 100 with the "###" pattern (0 prints no digit:
+// "NOV=%"), the link ratio and means with "0.00".
 QString ChartDetailsText(const TimeLineChartInterval& figures, std::int32_t interval);
 
 class TimeLineChart : public QObject {

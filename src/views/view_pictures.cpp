@@ -42,8 +42,8 @@ bool Save(const QImage& image, const std::string& path, std::string& error) {
 
 }  // namespace
 
-bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
-                 const std::string& path, PictureSize size, std::string& error) {
+bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold, const std::string& path,
+                 PictureSize size, std::string& error) {
   if (clusterMap.NodeCount() < 1) {
     error = "The map has no nodes";
     return false;
@@ -60,8 +60,8 @@ bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
 }
 
 bool WriteTermTimelinePng(const TextStream& wordModel, const TermDocumentMatrix& wordIndex,
-                          const std::string& unitCode, const std::string& path,
-                          PictureSize size, std::string& error) {
+                          const std::string& unitCode, const std::string& path, PictureSize size,
+                          std::string& error) {
   if (wordModel.IntervalCount() < 1) {
     error = "The words model has no intervals";
     return false;

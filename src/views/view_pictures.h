@@ -25,10 +25,10 @@ struct PictureSize {
 
 // A map as the cluster explorer draws it (word maps: labels at or above `labelThreshold`
 // documents per thousand; every map: circles sized as weight^0.75 x base), with dark red labels
-// that read on white and stand out from the black circles. False, with `error` saying why, when the map is empty or the file
-// cannot be written.
-bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
-                 const std::string& path, PictureSize size, std::string& error);
+// that read on white and stand out from the black circles. False, with `error` saying why, when the
+// map is empty or the file cannot be written.
+bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold, const std::string& path,
+                 PictureSize size, std::string& error);
 
 // The term time line (terms by intervals, Line style) as the time line explorer draws it,
 // `size` high and at most `size` wide (narrower when there are few intervals, since wide
@@ -36,8 +36,8 @@ bool WriteMapPng(const ClusterMap& clusterMap, std::int16_t labelThreshold,
 // False, with `error` saying why, when the model has no intervals or the file cannot be
 // written.
 bool WriteTermTimelinePng(const TextStream& wordModel, const TermDocumentMatrix& wordIndex,
-                          const std::string& unitCode, const std::string& path,
-                          PictureSize size, std::string& error);
+                          const std::string& unitCode, const std::string& path, PictureSize size,
+                          std::string& error);
 
 // The main time line of the series (ComputeIntervalSeries) as the time line explorer draws it,
 // with the sentiment lines by `sentimentAverage` (0 mean, 1 mode, 2 median), `size` high and

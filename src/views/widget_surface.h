@@ -35,8 +35,8 @@ class WidgetSurface final : public QObject, public ViewSurface {
   };
 
   // Takes over `widget` (mouse tracking, focus, painting) in `host`. The scroll bars may be null.
-  WidgetSurface(QWidget* host, QWidget* widget, Handlers handlers,
-                QScrollBar* horizontal = nullptr, QScrollBar* vertical = nullptr);
+  WidgetSurface(QWidget* host, QWidget* widget, Handlers handlers, QScrollBar* horizontal = nullptr,
+                QScrollBar* vertical = nullptr);
   ~WidgetSurface() override;
 
   QWidget* Widget() const override { return widget_; }

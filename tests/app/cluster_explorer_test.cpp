@@ -6,10 +6,10 @@
 #include <QDoubleSpinBox>
 #include <QFile>
 #include <QLabel>
-#include <QTableView>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTest>
 #include <QToolButton>
 
@@ -86,8 +86,9 @@ class ClusterExplorerTest : public QObject {
     // The progress captions in build order, then the usual caption again.
     QStringList texts;
     for (const auto& arguments : captions) texts.push_back(arguments.at(0).toString());
-    QCOMPARE(texts, (QStringList{QStringLiteral("Computing interval cluster visualization..."),
-                                 QStringLiteral("Computing word cluster visualization..."), usual}));
+    QCOMPARE(texts,
+             (QStringList{QStringLiteral("Computing interval cluster visualization..."),
+                          QStringLiteral("Computing word cluster visualization..."), usual}));
     QCOMPARE(f_->Window().windowTitle(), usual);
   }
 
@@ -98,8 +99,9 @@ class ClusterExplorerTest : public QObject {
              QStringLiteral("Cluster Explorer"));
     for (const char* name : {"TermSimVis", "ISVis", "TweetSimVis"}) {
       QVERIFY2(page_->findChild<PointMap2D*>(QLatin1String(name)) != nullptr, name);
-      QVERIFY2(page_->findChild<QWidget*>(QLatin1String(name) + QStringLiteral("Container")) != nullptr,
-               name);
+      QVERIFY2(
+          page_->findChild<QWidget*>(QLatin1String(name) + QStringLiteral("Container")) != nullptr,
+          name);
     }
   }
 
@@ -125,7 +127,8 @@ class ClusterExplorerTest : public QObject {
     QCOMPARE(page_->Level(), WordMapLevel::kTweet);
     for (int t = 1; t <= index.TermCount(); ++t) {
       QCOMPARE(Words().NodeLabel(t - 1), QString::fromStdString(index.Term(t)));
-      const auto expected = static_cast<float>(index.DocFreq(t) / static_cast<double>(index.DocCount()) * 1000.0);
+      const auto expected =
+          static_cast<float>(index.DocFreq(t) / static_cast<double>(index.DocCount()) * 1000.0);
       QCOMPARE(Words().Weight(t - 1), expected);
     }
     QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{120});
@@ -135,12 +138,14 @@ class ClusterExplorerTest : public QObject {
     QCOMPARE(Words().NodeShape(), std::uint8_t{2});
     // Every node is sized weight^0.75 x base.
     const float base = Words().BaseNodeSize();
-    QVERIFY(std::abs(Words().NodeSize(0) - std::pow(Words().Weight(0), 0.75f) * base) <= 1e-4f * base);
+    QVERIFY(std::abs(Words().NodeSize(0) - std::pow(Words().Weight(0), 0.75f) * base) <=
+            1e-4f * base);
   }
 
   void HoveringAWordShowsItsLabel() {
     page_->TermSimVis_OnNewNodeOver(0);
-    QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(), QString::fromStdString(S().WordIndex().Term(1)));
+    QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(),
+             QString::fromStdString(S().WordIndex().Term(1)));
     page_->TermSimVis_OnNewNodeOver(-1);
     QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(), QString());
   }
@@ -266,8 +271,9 @@ class ClusterExplorerTest : public QObject {
     // Hover: the tweet's text; click: its corpus row.
     const DocumentSet& documents = S().Documents();
     page_->TweetSimVis_OnNewNodeOver(2);
-    QCOMPARE(page_->Panel(MapKind::kTweets).Surface()->toolTip(),
-             QString::fromStdString(documents.Text(data->firstDocument + 2, documents.ContentField())));
+    QCOMPARE(
+        page_->Panel(MapKind::kTweets).Surface()->toolTip(),
+        QString::fromStdString(documents.Text(data->firstDocument + 2, documents.ContentField())));
     QSignalSpy chosen(page_, &ClusterExplorerPage::tweetChosen);
     page_->TweetSimVis_OnNodeClick(2);
     QCOMPARE(chosen.size(), 1);
@@ -366,12 +372,14 @@ class ClusterExplorerTest : public QObject {
     QVERIFY(tweetNines > 0);
 
     // A view without any word keeps the colours.
-    const PointMap2D::ViewRect nowhere{Words().HomeView().right + 1000.0f, Words().HomeView().right + 2000.0f,
-                                       Words().HomeView().bottom + 1000.0f, Words().HomeView().bottom + 2000.0f};
+    const PointMap2D::ViewRect nowhere{
+        Words().HomeView().right + 1000.0f, Words().HomeView().right + 2000.0f,
+        Words().HomeView().bottom + 1000.0f, Words().HomeView().bottom + 2000.0f};
     Words().SetView(nowhere);
     page_->TermSimVis_ViewChanged();
     int unchanged = 0;
-    for (int i = 1; i <= model.IntervalCount(); ++i) unchanged += Intervals().NodeCluster(i - 1) == 9;
+    for (int i = 1; i <= model.IntervalCount(); ++i)
+      unchanged += Intervals().NodeCluster(i - 1) == 9;
     QCOMPARE(unchanged, nines);
     Words().SetView(Words().HomeView());
   }

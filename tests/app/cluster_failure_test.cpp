@@ -19,8 +19,8 @@ using app::ClusterExplorerPage;
 
 namespace {
 
-const QString kIntervalFailure = QString::fromLatin1(kIntervalMapFailure.data(),
-                                                     static_cast<qsizetype>(kIntervalMapFailure.size()));
+const QString kIntervalFailure = QString::fromLatin1(
+    kIntervalMapFailure.data(), static_cast<qsizetype>(kIntervalMapFailure.size()));
 
 // The longest pause between the ticks of a 10 ms timer while `work` waits.
 template <typename Work>
@@ -110,7 +110,9 @@ class ClusterFailureTest : public QObject {
     QCOMPARE(page.Panel(MapKind::kWords).Data(), words);
     QCOMPARE(page.Map(MapKind::kWords).NodeCount(), wordNodes);
     QCOMPARE(page.Level(), WordMapLevel::kTweet);
-    QVERIFY(page.Panel(MapKind::kWords).Status().endsWith(QStringLiteral("(the map shows its earlier layout)")));
+    QVERIFY(page.Panel(MapKind::kWords)
+                .Status()
+                .endsWith(QStringLiteral("(the map shows its earlier layout)")));
     page.ISVis_OnNodeClick(0);
     QVERIFY(WaitClusterIdle(f));
     QCOMPARE(finished.size(), 2);

@@ -96,7 +96,8 @@ class ImportWorkflowTest : public QObject {
   void ImportedSamplesLoadLikeTheTabSeparatedOne_data() {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("shape");
-    QTest::newRow("v2 JSON lines") << kJsonSample << QStringLiteral("X / Twitter API v2 JSON lines");
+    QTest::newRow("v2 JSON lines")
+        << kJsonSample << QStringLiteral("X / Twitter API v2 JSON lines");
     QTest::newRow("CSV") << kCsvSample << QStringLiteral("named-column CSV");
   }
 
@@ -138,11 +139,10 @@ class ImportWorkflowTest : public QObject {
                               QStringLiteral(" to ") + tsvLast + QStringLiteral("]"),
                           base + QStringLiteral(" [, 5000 tweets loaded]")}));
     QCOMPARE(f.Window().windowTitle(), tsvCaption);
-    QCOMPARE(Strings(progress).first(),
-             QStringLiteral("Loading ") + path + QStringLiteral(" (") + shape +
-                 QStringLiteral(")..."));
-    QCOMPARE(f.Page().LoadProgressText(), QStringLiteral("Read ") + shape + QStringLiteral("\r\n") +
-                                              kDoneText);
+    QCOMPARE(Strings(progress).first(), QStringLiteral("Loading ") + path + QStringLiteral(" (") +
+                                            shape + QStringLiteral(")..."));
+    QCOMPARE(f.Page().LoadProgressText(),
+             QStringLiteral("Read ") + shape + QStringLiteral("\r\n") + kDoneText);
 
     const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
     QCOMPARE(df[0]->text(), QStringLiteral("7"));
@@ -171,7 +171,8 @@ class ImportWorkflowTest : public QObject {
         QStringLiteral("Read X / Twitter API v2 JSON lines, gzip-compressed\r\n")));
 
     // No telling extension: found by the content.
-    const QString cut = Write(f.Folder(), QStringLiteral("cut.dat"), packed.left(packed.size() / 2));
+    const QString cut =
+        Write(f.Folder(), QStringLiteral("cut.dat"), packed.left(packed.size() / 2));
     QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
     f.platform.boxes.clear();
     QVERIFY(f.Load(cut));
@@ -202,9 +203,8 @@ class ImportWorkflowTest : public QObject {
                                       "*.jsonl.gz *.ndjson.gz)"));
     QCOMPARE(kinds[3], QStringLiteral("CSV (*.csv *.csv.gz)"));
     QCOMPARE(kinds[4], QStringLiteral("All files (*)"));
-    for (const QString& pattern :
-         {QStringLiteral("*.txt"), QStringLiteral("*.jsonl"), QStringLiteral("*.ndjson.gz"),
-          QStringLiteral("*.csv.gz")}) {
+    for (const QString& pattern : {QStringLiteral("*.txt"), QStringLiteral("*.jsonl"),
+                                   QStringLiteral("*.ndjson.gz"), QStringLiteral("*.csv.gz")}) {
       QVERIFY(kinds[0].contains(pattern));
     }
     // The chosen JSON file loads from the box and names itself in the last caption.
@@ -271,7 +271,8 @@ class ImportWorkflowTest : public QObject {
     const QString caption = f.Window().windowTitle();
     const QString path = Write(f.Folder(), QStringLiteral("odd.csv"), kOddCsv);
     QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
-    f.platform.dialogScripts.push_back([](QDialog&) { return static_cast<int>(QDialog::Rejected); });
+    f.platform.dialogScripts.push_back(
+        [](QDialog&) { return static_cast<int>(QDialog::Rejected); });
     QVERIFY(!f.Load(path));
     QCOMPARE(f.platform.dialogNames.size(), 1);
     QCOMPARE(loaded.size(), 0);

@@ -5,8 +5,8 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QRegularExpression>
-#include <QSlider>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
@@ -40,8 +40,8 @@ void ClickHeader(QTableView* view, int column) {
 // True when the column's texts are in order (case-insensitive) from top to bottom.
 bool InOrder(const TermListModel& model, int column, Qt::SortOrder order) {
   for (int row = 1; row < model.rowCount(); ++row) {
-    const int compared = model.CellText(row - 1, column).compare(model.CellText(row, column),
-                                                                 Qt::CaseInsensitive);
+    const int compared =
+        model.CellText(row - 1, column).compare(model.CellText(row, column), Qt::CaseInsensitive);
     if (order == Qt::AscendingOrder ? compared > 0 : compared < 0) return false;
   }
   return true;
@@ -62,11 +62,13 @@ class IndexingWorkflowTest : public QObject {
     QCOMPARE(built.size(), 1);
     QVERIFY(built[0][0].toBool());
     QCOMPARE(Strings(statuses),
-             (QStringList{QStringLiteral("Building word index..."), QStringLiteral("Building link index..."),
-                          QStringLiteral("Building hashtag index..."),
-                          QStringLiteral("Building mention index..."),
-                          QStringLiteral("Building user index..."), QStringLiteral("All done :-)")}));
-    QCOMPARE(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text(), QStringLiteral("All done :-)"));
+             (QStringList{
+                 QStringLiteral("Building word index..."), QStringLiteral("Building link index..."),
+                 QStringLiteral("Building hashtag index..."),
+                 QStringLiteral("Building mention index..."),
+                 QStringLiteral("Building user index..."), QStringLiteral("All done :-)")}));
+    QCOMPARE(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text(),
+             QStringLiteral("All done :-)"));
 
     const Session& session = f.Window().CurrentSession();
     const QStringList log =
@@ -74,9 +76,11 @@ class IndexingWorkflowTest : public QObject {
     const QString seconds = QStringLiteral("[0-9.E+-]+");
     const QString words = QString::number(session.WordIndex().TermCount());
     const QStringList patterns = {
-        QStringLiteral("Assigning text for processing\\.\\.\\.\\[Completed in %1 s\\]").arg(seconds),
+        QStringLiteral("Assigning text for processing\\.\\.\\.\\[Completed in %1 s\\]")
+            .arg(seconds),
         QStringLiteral("Pre-processing input text\\.\\.\\. \\[Completed in %1 s\\]").arg(seconds),
-        QStringLiteral("Building vocabulary\\.\\.\\.\\d+ index terms retained \\[Completed in %1 s\\]")
+        QStringLiteral(
+            "Building vocabulary\\.\\.\\.\\d+ index terms retained \\[Completed in %1 s\\]")
             .arg(seconds),
         QStringLiteral("Counting Term-Doc occurrences\\.\\.\\.Terms retained within DF bounds = %1 "
                        "\\[Completed in %2 s")
@@ -108,10 +112,10 @@ class IndexingWorkflowTest : public QObject {
     for (int row : {0, 5, list.rowCount() - 1}) {
       const std::int32_t term = row + 1;
       QCOMPARE(list.CellText(row, 0), QString::fromStdString(session.WordIndex().Term(term)));
-      QCOMPARE(list.CellText(row, 1),
-               QStringLiteral("%1").arg(session.WordIndex().DocFreq(term), 5, 10, QLatin1Char('0')));
-      QCOMPARE(list.CellText(row, 2),
-               QStringLiteral("%1").arg(session.WordIndex().GlobalFreq(term), 5, 10, QLatin1Char('0')));
+      QCOMPARE(list.CellText(row, 1), QStringLiteral("%1").arg(session.WordIndex().DocFreq(term), 5,
+                                                               10, QLatin1Char('0')));
+      QCOMPARE(list.CellText(row, 2), QStringLiteral("%1").arg(session.WordIndex().GlobalFreq(term),
+                                                               5, 10, QLatin1Char('0')));
       QCOMPARE(list.CellText(row, 3), QString());
     }
   }
@@ -129,7 +133,8 @@ class IndexingWorkflowTest : public QObject {
     const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
     QCOMPARE(int(lens->CellStyle()), 4);
     QCOMPARE(lens->RowName(1), QString::fromStdString(words.Term(1)));
-    QCOMPARE(lens->RowName(words.TermCount()), QString::fromStdString(words.Term(words.TermCount())));
+    QCOMPARE(lens->RowName(words.TermCount()),
+             QString::fromStdString(words.Term(words.TermCount())));
     QVERIFY(lens->VisibleColumns() >= 10);
     QVERIFY(lens->TLContainer() != nullptr);
     QCOMPARE(lens->TLContainer()->objectName(), QStringLiteral("TDMViewContainer"));
@@ -185,7 +190,7 @@ class IndexingWorkflowTest : public QObject {
       Qt::SortOrder order;
     };
     // Another column keeps the direction; the same column reverses it.
-    const Step steps[] = {{1, 1, Qt::AscendingOrder}, {1, 1, Qt::DescendingOrder},
+    const Step steps[] = {{1, 1, Qt::AscendingOrder},  {1, 1, Qt::DescendingOrder},
                           {2, 2, Qt::DescendingOrder}, {0, 0, Qt::DescendingOrder},
                           {0, 0, Qt::AscendingOrder},  {1, 1, Qt::AscendingOrder}};
     for (const Step& step : steps) {
@@ -234,7 +239,8 @@ class IndexingWorkflowTest : public QObject {
     QTest::newRow("Min DF") << QStringLiteral("DF") << 0 << QStringLiteral("Min DF");
     QTest::newRow("Max DF") << QStringLiteral("DF") << 1 << QStringLiteral("Max DF (%)");
     QTest::newRow("Min Chars") << QStringLiteral("MinChars") << 0 << QStringLiteral("Min Chars");
-    QTest::newRow("Max # Docs") << QStringLiteral("MaxDocCount") << 0 << QStringLiteral("Max # Docs");
+    QTest::newRow("Max # Docs") << QStringLiteral("MaxDocCount") << 0
+                                << QStringLiteral("Max # Docs");
     QTest::newRow("SecDF") << QStringLiteral("SecDF") << 0
                            << QStringLiteral("Min DF (Tags, Links, Users, Mentions)");
   }
@@ -249,7 +255,8 @@ class IndexingWorkflowTest : public QObject {
     f.Window().findChildren<QLineEdit*>(box)[arrayIndex]->setText(QStringLiteral("lots"));
     QVERIFY(!f.Page().DoIndex_Click());
     QVERIFY(!f.Window().Jobs().Busy());
-    QCOMPARE(f.platform.Texts(), QStringList{label + QStringLiteral(" must be a number, not \"lots\".")});
+    QCOMPARE(f.platform.Texts(),
+             QStringList{label + QStringLiteral(" must be a number, not \"lots\".")});
     QVERIFY(!f.Window().CurrentSession().Indexed());
   }
 
@@ -260,11 +267,13 @@ class IndexingWorkflowTest : public QObject {
     QVERIFY(QFile::remove(f.ProgramFolder() + QStringLiteral("/common_words.txt")));
     QVERIFY(f.Index());
     QCOMPARE(f.platform.boxes.size(), 1);
-    QVERIFY2(f.platform.boxes[0].text.startsWith(QStringLiteral("The indexes could not be built: ")),
-             qPrintable(f.platform.boxes[0].text));
+    QVERIFY2(
+        f.platform.boxes[0].text.startsWith(QStringLiteral("The indexes could not be built: ")),
+        qPrintable(f.platform.boxes[0].text));
     QVERIFY(f.platform.boxes[0].text.contains(QStringLiteral("common_words.txt")));
-    QVERIFY(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text().startsWith(
-        QStringLiteral("Indexing stopped: ")));
+    QVERIFY(f.Find<QLabel>(QStringLiteral("IndexingStatus"))
+                ->text()
+                .startsWith(QStringLiteral("Indexing stopped: ")));
     QVERIFY(!f.Window().CurrentSession().Indexed());
   }
 

@@ -55,11 +55,14 @@ class JobRunnerTest : public QObject {
   void OneJobAtATime() {
     JobRunner runner(nullptr, nullptr, nullptr);
     std::atomic<bool> release{false};
-    QVERIFY(runner.Start(QStringLiteral("first"), [&](const ProgressCallback&) {
-      while (!release) QThread::msleep(1);
-    }, {}));
+    QVERIFY(runner.Start(QStringLiteral("first"),
+                         [&](const ProgressCallback&) {
+                           while (!release) QThread::msleep(1);
+                         },
+                         {}));
     int secondRan = 0;
-    QVERIFY(!runner.Start(QStringLiteral("second"), [&](const ProgressCallback&) { ++secondRan; }, {}));
+    QVERIFY(
+        !runner.Start(QStringLiteral("second"), [&](const ProgressCallback&) { ++secondRan; }, {}));
     release = true;
     runner.WaitForIdle();
     QCOMPARE(secondRan, 0);
@@ -71,11 +74,13 @@ class JobRunnerTest : public QObject {
     connect(&runner, &JobRunner::progressed, this, [&](const QString& stage, qint64, qint64) {
       if (stages.isEmpty() || stages.last() != stage) stages.push_back(stage);
     });
-    runner.Start(QStringLiteral("job"), [](const ProgressCallback& progress) {
-      for (const char* stage : {"a", "b", "c", "d"}) {
-        for (int i = 0; i < 10000; ++i) progress(stage, i, 10000);
-      }
-    }, {});
+    runner.Start(QStringLiteral("job"),
+                 [](const ProgressCallback& progress) {
+                   for (const char* stage : {"a", "b", "c", "d"}) {
+                     for (int i = 0; i < 10000; ++i) progress(stage, i, 10000);
+                   }
+                 },
+                 {});
     runner.WaitForIdle();
     QCOMPARE(stages, (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"),
                                   QStringLiteral("d")}));
@@ -93,13 +98,15 @@ class JobRunnerTest : public QObject {
     QElapsedTimer elapsed;
     elapsed.start();
     qint64 calls = 0;
-    runner.Start(QStringLiteral("job"), [&](const ProgressCallback& progress) {
-      // A tight loop for a third of a second, then a last stage reported once.
-      QElapsedTimer spin;
-      spin.start();
-      while (spin.elapsed() < 330) progress("a", calls++, 0);
-      progress("b", 1, 1);
-    }, {});
+    runner.Start(QStringLiteral("job"),
+                 [&](const ProgressCallback& progress) {
+                   // A tight loop for a third of a second, then a last stage reported once.
+                   QElapsedTimer spin;
+                   spin.start();
+                   while (spin.elapsed() < 330) progress("a", calls++, 0);
+                   progress("b", 1, 1);
+                 },
+                 {});
     // Events keep flowing meanwhile, so that the pending update is taken at once.
     runner.WaitForIdle();
     const auto allowed = elapsed.elapsed() / JobRunner::kMinUpdateInterval.count() + 2;
@@ -124,13 +131,16 @@ class JobRunnerTest : public QObject {
   void WaitForIdleWaitsForAJobStartedAtTheEnd() {
     JobRunner runner(nullptr, nullptr, nullptr);
     bool secondRan = false;
-    runner.Start(QStringLiteral("first"), [](const ProgressCallback&) { QThread::msleep(50); },
-                 [&](bool) {
-                   runner.Start(QStringLiteral("second"), [&](const ProgressCallback&) {
-                     QThread::msleep(50);
-                     secondRan = true;
-                   }, {});
-                 });
+    runner.Start(
+        QStringLiteral("first"), [](const ProgressCallback&) { QThread::msleep(50); },
+        [&](bool) {
+          runner.Start(QStringLiteral("second"),
+                       [&](const ProgressCallback&) {
+                         QThread::msleep(50);
+                         secondRan = true;
+                       },
+                       {});
+        });
     runner.WaitForIdle();
     QVERIFY(!runner.Busy());
     QVERIFY(secondRan);
@@ -143,12 +153,15 @@ class JobRunnerTest : public QObject {
     JobRunner runner(&bar, &stage, &cancel);
     std::atomic<int> steps{0};
     bool doneCancelled = false;
-    runner.Start(QStringLiteral("Loading"), [&](const ProgressCallback& progress) {
-      while (progress("step", steps, 0)) {
-        ++steps;
-        QThread::msleep(1);
-      }
-    }, [&](bool cancelled) { doneCancelled = cancelled; });
+    runner.Start(
+        QStringLiteral("Loading"),
+        [&](const ProgressCallback& progress) {
+          while (progress("step", steps, 0)) {
+            ++steps;
+            QThread::msleep(1);
+          }
+        },
+        [&](bool cancelled) { doneCancelled = cancelled; });
     QVERIFY(!bar.isHidden());
     QVERIFY(!cancel.isHidden());
     QTRY_VERIFY(steps > 3);
@@ -163,9 +176,10 @@ class JobRunnerTest : public QObject {
   void PostRunsOnTheUiThread() {
     JobRunner runner(nullptr, nullptr, nullptr);
     QThread* ranOn = nullptr;
-    runner.Start(QStringLiteral("job"), [&](const ProgressCallback&) {
-      runner.Post([&] { ranOn = QThread::currentThread(); });
-    }, {});
+    runner.Start(
+        QStringLiteral("job"),
+        [&](const ProgressCallback&) { runner.Post([&] { ranOn = QThread::currentThread(); }); },
+        {});
     runner.WaitForIdle();
     QTRY_COMPARE(ranOn, QThread::currentThread());
   }
@@ -174,10 +188,12 @@ class JobRunnerTest : public QObject {
     std::atomic<bool> stopped{false};
     {
       JobRunner runner(nullptr, nullptr, nullptr);
-      runner.Start(QStringLiteral("job"), [&](const ProgressCallback& progress) {
-        while (progress("spin", 0, 0)) QThread::msleep(1);
-        stopped = true;
-      }, {});
+      runner.Start(QStringLiteral("job"),
+                   [&](const ProgressCallback& progress) {
+                     while (progress("spin", 0, 0)) QThread::msleep(1);
+                     stopped = true;
+                   },
+                   {});
       QTest::qWait(20);
     }
     QVERIFY(stopped);

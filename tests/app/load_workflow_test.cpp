@@ -66,7 +66,8 @@ class LoadWorkflowTest : public QObject {
     for (int c = 0; c < columns; ++c) cells.push_back(QStringLiteral("cell%1").arg(c));
     cells[0] = QStringLiteral("Thu Sep 19 23:38:47 +0000 2013");
     cells[1] = QStringLiteral("ann");
-    cells[2] = QStringLiteral("A tweet long enough to pass the minimum length of the loader #tag @bob");
+    cells[2] =
+        QStringLiteral("A tweet long enough to pass the minimum length of the loader #tag @bob");
     const QByteArray line = cells.join(u'\t').toUtf8() + "\n";
     const QString path = f.Folder() + QStringLiteral("/corpus.txt");
     QFile file(path);
@@ -99,9 +100,10 @@ class LoadWorkflowTest : public QObject {
                               QStringLiteral(" to ") + last + QStringLiteral("]"),
                           base + QStringLiteral(" [, 5000 tweets loaded]")}));
     QCOMPARE(f.Window().windowTitle(), base + QStringLiteral(" [, 5000 tweets loaded]"));
-    QCOMPARE(f.Page().LoadProgressText(),
-             QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
-                            "to new fields...\r\nAll done :)"));
+    QCOMPARE(
+        f.Page().LoadProgressText(),
+        QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
+                       "to new fields...\r\nAll done :)"));
 
     QCOMPARE(Box(f, "MaxDocCount")->text(), QStringLiteral("5000"));
     const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
@@ -150,8 +152,9 @@ class LoadWorkflowTest : public QObject {
              QStringLiteral("Extracted Links"));
     // No short-link offer outside the Twitter1.1 format; the export is newest first, so the
     // sort by elapsed time gives its notice.
-    QCOMPARE(f.platform.Texts(),
-             QStringList{QStringLiteral("Documents need to be sorted. This might take a moment...")});
+    QCOMPARE(
+        f.platform.Texts(),
+        QStringList{QStringLiteral("Documents need to be sorted. This might take a moment...")});
   }
 
   void ViewerShowsTheExpressedFieldsOfTheChosenDocument() {
@@ -223,7 +226,8 @@ class LoadWorkflowTest : public QObject {
     const DocIndex count = f.Window().CurrentSession().Documents().DocumentCount();
     QCOMPARE(count, 40000);
     QCOMPARE(f.Find<QScrollBar>(QStringLiteral("DocViewScroll"))->maximum(), 40000);
-    QCOMPARE(f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->text(), QStringLiteral("42"));
+    QCOMPARE(f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->text(),
+             QStringLiteral("42"));
   }
 
   void MissingFileDoesNothing() {
@@ -275,7 +279,8 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(f.Page().LoadCorpus_Click());
     f.Window().Jobs().Cancel();
     QVERIFY(f.WaitIdle());
-    QCOMPARE(f.Page().LoadProgressText(), QStringLiteral("Loading cancelled: no corpus is loaded."));
+    QCOMPARE(f.Page().LoadProgressText(),
+             QStringLiteral("Loading cancelled: no corpus is loaded."));
     QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());

@@ -43,16 +43,16 @@ class PathSettingsTest : public QObject {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("stop");
     QTest::addColumn<QString>("graphviz");
-    QTest::newRow("two CR LF lines") << QByteArray("/a/common_words.txt\r\n/usr/bin\r\n")
-                                     << QStringLiteral("/a/common_words.txt")
-                                     << QStringLiteral("/usr/bin");
+    QTest::newRow("two CR LF lines")
+        << QByteArray("/a/common_words.txt\r\n/usr/bin\r\n")
+        << QStringLiteral("/a/common_words.txt") << QStringLiteral("/usr/bin");
     QTest::newRow("LF only") << QByteArray("/a/s.txt\n/g\n") << QStringLiteral("/a/s.txt")
                              << QStringLiteral("/g");
-    QTest::newRow("no final line end") << QByteArray("/a/s.txt\r\n/g") << QStringLiteral("/a/s.txt")
-                                       << QStringLiteral("/g");
+    QTest::newRow("no final line end")
+        << QByteArray("/a/s.txt\r\n/g") << QStringLiteral("/a/s.txt") << QStringLiteral("/g");
     QTest::newRow("empty file") << QByteArray() << QString() << QString();
-    QTest::newRow("one line") << QByteArray("/only/stop.txt\r\n") << QStringLiteral("/only/stop.txt")
-                              << QString();
+    QTest::newRow("one line") << QByteArray("/only/stop.txt\r\n")
+                              << QStringLiteral("/only/stop.txt") << QString();
     QTest::newRow("binary") << QByteArray("\x00\x01\xff\xfe/x\r\n\x02\x03", 10)
                             << QStringLiteral("\uFFFD\uFFFD/x") << QString();
     QTest::newRow("spaces and UTF-8 kept")
@@ -75,8 +75,8 @@ class PathSettingsTest : public QObject {
     TempDir dir;
     const QString file = Folder(dir) + QStringLiteral("/sub/folder/paths");
     QString error;
-    QVERIFY(SavePathSettings(file, {QStringLiteral("/s/common_words.txt"), QStringLiteral("/g/bin")},
-                             error));
+    QVERIFY(SavePathSettings(
+        file, {QStringLiteral("/s/common_words.txt"), QStringLiteral("/g/bin")}, error));
     QCOMPARE(QByteArray::fromStdString(ReadFile(file.toStdString())),
              QByteArray("/s/common_words.txt\r\n/g/bin\r\n"));
     // Saving again replaces the file; empty paths still give two lines.
@@ -133,21 +133,25 @@ class PathSettingsTest : public QObject {
     QDir().mkpath(root + QStringLiteral("/other"));
     QFile(root + QStringLiteral("/gv/bin/sfdp")).open(QIODevice::WriteOnly);
     QFile(root + QStringLiteral("/other/sfdp")).open(QIODevice::WriteOnly);
-    const QString path = root + QStringLiteral("/empty:") + root + QStringLiteral("/gv/bin/:") + root +
-                         QStringLiteral("/other");
-    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), path), root + QStringLiteral("/gv/bin"));
+    const QString path = root + QStringLiteral("/empty:") + root + QStringLiteral("/gv/bin/:") +
+                         root + QStringLiteral("/other");
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), path),
+             root + QStringLiteral("/gv/bin"));
   }
 
   void DefaultGraphvizFolderFallsBackOnProgramBin() {
     TempDir dir;
-    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)), QStringLiteral("/prog/bin"));
-    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), QString()), QStringLiteral("/prog/bin"));
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)),
+             QStringLiteral("/prog/bin"));
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), QString()),
+             QStringLiteral("/prog/bin"));
   }
 
   void AFolderNamedSfdpIsNoProgram() {
     TempDir dir;
     QDir().mkpath(Folder(dir) + QStringLiteral("/sfdp"));
-    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)), QStringLiteral("/prog/bin"));
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)),
+             QStringLiteral("/prog/bin"));
   }
 };
 

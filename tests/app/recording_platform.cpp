@@ -17,8 +17,7 @@ Answer RecordingPlatform::Ask(const QString& text, const QString& title, Questio
   return buttons == QuestionButtons::kYesNo ? Answer::kNo : Answer::kCancel;
 }
 
-QString RecordingPlatform::GetOpenFileNameFiltered(const QString& caption,
-                                                   const QString& fileName,
+QString RecordingPlatform::GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
                                                    const QString& filter) {
   dialogFilters.push_back(filter);
   return GetOpenFileName(caption, fileName);

@@ -68,13 +68,15 @@ class RelatedTermsTest : public QObject {
     const QRegularExpression score(QStringLiteral("^[01]\\.\\d{3}$"));
     const QRegularExpression df(QStringLiteral("^\\d{4,}$"));
     for (const auto& [term2, cosine] : expected) {
-      QCOMPARE(model.CellText(row, RelatedTermsModel::kTerm), QString::fromStdString(index.Term(term2)));
+      QCOMPARE(model.CellText(row, RelatedTermsModel::kTerm),
+               QString::fromStdString(index.Term(term2)));
       QCOMPARE(model.CellText(row, RelatedTermsModel::kScore),
                QString::fromStdString(FormatNumber(cosine, "0.000")));
       QVERIFY(score.match(model.CellText(row, RelatedTermsModel::kScore)).hasMatch());
       QCOMPARE(model.CellText(row, RelatedTermsModel::kDocFreq).toInt(), index.DocFreq(term2));
       QVERIFY(df.match(model.CellText(row, RelatedTermsModel::kDocFreq)).hasMatch());
-      if (term2 == t) QCOMPARE(model.CellText(row, RelatedTermsModel::kScore), QStringLiteral("1.000"));
+      if (term2 == t)
+        QCOMPARE(model.CellText(row, RelatedTermsModel::kScore), QStringLiteral("1.000"));
       ++row;
     }
     QCOMPARE(window_->List()->currentIndex().row(), 0);
@@ -94,7 +96,8 @@ class RelatedTermsTest : public QObject {
     QCOMPARE(options.size(), 2);
     for (QRadioButton* option : options) {
       const int index = option->property("index").toInt();
-      QCOMPARE(option->text(), index == 1 ? QStringLiteral("Same Tweet") : QStringLiteral("Same Interval"));
+      QCOMPARE(option->text(),
+               index == 1 ? QStringLiteral("Same Tweet") : QStringLiteral("Same Interval"));
       QCOMPARE(option->isChecked(), index == 0);
     }
     QTableView* list = window_->List();
@@ -147,7 +150,9 @@ class RelatedTermsTest : public QObject {
     QTableView* words = f_->Page().TermListView(IndexKind::kWords);
     const QModelIndexList rows = words->selectionModel()->selectedRows();
     QCOMPARE(rows.size(), 1);
-    QCOMPARE(f_->Page().TermList(IndexKind::kWords).CellText(rows[0].row(), app::TermListModel::kTerm), term);
+    QCOMPARE(
+        f_->Page().TermList(IndexKind::kWords).CellText(rows[0].row(), app::TermListModel::kTerm),
+        term);
   }
 
   void HeaderClicksSortAndReverse() {
@@ -156,14 +161,17 @@ class RelatedTermsTest : public QObject {
     QHeaderView* header = window_->List()->horizontalHeader();
     emit header->sectionClicked(RelatedTermsModel::kScore);
     QCOMPARE(model.SortOrder(), Qt::AscendingOrder);
-    for (int row = 1; row < model.rowCount(); ++row) QVERIFY(model.RowAt(row - 1).score <= model.RowAt(row).score);
+    for (int row = 1; row < model.rowCount(); ++row)
+      QVERIFY(model.RowAt(row - 1).score <= model.RowAt(row).score);
     emit header->sectionClicked(RelatedTermsModel::kScore);
     QCOMPARE(model.SortOrder(), Qt::DescendingOrder);
-    for (int row = 1; row < model.rowCount(); ++row) QVERIFY(model.RowAt(row - 1).score >= model.RowAt(row).score);
+    for (int row = 1; row < model.rowCount(); ++row)
+      QVERIFY(model.RowAt(row - 1).score >= model.RowAt(row).score);
     QCOMPARE(model.CellText(0, RelatedTermsModel::kScore), QStringLiteral("1.000"));
     emit header->sectionClicked(RelatedTermsModel::kDocFreq);
     QCOMPARE(model.SortColumn(), int(RelatedTermsModel::kDocFreq));
-    for (int row = 1; row < model.rowCount(); ++row) QVERIFY(model.RowAt(row - 1).docFreq <= model.RowAt(row).docFreq);
+    for (int row = 1; row < model.rowCount(); ++row)
+      QVERIFY(model.RowAt(row - 1).docFreq <= model.RowAt(row).docFreq);
     emit header->sectionClicked(RelatedTermsModel::kTerm);
     for (int row = 1; row < model.rowCount(); ++row) {
       QVERIFY(model.CellText(row - 1, 0).compare(model.CellText(row, 0), Qt::CaseInsensitive) <= 0);

@@ -23,7 +23,8 @@ int main(int argc, char** argv) {
     return 1;
   }
   if (image.width() < 1000 || image.height() < 600) {
-    std::fprintf(stderr, "picture of %dx%d is smaller than the window\n", image.width(), image.height());
+    std::fprintf(stderr, "picture of %dx%d is smaller than the window\n", image.width(),
+                 image.height());
     return 1;
   }
   // Rows of the term-list area (or the message list) that hold text: a few dark pixels on a

@@ -37,8 +37,9 @@ QString AskedLink(const QString& target) {
 StubReply Service(const QString& target) {
   const QString link = AskedLink(target);
   if (link == QStringLiteral("http://ab.cd/x")) {
-    return {200, ExpandReplyXml("http://www.example-news.org/storm/marisol-landfall.html", "Landfall"), 0,
-            false};
+    return {200,
+            ExpandReplyXml("http://www.example-news.org/storm/marisol-landfall.html", "Landfall"),
+            0, false};
   }
   if (link == QStringLiteral("http://t.co/404")) return {404, "not here", 0, false};
   return {200, "<response><error>unknown</error></response>", 0, false};
@@ -61,11 +62,16 @@ QString WriteCorpus(const QString& folder) {
   const QString path = folder + QStringLiteral("/links.txt");
   QFile file(path);
   file.open(QIODevice::WriteOnly);
-  file.write(Line("ann", "Storm surge expected along the harbour this evening, stay safe", "http://ab.cd/x"));
-  file.write(Line("bob", "Read the full story about the storm and the harbour tonight", "http://www.abcdefgh.ij/x"));
-  file.write(Line("cy", "Second link to the same short story about the harbour storm", "http://ab.cd/x"));
-  file.write(Line("dee", "A link the service has never seen in the storm coverage today", "http://t.co/404"));
-  file.write(Line("eve", "And one more that gives no long link at all for the harbour", "http://ef.gh/q"));
+  file.write(Line("ann", "Storm surge expected along the harbour this evening, stay safe",
+                  "http://ab.cd/x"));
+  file.write(Line("bob", "Read the full story about the storm and the harbour tonight",
+                  "http://www.abcdefgh.ij/x"));
+  file.write(
+      Line("cy", "Second link to the same short story about the harbour storm", "http://ab.cd/x"));
+  file.write(Line("dee", "A link the service has never seen in the storm coverage today",
+                  "http://t.co/404"));
+  file.write(
+      Line("eve", "And one more that gives no long link at all for the harbour", "http://ef.gh/q"));
   return path;
 }
 
@@ -86,15 +92,19 @@ class ShortUrlTest : public QObject {
     QTest::addColumn<QString>("url");
     QTest::addColumn<bool>("strip");
     QTest::addColumn<QString>("host");
-    QTest::newRow("www and path") << QStringLiteral("http://www.ab.cd/xyz") << true << QStringLiteral("ab.cd");
-    QTest::newRow("first label stripped") << QStringLiteral("http://news.abcdefgh.ij/x") << true
-                                          << QStringLiteral("abcdefgh.ij");
+    QTest::newRow("www and path") << QStringLiteral("http://www.ab.cd/xyz") << true
+                                  << QStringLiteral("ab.cd");
+    QTest::newRow("first label stripped")
+        << QStringLiteral("http://news.abcdefgh.ij/x") << true << QStringLiteral("abcdefgh.ij");
     QTest::newRow("first label kept") << QStringLiteral("http://news.abcdefgh.ij/x") << false
                                       << QStringLiteral("news.abcdefgh.ij");
-    QTest::newRow("short link") << QStringLiteral("http://ab.cd/x") << true << QStringLiteral("ab.cd");
+    QTest::newRow("short link") << QStringLiteral("http://ab.cd/x") << true
+                                << QStringLiteral("ab.cd");
     QTest::newRow("no slash") << QStringLiteral("http://t.co") << true << QStringLiteral("t.co");
-    QTest::newRow("https stays") << QStringLiteral("https://t.co/x") << true << QStringLiteral("https:");
-    QTest::newRow("every www removed") << QStringLiteral("www.a.www.b/c") << false << QStringLiteral("a.b");
+    QTest::newRow("https stays") << QStringLiteral("https://t.co/x") << true
+                                 << QStringLiteral("https:");
+    QTest::newRow("every www removed")
+        << QStringLiteral("www.a.www.b/c") << false << QStringLiteral("a.b");
     QTest::newRow("empty") << QString() << true << QString();
   }
 
@@ -107,7 +117,8 @@ class ShortUrlTest : public QObject {
 
   void ParsesReplies() {
     const auto full = app::ParseExpandReply(
-        "<r><long-url><![CDATA[http://long.example/a]]></long-url><title><![CDATA[A title]]></title>"
+        "<r><long-url><![CDATA[http://long.example/a]]></long-url><title><![CDATA[A "
+        "title]]></title>"
         "<meta-keywords><![CDATA[storm, harbour]]></meta-keywords></r>");
     QVERIFY(full.has_value());
     QCOMPARE(full->longURL, std::string("http://long.example/a"));
@@ -126,19 +137,22 @@ class ShortUrlTest : public QObject {
     const ShortUrlExpander expander(QStringLiteral("http://svc.example/"));
     QCOMPARE(expander.RequestAddress("http://ab.cd/x?a=1", false, false),
              QStringLiteral("http://svc.example/v2/expand?url=http://ab.cd/x?a=1"));
-    QCOMPARE(expander.RequestAddress("http://ab.cd/x", true, true),
-             QStringLiteral("http://svc.example/v2/expand?url=http://ab.cd/x&title=1&meta-keywords=1"));
+    QCOMPARE(
+        expander.RequestAddress("http://ab.cd/x", true, true),
+        QStringLiteral("http://svc.example/v2/expand?url=http://ab.cd/x&title=1&meta-keywords=1"));
   }
 
   void ExpandsAgainstTheStub_data() {
     QTest::addColumn<QString>("link");
     QTest::addColumn<QString>("longLink");
     QTest::addColumn<QString>("title");
-    QTest::newRow("200 with a long link") << QStringLiteral("http://ab.cd/x")
-                                          << QStringLiteral("http://www.example-news.org/storm/marisol-landfall.html")
-                                          << QStringLiteral("Landfall");
-    QTest::newRow("200 without a long link") << QStringLiteral("http://ef.gh/q") << QStringLiteral("http://ef.gh/q")
-                                             << QStringLiteral("<no title>");
+    QTest::newRow("200 with a long link")
+        << QStringLiteral("http://ab.cd/x")
+        << QStringLiteral("http://www.example-news.org/storm/marisol-landfall.html")
+        << QStringLiteral("Landfall");
+    QTest::newRow("200 without a long link")
+        << QStringLiteral("http://ef.gh/q") << QStringLiteral("http://ef.gh/q")
+        << QStringLiteral("<no title>");
     QTest::newRow("404") << QStringLiteral("http://t.co/404") << QStringLiteral("http://t.co/404")
                          << QStringLiteral("<no title>");
   }
@@ -154,12 +168,15 @@ class ShortUrlTest : public QObject {
     const ExpandedURL result = expander.ExpandShortURL(link.toStdString(), true, false);
     QCOMPARE(QString::fromStdString(result.longURL), longLink);
     QCOMPARE(QString::fromStdString(result.title), title);
-    QCOMPARE(server.requests, QStringList{QStringLiteral("/v2/expand?url=") + link + QStringLiteral("&title=1")});
+    QCOMPARE(server.requests,
+             QStringList{QStringLiteral("/v2/expand?url=") + link + QStringLiteral("&title=1")});
   }
 
   void SlowReplyIsGivenUpAfterFiveSeconds() {
     StubHttpServer server;
-    server.handler = [](const QString&) { return StubReply{200, ExpandReplyXml("http://late.example/x"), 7000, false}; };
+    server.handler = [](const QString&) {
+      return StubReply{200, ExpandReplyXml("http://late.example/x"), 7000, false};
+    };
     QVERIFY(server.Listen());
     ShortUrlExpander expander(server.BaseAddress());
     QElapsedTimer timer;
@@ -188,8 +205,8 @@ class ShortUrlTest : public QObject {
     ShortUrlExpander expander(server.BaseAddress());
     QElapsedTimer timer;
     timer.start();
-    const ExpandedURL result =
-        expander.ExpandShortURL("http://ab.cd/x", false, false, [&] { return timer.elapsed() > 300; });
+    const ExpandedURL result = expander.ExpandShortURL("http://ab.cd/x", false, false,
+                                                       [&] { return timer.elapsed() > 300; });
     QCOMPARE(result.longURL, std::string("http://ab.cd/x"));
     QVERIFY(timer.elapsed() < 2000);
   }
@@ -209,13 +226,14 @@ class ShortUrlTest : public QObject {
     ShortUrlExpander expander(server.BaseAddress());
     app::ShortURLReport report;
     QStringList texts;
-    const LoadReport load = LoadCorpus(session, options, notifier, {}, [&](Session& s, LoadReport&) {
-      report = app::ResolveShortURLs(
-          s, corpusPath,
-          [&](std::string_view link) { return expander.ExpandShortURL(link, false, false); },
-          [&](const std::string& text) { texts.push_back(QString::fromStdString(text)); });
-      return true;
-    });
+    const LoadReport load =
+        LoadCorpus(session, options, notifier, {}, [&](Session& s, LoadReport&) {
+          report = app::ResolveShortURLs(
+              s, corpusPath,
+              [&](std::string_view link) { return expander.ExpandShortURL(link, false, false); },
+              [&](const std::string& text) { texts.push_back(QString::fromStdString(text)); });
+          return true;
+        });
     QVERIFY2(load.loaded, load.error.c_str());
     QCOMPARE(report.links, 4);
     QCOMPARE(report.attempts, 3);  // ab.cd, t.co and ef.gh; abcdefgh.ij is long
@@ -224,7 +242,9 @@ class ShortUrlTest : public QObject {
     QCOMPARE(report.progressText,
              QStringLiteral("Attempting to resolve Short URLs:\r\nProcessed 4 out of 4 URLs\r\n"
                             "Attempted resolutions: 3\r\nSuccessful resolutions: 1Saving updated "
-                            "corpus to %1_\r\n").arg(path).toStdString());
+                            "corpus to %1_\r\n")
+                 .arg(path)
+                 .toStdString());
     QCOMPARE(texts.last(), QString::fromStdString(report.progressText));
     QCOMPARE(server.requests.size(), 3);
 
@@ -261,19 +281,24 @@ class ShortUrlTest : public QObject {
     const RecordedBox& offer = f.platform.boxes[0];
     QVERIFY(offer.question);
     QCOMPARE(offer.title, QStringLiteral("Expanding Short URLs"));
-    QCOMPARE(offer.text,
-             QStringLiteral("Sylvora can attempt to resolve Short URLs. This may take several minutes "
-                            "depending on the size of the file. \r\nThe resolved URLs will be saved to "
-                            "a new file named ") + path +
-                 QStringLiteral("_ .\r\nUsing this file in future sessions will result in faster load times."));
+    QCOMPARE(
+        offer.text,
+        QStringLiteral("Sylvora can attempt to resolve Short URLs. This may take several minutes "
+                       "depending on the size of the file. \r\nThe resolved URLs will be saved to "
+                       "a new file named ") +
+            path +
+            QStringLiteral(
+                "_ .\r\nUsing this file in future sessions will result in faster load times."));
     QVERIFY(QFile::exists(path + QStringLiteral("_")));
     QStringList texts;
     for (const auto& arguments : progress) texts.push_back(arguments.at(0).toString());
-    QVERIFY(texts.contains(QStringLiteral("Attempting to resolve Short URLs:\r\nProcessed 4 out of 4 URLs\r\n"
-                                          "Attempted resolutions: 3\r\nSuccessful resolutions: 1")));
-    QCOMPARE(f.Page().LoadProgressText(),
-             QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
-                            "to new fields...\r\nAll done :)"));
+    QVERIFY(texts.contains(
+        QStringLiteral("Attempting to resolve Short URLs:\r\nProcessed 4 out of 4 URLs\r\n"
+                       "Attempted resolutions: 3\r\nSuccessful resolutions: 1")));
+    QCOMPARE(
+        f.Page().LoadProgressText(),
+        QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
+                       "to new fields...\r\nAll done :)"));
     QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5);
 
     // The saved file loads without a new offer.
@@ -339,7 +364,8 @@ class ShortUrlTest : public QObject {
     f.Window().Jobs().Cancel();
     QVERIFY(f.WaitIdle());
     QVERIFY(timer.elapsed() < 2000);
-    QCOMPARE(f.Page().LoadProgressText(), QStringLiteral("Loading cancelled: no corpus is loaded."));
+    QCOMPARE(f.Page().LoadProgressText(),
+             QStringLiteral("Loading cancelled: no corpus is loaded."));
     QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
     QVERIFY(!QFile::exists(path + QStringLiteral("_")));
   }

@@ -1,9 +1,9 @@
 // Start-up of the main window: paths, warnings, caption, the controls' initial state, saving
 // the paths and a corpus named on the command line.
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -69,7 +69,8 @@ class StartupTest : public QObject {
     WindowFixture probe(options);  // only for a folder that holds bin/sfdp
     QDir().mkpath(probe.Folder() + QStringLiteral("/gv"));
     QFile(probe.Folder() + QStringLiteral("/gv/sfdp")).open(QIODevice::WriteOnly);
-    options.settingsFile = (stop + QStringLiteral("\r\n") + probe.Folder() + QStringLiteral("/gv\r\n")).toUtf8();
+    options.settingsFile =
+        (stop + QStringLiteral("\r\n") + probe.Folder() + QStringLiteral("/gv\r\n")).toUtf8();
     WindowFixture f(options);
     QCOMPARE(f.platform.Texts(), QStringList());
     QCOMPARE(Box(f, "GraphVisPath")->text(), probe.Folder() + QStringLiteral("/gv"));
@@ -93,7 +94,8 @@ class StartupTest : public QObject {
 
   void CaptionCarriesTheProjectVersion() {
     WindowFixture f;
-    QCOMPARE(f.Window().windowTitle(), QStringLiteral("Sylvora v") + QStringLiteral(SYLVORA_TEST_VERSION));
+    QCOMPARE(f.Window().windowTitle(),
+             QStringLiteral("Sylvora v") + QStringLiteral(SYLVORA_TEST_VERSION));
   }
 
   void ControlsStartAsSpecified() {
@@ -114,7 +116,8 @@ class StartupTest : public QObject {
     QCOMPARE(df[1]->toolTip(),
              QStringLiteral("Remove index terms that occur in more than <this>% of all documents"));
     QCOMPARE(Box(f, "MinChars")->text(), QStringLiteral("3"));
-    QCOMPARE(Box(f, "MinChars")->toolTip(), QStringLiteral("Remove tokens of less than this length"));
+    QCOMPARE(Box(f, "MinChars")->toolTip(),
+             QStringLiteral("Remove tokens of less than this length"));
     const auto* port = f.Find<QCheckBox>(QStringLiteral("Port"));
     QVERIFY(port->isChecked());
     QCOMPARE(port->text(), QStringLiteral("Porter stemming"));
@@ -128,16 +131,21 @@ class StartupTest : public QObject {
     QCOMPARE(Box(f, "SecDF")->text(), QStringLiteral("2"));
     QCOMPARE(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text(),
              QStringLiteral("Click button above to start indexing..."));
-    QCOMPARE(f.Find<QPushButton>(QStringLiteral("LoadCorpus"))->text(), QStringLiteral("Load Twitter File"));
-    QCOMPARE(f.Find<QPushButton>(QStringLiteral("GetCorpusFilePath"))->text(), QStringLiteral("Browse"));
-    QCOMPARE(f.Find<QPushButton>(QStringLiteral("DoIndex"))->text(), QStringLiteral("Create Tweet Indexes"));
+    QCOMPARE(f.Find<QPushButton>(QStringLiteral("LoadCorpus"))->text(),
+             QStringLiteral("Load Twitter File"));
+    QCOMPARE(f.Find<QPushButton>(QStringLiteral("GetCorpusFilePath"))->text(),
+             QStringLiteral("Browse"));
+    QCOMPARE(f.Find<QPushButton>(QStringLiteral("DoIndex"))->text(),
+             QStringLiteral("Create Tweet Indexes"));
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
     QVERIFY(!f.Find<QGroupBox>(QStringLiteral("TDM_Frame"))->isEnabled());
-    QCOMPARE(f.Find<QGroupBox>(QStringLiteral("Paths_Frame"))->title(), QStringLiteral("Set Paths"));
+    QCOMPARE(f.Find<QGroupBox>(QStringLiteral("Paths_Frame"))->title(),
+             QStringLiteral("Set Paths"));
     QCOMPARE(f.Find<QPushButton>(QStringLiteral("SavePaths"))->text(), QStringLiteral("Save"));
     QCOMPARE(f.Find<QGroupBox>(QStringLiteral("SecIndexOptions_Frame"))->title(),
              QStringLiteral("Index Options for Tags, Links, Users, Mentions "));
-    QCOMPARE(f.Find<QGroupBox>(QStringLiteral("LoadOptions_Frame"))->title(), QStringLiteral("Load Options"));
+    QCOMPARE(f.Find<QGroupBox>(QStringLiteral("LoadOptions_Frame"))->title(),
+             QStringLiteral("Load Options"));
     QCOMPARE(f.Find<QGroupBox>(QStringLiteral("WordIndexOptions_Frame"))->title(),
              QStringLiteral("Word Index Options"));
     const auto* tabs = f.Find<QTabWidget>(QStringLiteral("MainTabs"));
@@ -198,9 +206,10 @@ class StartupTest : public QObject {
     QCOMPARE(f.platform.boxes.size(), 2);
     QCOMPARE(f.platform.boxes[0].title, QStringLiteral("Expanding Short URLs"));
     QVERIFY(!f.platform.boxes[0].question);
-    QCOMPARE(f.platform.boxes[1].text,
-             QStringLiteral("'") + options.commandLine +
-                 QStringLiteral("' was successfully loaded. Click 'Create Tweet Indexes' to proceed"));
+    QCOMPARE(
+        f.platform.boxes[1].text,
+        QStringLiteral("'") + options.commandLine +
+            QStringLiteral("' was successfully loaded. Click 'Create Tweet Indexes' to proceed"));
     QCOMPARE(f.platform.boxes[1].icon, MessageIcon::kInformation);
     QCOMPARE(f.Window().windowTitle(),
              app::BaseCaption() + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]"));

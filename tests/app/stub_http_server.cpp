@@ -44,11 +44,13 @@ void StubHttpServer::Serve(QTcpSocket* socket) {
   requests.push_back(target);
   const StubReply reply = handler ? handler(target) : StubReply{404, {}, 0, false};
   if (reply.never) return;
-  const QByteArray reason = reply.status == 200 ? "OK" : reply.status == 404 ? "Not Found" : "Error";
-  QByteArray response = "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason +
-                        "\r\nContent-Type: text/xml\r\nContent-Length: " +
-                        QByteArray::number(reply.body.size()) + "\r\nConnection: close\r\n\r\n" +
-                        reply.body;
+  const QByteArray reason = reply.status == 200   ? "OK"
+                            : reply.status == 404 ? "Not Found"
+                                                  : "Error";
+  QByteArray response =
+      "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason +
+      "\r\nContent-Type: text/xml\r\nContent-Length: " + QByteArray::number(reply.body.size()) +
+      "\r\nConnection: close\r\n\r\n" + reply.body;
   QPointer<QTcpSocket> guarded(socket);
   QTimer::singleShot(reply.delayMs, this, [guarded, response] {
     if (!guarded) return;

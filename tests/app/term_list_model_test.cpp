@@ -47,8 +47,8 @@ class TermListModelTest : public QObject {
     model.SetIndex(&index);
     QCOMPARE(model.rowCount(), 3);
     QCOMPARE(model.columnCount(), 6);
-    QCOMPARE(Column(model, 0), (QStringList{QStringLiteral("Cc"), QStringLiteral("aa"),
-                                            QStringLiteral("bb")}));
+    QCOMPARE(Column(model, 0),
+             (QStringList{QStringLiteral("Cc"), QStringLiteral("aa"), QStringLiteral("bb")}));
     QCOMPARE(Column(model, 1), (QStringList{QStringLiteral("00001"), QStringLiteral("00002"),
                                             QStringLiteral("00002")}));
     QCOMPARE(Column(model, 2), (QStringList{QStringLiteral("00001"), QStringLiteral("00003"),
@@ -78,8 +78,10 @@ class TermListModelTest : public QObject {
     QTest::newRow("first click on column 1") << QList<int>{1} << 1 << int(Qt::AscendingOrder);
     QTest::newRow("same column twice") << QList<int>{1, 1} << 1 << int(Qt::DescendingOrder);
     QTest::newRow("same column three times") << QList<int>{1, 1, 1} << 1 << int(Qt::AscendingOrder);
-    QTest::newRow("other column keeps direction") << QList<int>{1, 1, 2} << 2 << int(Qt::DescendingOrder);
-    QTest::newRow("first click on the key column") << QList<int>{0} << 0 << int(Qt::DescendingOrder);
+    QTest::newRow("other column keeps direction")
+        << QList<int>{1, 1, 2} << 2 << int(Qt::DescendingOrder);
+    QTest::newRow("first click on the key column")
+        << QList<int>{0} << 0 << int(Qt::DescendingOrder);
   }
 
   void HeaderClickRule() {
@@ -99,17 +101,17 @@ class TermListModelTest : public QObject {
     TermListModel model;
     model.SetIndex(&index);
     model.sort(0, Qt::AscendingOrder);
-    QCOMPARE(Column(model, 0), (QStringList{QStringLiteral("aa"), QStringLiteral("bb"),
-                                            QStringLiteral("Cc")}));
+    QCOMPARE(Column(model, 0),
+             (QStringList{QStringLiteral("aa"), QStringLiteral("bb"), QStringLiteral("Cc")}));
     model.sort(1, Qt::DescendingOrder);  // aa and bb both 00002: term order
-    QCOMPARE(Column(model, 0), (QStringList{QStringLiteral("aa"), QStringLiteral("bb"),
-                                            QStringLiteral("Cc")}));
+    QCOMPARE(Column(model, 0),
+             (QStringList{QStringLiteral("aa"), QStringLiteral("bb"), QStringLiteral("Cc")}));
     model.sort(2, Qt::DescendingOrder);
-    QCOMPARE(Column(model, 0), (QStringList{QStringLiteral("aa"), QStringLiteral("bb"),
-                                            QStringLiteral("Cc")}));
+    QCOMPARE(Column(model, 0),
+             (QStringList{QStringLiteral("aa"), QStringLiteral("bb"), QStringLiteral("Cc")}));
     model.sort(2, Qt::AscendingOrder);
-    QCOMPARE(Column(model, 0), (QStringList{QStringLiteral("Cc"), QStringLiteral("bb"),
-                                            QStringLiteral("aa")}));
+    QCOMPARE(Column(model, 0),
+             (QStringList{QStringLiteral("Cc"), QStringLiteral("bb"), QStringLiteral("aa")}));
     QCOMPARE(model.TermAt(0), 1);
   }
 

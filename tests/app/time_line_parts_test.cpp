@@ -69,14 +69,20 @@ class TimeLinePartsTest : public QObject {
   void CaptionsOfEachKind() {
     const QString s = QStringLiteral("2013-09-02 00:00:00");
     const QString e = QStringLiteral("2013-09-03 00:00:00");
-    QCOMPARE(IntervalSummary(12, s, e),
-             QStringLiteral("SHOWING THE 12 TWEETS FROM: 2013-09-02 00:00:00 TO: 2013-09-03 00:00:00"));
+    QCOMPARE(
+        IntervalSummary(12, s, e),
+        QStringLiteral("SHOWING THE 12 TWEETS FROM: 2013-09-02 00:00:00 TO: 2013-09-03 00:00:00"));
     const std::tuple<IndexKind, QString, QString> cases[] = {
-        {IndexKind::kWords, QStringLiteral("storm"), QStringLiteral("SHOWING THE 3 OCCURRENCES OF storm FROM: ")},
-        {IndexKind::kHashtags, QStringLiteral("marisol"), QStringLiteral("SHOWING THE 3 OCCURRENCES OF #marisol FROM: ")},
-        {IndexKind::kMentions, QStringLiteral("wrenna"), QStringLiteral("SHOWING THE 3 MENTIONS OF @wrenna FROM: ")},
-        {IndexKind::kUsers, QStringLiteral("sandy_6"), QStringLiteral("SHOWING THE 3 TWEETS BY @sandy_6 FROM: ")},
-        {IndexKind::kLinks, QStringLiteral("http://x.org/a"), QStringLiteral("SHOWING THE 3 OCCURRENCES OF [http://x.org/a] FROM: ")},
+        {IndexKind::kWords, QStringLiteral("storm"),
+         QStringLiteral("SHOWING THE 3 OCCURRENCES OF storm FROM: ")},
+        {IndexKind::kHashtags, QStringLiteral("marisol"),
+         QStringLiteral("SHOWING THE 3 OCCURRENCES OF #marisol FROM: ")},
+        {IndexKind::kMentions, QStringLiteral("wrenna"),
+         QStringLiteral("SHOWING THE 3 MENTIONS OF @wrenna FROM: ")},
+        {IndexKind::kUsers, QStringLiteral("sandy_6"),
+         QStringLiteral("SHOWING THE 3 TWEETS BY @sandy_6 FROM: ")},
+        {IndexKind::kLinks, QStringLiteral("http://x.org/a"),
+         QStringLiteral("SHOWING THE 3 OCCURRENCES OF [http://x.org/a] FROM: ")},
     };
     for (const auto& [kind, term, start] : cases) {
       QCOMPARE(TermSummary(kind, 3, term, s, e), start + s + QStringLiteral(" TO: ") + e);
@@ -89,12 +95,9 @@ class TimeLinePartsTest : public QObject {
 
   void ListNumbers() {
     const std::tuple<float, const char*, QString> cases[] = {
-        {1.5f, "000.00", QStringLiteral("001.50")},
-        {123.456f, "000.00", QStringLiteral("123.46")},
-        {0.0f, "00.00", QStringLiteral("00.00")},
-        {7.0f, "000", QStringLiteral("007")},
-        {2.5f, "000", QStringLiteral("003")},
-        {0.285f, "0.00", QStringLiteral("0.29")},
+        {1.5f, "000.00", QStringLiteral("001.50")}, {123.456f, "000.00", QStringLiteral("123.46")},
+        {0.0f, "00.00", QStringLiteral("00.00")},   {7.0f, "000", QStringLiteral("007")},
+        {2.5f, "000", QStringLiteral("003")},       {0.285f, "0.00", QStringLiteral("0.29")},
         {1234.0f, "000", QStringLiteral("1234")},
     };
     for (const auto& [value, pattern, expected] : cases) {

@@ -3,8 +3,6 @@
 // the interval lists' columns and formats, the message captions of each term kind, the menus'
 // check marks, the event time line, the clipboard texts and the CSV files.
 #include <QAction>
-#include <cmath>
-#include <cstdio>
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
@@ -19,6 +17,8 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+#include <cmath>
+#include <cstdio>
 
 #include "app/cluster_explorer_page.h"
 #include "app/interval_term_model.h"
@@ -54,7 +54,8 @@ struct Indexed {
   TimeLineExplorerPage& Page() { return f.Window().TimeLine(); }
   Session& S() { return f.Window().CurrentSession(); }
   // Sets the options and builds; true when a job ran.
-  bool Build(const QString& length = QStringLiteral("24"), const QString& window = QStringLiteral("1")) {
+  bool Build(const QString& length = QStringLiteral("24"),
+             const QString& window = QStringLiteral("1")) {
     f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(length);
     f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(window);
     if (!Page().BuildModels_Click()) return false;
@@ -280,7 +281,8 @@ class TimeLineWorkflowTest : public QObject {
     for (int tab = 0; tab < 5; ++tab) {
       const IndexKind kind = app::kIntervalListOrder[static_cast<std::size_t>(tab)];
       const IntervalTermModel& list = w.Page().IntervalTerms(kind);
-      QCOMPARE(tabs->tabText(tab), QStringLiteral("%1 (%2)").arg(Q(captions[tab])).arg(list.rowCount()));
+      QCOMPARE(tabs->tabText(tab),
+               QStringLiteral("%1 (%2)").arg(Q(captions[tab])).arg(list.rowCount()));
       int expected = 0;
       const TextStream& model = w.S().Model(kind);
       for (std::int32_t t = 1; t <= w.S().Index(kind).TermCount(); ++t) {
@@ -321,13 +323,15 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.Build());
     const int interval = 5;
     w.Page().SelectInterval(interval);
-    QCOMPARE(IntervalTermModel::Headings(IndexKind::kWords),
-             (QStringList{QStringLiteral("Term"), QStringLiteral("Z-Score"), QStringLiteral("Ratio"),
-                          QStringLiteral("Temporal"), QStringLiteral("Docs"), QStringLiteral("First"),
-                          QStringLiteral("Sent+"), QStringLiteral("Sent-")}));
+    QCOMPARE(
+        IntervalTermModel::Headings(IndexKind::kWords),
+        (QStringList{QStringLiteral("Term"), QStringLiteral("Z-Score"), QStringLiteral("Ratio"),
+                     QStringLiteral("Temporal"), QStringLiteral("Docs"), QStringLiteral("First"),
+                     QStringLiteral("Sent+"), QStringLiteral("Sent-")}));
     QCOMPARE(IntervalTermModel::Headings(IndexKind::kHashtags).size(), 6);
-    QCOMPARE(IntervalTermModel::Headings(IndexKind::kUsers),
-             (QStringList{QStringLiteral("Term"), QStringLiteral("Docs"), QStringLiteral("First")}));
+    QCOMPARE(
+        IntervalTermModel::Headings(IndexKind::kUsers),
+        (QStringList{QStringLiteral("Term"), QStringLiteral("Docs"), QStringLiteral("First")}));
     const QRegularExpression score3(QStringLiteral("^-?\\d{3,}\\.\\d\\d$"));
     const QRegularExpression score2(QStringLiteral("^-?\\d{2,}\\.\\d\\d$"));
     const QRegularExpression whole3(QStringLiteral("^\\d{3,}$"));
@@ -343,7 +347,8 @@ class TimeLineWorkflowTest : public QObject {
       QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
       for (int c : {1, 2, 3}) {
         if (std::isfinite(c == 1 ? z[static_cast<std::size_t>(t)] : 0.0f)) {
-          QVERIFY2(score3.match(list.CellText(row, c)).hasMatch(), qPrintable(list.CellText(row, c)));
+          QVERIFY2(score3.match(list.CellText(row, c)).hasMatch(),
+                   qPrintable(list.CellText(row, c)));
         }
       }
       QVERIFY(whole3.match(list.CellText(row, 4)).hasMatch());
@@ -351,8 +356,10 @@ class TimeLineWorkflowTest : public QObject {
                static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
       QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
       QVERIFY2(mean.match(list.CellText(row, 6)).hasMatch(), qPrintable(list.CellText(row, 6)));
-      QVERIFY2(negativeMean.match(list.CellText(row, 7)).hasMatch(), qPrintable(list.CellText(row, 7)));
-      QCOMPARE(list.CellText(row, 2).toDouble(), std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
+      QVERIFY2(negativeMean.match(list.CellText(row, 7)).hasMatch(),
+               qPrintable(list.CellText(row, 7)));
+      QCOMPARE(list.CellText(row, 2).toDouble(),
+               std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
     }
     const IntervalTermModel& tags = w.Page().IntervalTerms(IndexKind::kHashtags);
     QVERIFY(tags.rowCount() > 0);
@@ -387,9 +394,12 @@ class TimeLineWorkflowTest : public QObject {
       w.Page().IntervalTerm_Click(kind, 0);
       const QString term = list.TermTextAt(0);
       const int k = w.Page().TweetList().rowCount();
-      QCOMPARE(k, list.CellText(0, kind == IndexKind::kWords || kind == IndexKind::kHashtags ? 4 : 1).toInt());
+      QCOMPARE(k,
+               list.CellText(0, kind == IndexKind::kWords || kind == IndexKind::kHashtags ? 4 : 1)
+                   .toInt());
       QCOMPARE(w.Page().TweetViewSummaryText(),
-               QStringLiteral("SHOWING THE %1").arg(k) + what.arg(kind == IndexKind::kLinks ? term.left(80) : term) + range);
+               QStringLiteral("SHOWING THE %1").arg(k) +
+                   what.arg(kind == IndexKind::kLinks ? term.left(80) : term) + range);
       QCOMPARE(located.size(), 1);
       // The same term is selected in its all-term list.
       QTableView* all = w.f.Page().TermListView(kind);
@@ -445,11 +455,13 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(tweets.CellText(0, last), QString::number(tweets.DocumentAt(0)));
     QCOMPARE(w.Page().TweetView()->columnWidth(last), 1);
     // Header clicks alternate: ascending, descending, ascending.
-    for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder, Qt::AscendingOrder}) {
+    for (const Qt::SortOrder order :
+         {Qt::AscendingOrder, Qt::DescendingOrder, Qt::AscendingOrder}) {
       w.Page().TweetView_HeaderClick(1);
       QCOMPARE(tweets.SortOrder(), order);
       for (int row = 1; row < tweets.rowCount(); ++row) {
-        const int compared = tweets.CellText(row - 1, 1).compare(tweets.CellText(row, 1), Qt::CaseInsensitive);
+        const int compared =
+            tweets.CellText(row - 1, 1).compare(tweets.CellText(row, 1), Qt::CaseInsensitive);
         QVERIFY(order == Qt::AscendingOrder ? compared <= 0 : compared >= 0);
       }
     }
@@ -545,14 +557,16 @@ class TimeLineWorkflowTest : public QObject {
     const QString path = w.f.Folder() + QStringLiteral("/events.txt");
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("2013-09-10 12:00:00\tLandfall\textra\r\nno tab on this line\r\n"
-               "someday\tNot a date\r\n\r\n09/09/2013 08:00\tWarning issued\r\n");
+    file.write(
+        "2013-09-10 12:00:00\tLandfall\textra\r\nno tab on this line\r\n"
+        "someday\tNot a date\r\n\r\n09/09/2013 08:00\tWarning issued\r\n");
     file.close();
     w.f.platform.chosenFiles.push_back(path);
     w.f.platform.boxes.clear();
     w.Page().GetTL_Click();
     QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("2 line(s) of the event file were skipped")));
+    QVERIFY(w.f.platform.boxes[0].text.startsWith(
+        QStringLiteral("2 line(s) of the event file were skipped")));
     auto* list = w.f.Find<QComboBox>(QStringLiteral("EventList"));
     QCOMPARE(list->count(), 2);
     QCOMPARE(list->itemText(0), QStringLiteral("2013-09-10 12:00:00-Landfall-extra"));
@@ -597,11 +611,13 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.Build());
     QTableView* users = w.f.Page().TermListView(IndexKind::kUsers);
     const app::TermListModel& list = w.f.Page().TermList(IndexKind::kUsers);
-    users->selectionModel()->select(list.index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    users->selectionModel()->select(list.index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    users->selectionModel()->select(list.index(2, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    users->selectionModel()->select(list.index(0, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
     w.Page().Action(QStringLiteral("mCopySelectedUsers"))->trigger();
-    QCOMPARE(w.f.platform.clipboardText,
-             list.CellText(0, 0) + QStringLiteral("\r\n") + list.CellText(2, 0) + QStringLiteral("\r\n"));
+    QCOMPARE(w.f.platform.clipboardText, list.CellText(0, 0) + QStringLiteral("\r\n") +
+                                             list.CellText(2, 0) + QStringLiteral("\r\n"));
 
     // "Follow URL" opens the link of the selected message.
     const TermDocumentMatrix& links = w.S().LinkIndex();
@@ -611,8 +627,8 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(w.f.platform.links.size(), 1);
     const DocumentSet& documents = w.S().Documents();
     const DocIndex doc = w.Page().TweetList().DocumentAt(0);
-    QCOMPARE(w.f.platform.links[0],
-             QString::fromUtf8(documents.Cell(doc, documents.URLField())).section(u' ', 0, 0, QString::SectionSkipEmpty));
+    QCOMPARE(w.f.platform.links[0], QString::fromUtf8(documents.Cell(doc, documents.URLField()))
+                                        .section(u' ', 0, 0, QString::SectionSkipEmpty));
     QCOMPARE(w.Page().TweetList().CellText(0, 4),
              QString::fromUtf8(documents.Cell(doc, documents.URLField())));
   }
@@ -645,7 +661,7 @@ class TimeLineWorkflowTest : public QObject {
     QFile file(tweets);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll().count("\r\n"), w.Page().TweetList().rowCount() + 1 +
-             0 /* no cell of the sample holds a line break */);
+                                               0 /* no cell of the sample holds a line break */);
 
     // An unwritable file is a message.
     w.f.platform.boxes.clear();
@@ -678,14 +694,17 @@ class TimeLineWorkflowTest : public QObject {
       const int interval = lens->LeftColumn() + column - 1;
       const double chartX = chartLeft + chart.ToPixels(interval, 0).x();
       const double lensX = lensLeft + lens->CellRect(1, column).left();
-      QVERIFY2(std::abs(chartX - lensX) < 1.0, qPrintable(QStringLiteral("%1 %2").arg(chartX).arg(lensX)));
+      QVERIFY2(std::abs(chartX - lensX) < 1.0,
+               qPrintable(QStringLiteral("%1 %2").arg(chartX).arg(lensX)));
     }
 
     // Hovering a lens cell hovers the chart: ChartDetails shows the chart's text.
     emit lens->CellMouseOver(7, 1);
     QCOMPARE(chart.HoverInterval(), 7);
     QCOMPARE(w.f.Find<QLabel>(QStringLiteral("ChartDetails"))->text(), chart.ChartDetails(7));
-    QVERIFY(w.f.Find<QLabel>(QStringLiteral("ChartDetails"))->text().contains(QStringLiteral("@ INT #7 (")));
+    QVERIFY(w.f.Find<QLabel>(QStringLiteral("ChartDetails"))
+                ->text()
+                .contains(QStringLiteral("@ INT #7 (")));
 
     // A click on the chart selects the interval everywhere.
     const QPointF at = chart.ToPixels(9.5, 0.5);

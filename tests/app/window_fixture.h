@@ -18,8 +18,8 @@
 namespace sylvora::testing {
 
 struct WindowOptions {
-  bool stopListBesideProgram = true;  // common_words.txt in the program folder
-  bool sfdpInProgramBin = true;       // an "sfdp" in the program folder's bin/
+  bool stopListBesideProgram = true;       // common_words.txt in the program folder
+  bool sfdpInProgramBin = true;            // an "sfdp" in the program folder's bin/
   std::optional<QByteArray> settingsFile;  // the bytes of "paths", when there is one
   QString commandLine;
   QString shortUrlService;  // written to sylvora.ini when not empty

@@ -20,7 +20,7 @@ struct CommandRun {
 };
 
 CommandRun RunCommand(int (*command)(const std::vector<std::string>&, std::ostream&, std::ostream&),
-               const std::vector<std::string>& arguments) {
+                      const std::vector<std::string>& arguments) {
   std::ostringstream out, err;
   const int code = command(arguments, out, err);
   return {code, out.str(), err.str()};
@@ -46,11 +46,12 @@ std::string WithoutFileAndTimes(const std::string& text) {
 }
 
 TEST(ImportCommands, IndexPrintsTheSameIndexesForTheThreeSampleFiles) {
-  const CommandRun tsv = RunCommand(RunIndexCommand, {Sample("sample_twitter11.txt"), "--stop-list", StopList()});
+  const CommandRun tsv =
+      RunCommand(RunIndexCommand, {Sample("sample_twitter11.txt"), "--stop-list", StopList()});
   const CommandRun json =
       RunCommand(RunIndexCommand, {Sample("sample_twitter_v2.jsonl"), "--stop-list", StopList()});
-  const CommandRun csv =
-      RunCommand(RunIndexCommand, {Sample("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
+  const CommandRun csv = RunCommand(
+      RunIndexCommand, {Sample("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
   ASSERT_EQ(tsv.code, 0) << tsv.err;
   ASSERT_EQ(json.code, 0) << json.err;
   ASSERT_EQ(csv.code, 0) << csv.err;
@@ -64,10 +65,10 @@ TEST(ImportCommands, IndexPrintsTheSameIndexesForTheThreeSampleFiles) {
 
 TEST(ImportCommands, LoadTakesMapAndSkipBad) {
   testing::TempDir dir;
-  const std::string path = dir.WriteFile(
-      "posts.csv",
-      "posted,who,body\n2013-09-09T10:00:00Z,ann,first #one\nlater,bob,bad date\n"
-      "2013-09-09T12:00:00Z,cy,third @ann\n");
+  const std::string path =
+      dir.WriteFile("posts.csv",
+                    "posted,who,body\n2013-09-09T10:00:00Z,ann,first #one\nlater,bob,bad date\n"
+                    "2013-09-09T12:00:00Z,cy,third @ann\n");
   CommandRun run = RunCommand(RunLoadCommand, {path});
   EXPECT_EQ(run.code, 1);
   EXPECT_TRUE(Has(run.err, "no column for the date-time role")) << run.err;
@@ -76,7 +77,8 @@ TEST(ImportCommands, LoadTakesMapAndSkipBad) {
   EXPECT_EQ(run.code, 1);
   EXPECT_TRUE(Has(run.err, "line 3: the date \"later\"")) << run.err;
 
-  run = RunCommand(RunLoadCommand, {path, "--map", "date=posted", "--map", "user=who", "--skip-bad"});
+  run =
+      RunCommand(RunLoadCommand, {path, "--map", "date=posted", "--map", "user=who", "--skip-bad"});
   ASSERT_EQ(run.code, 0) << run.err;
   EXPECT_TRUE(Has(run.out, "Shape:     named-column CSV\n")) << run.out;
   EXPECT_TRUE(Has(run.out, "Documents: 2\n")) << run.out;

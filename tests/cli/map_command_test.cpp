@@ -45,9 +45,17 @@ std::string SmallCorpus(const testing::TempDir& dir) {
 }
 
 std::vector<std::string> Arguments(const testing::TempDir& dir, std::vector<std::string> more) {
-  std::vector<std::string> arguments = {SmallCorpus(dir), "--min-doc-len", "0",  "--min-df",
-                                        "2",              "--max-df",      "24", "--stop-list",
-                                        StopList(),       "--yes",         "--out",
+  std::vector<std::string> arguments = {SmallCorpus(dir),
+                                        "--min-doc-len",
+                                        "0",
+                                        "--min-df",
+                                        "2",
+                                        "--max-df",
+                                        "24",
+                                        "--stop-list",
+                                        StopList(),
+                                        "--yes",
+                                        "--out",
                                         (dir.Path() / "map").string()};
   arguments.insert(arguments.end(), more.begin(), more.end());
   return arguments;
@@ -58,9 +66,11 @@ TEST(MapCommand, WritesTheWordMapAsTablesAndGraphMl) {
   testing::TempDir dir;
   const CommandRun run = Map(Arguments(dir, {"--graphviz", "/usr/bin"}));
   ASSERT_EQ(run.code, 0) << run.err;
-  EXPECT_TRUE(Has(run.out, "Map:       words (co-occurrence in the same tweet), 13 nodes, 12 links"))
+  EXPECT_TRUE(
+      Has(run.out, "Map:       words (co-occurrence in the same tweet), 13 nodes, 12 links"))
       << run.out;
-  EXPECT_TRUE(Has(run.out, "Tree neighbours of the 13 heaviest nodes (nearest first):\n  tonight ("))
+  EXPECT_TRUE(
+      Has(run.out, "Tree neighbours of the 13 heaviest nodes (nearest first):\n  tonight ("))
       << run.out;
   EXPECT_TRUE(Has(run.out, "  map: layout")) << run.out;
   const std::string nodes = testing::ReadFile(dir.Path() / "map_nodes.csv");
@@ -97,7 +107,8 @@ TEST(MapCommand, MissingGraphvizFailsWithAReason) {
 
 TEST(MapCommand, MissingIntervalFailsWithAReason) {
   testing::TempDir dir;
-  const CommandRun run = Map(Arguments(dir, {"--kind", "tweets", "--length", "6", "--interval", "9"}));
+  const CommandRun run =
+      Map(Arguments(dir, {"--kind", "tweets", "--length", "6", "--interval", "9"}));
   EXPECT_EQ(run.code, 1);
   EXPECT_TRUE(Has(run.err, "Error: There is no interval 9 (the model has 4)")) << run.err;
 }
@@ -118,13 +129,14 @@ TEST_P(MapCommandUsage, ExitsWithTwo) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, MapCommandUsage,
-    ::testing::Values(UsageCase{{}, "map takes one corpus file"},
-                      UsageCase{{"a.txt", "--kind", "maps"}, "--kind takes words, intervals or tweets"},
-                      UsageCase{{"a.txt", "--level", "doc"}, "--level takes tweet or interval"},
-                      UsageCase{{"a.txt", "--interval", "0"}, "--interval takes an interval number"},
-                      UsageCase{{"a.txt", "--interval", "x"}, ""},
-                      UsageCase{{"a.txt", "--neighbours", "-1"}, "--neighbours takes"},
-                      UsageCase{{"a.txt", "--colour", "red"}, ""}));
+    ::testing::Values(
+        UsageCase{{}, "map takes one corpus file"},
+        UsageCase{{"a.txt", "--kind", "maps"}, "--kind takes words, intervals or tweets"},
+        UsageCase{{"a.txt", "--level", "doc"}, "--level takes tweet or interval"},
+        UsageCase{{"a.txt", "--interval", "0"}, "--interval takes an interval number"},
+        UsageCase{{"a.txt", "--interval", "x"}, ""},
+        UsageCase{{"a.txt", "--neighbours", "-1"}, "--neighbours takes"},
+        UsageCase{{"a.txt", "--colour", "red"}, ""}));
 
 TEST(MapCommand, HelpPrintsTheUsage) {
   const CommandRun run = Map({"--help"});

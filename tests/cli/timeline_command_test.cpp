@@ -44,19 +44,17 @@ std::vector<std::string> Split(const std::string& text, char separator) {
 // Six-column tweets, one an hour from 10:00: date, user, text, positive, negative, extra.
 // Hours 10 and 11 talk about the storm, 12 and 13 about the power, 14 about both.
 std::string SmallCorpus(const testing::TempDir& dir) {
-  return dir.WriteFile(
-      "tweets.txt",
-      "20110105T10:00:00Z\tann\tstorm harbour flood\t2\t-1\t1\n"
-      "20110105T11:00:00Z\tbob\tstorm harbour\t4\t-3\t1\n"
-      "20110105T12:00:00Z\tann\tpower outage street http://t.co/abcdef\t1\t-2\t1\n"
-      "20110105T13:00:00Z\tcy\tpower outage\t3\t-1\t1\n"
-      "20110105T14:00:00Z\tcy\tstorm power\t1\t-1\t1\n");
+  return dir.WriteFile("tweets.txt",
+                       "20110105T10:00:00Z\tann\tstorm harbour flood\t2\t-1\t1\n"
+                       "20110105T11:00:00Z\tbob\tstorm harbour\t4\t-3\t1\n"
+                       "20110105T12:00:00Z\tann\tpower outage street http://t.co/abcdef\t1\t-2\t1\n"
+                       "20110105T13:00:00Z\tcy\tpower outage\t3\t-1\t1\n"
+                       "20110105T14:00:00Z\tcy\tstorm power\t1\t-1\t1\n");
 }
 
 std::vector<std::string> SmallArguments(const std::string& corpus) {
-  return {corpus,   "--min-doc-len", "0",          "--min-df", "1", "--max-df",
-          "100",    "--stop-list",   StopList(),   "--unit",   "h", "--length",
-          "2",      "--yes"};
+  return {corpus,        "--min-doc-len", "0",      "--min-df", "1",        "--max-df", "100",
+          "--stop-list", StopList(),      "--unit", "h",        "--length", "2",        "--yes"};
 }
 
 TEST(TimelineCommand, WritesOneCsvRowPerInterval) {
@@ -112,30 +110,30 @@ TEST(TimelineCommand, JsonCarriesTheSameRows) {
   arguments.insert(arguments.end(), {"--burst", "z", "--novelty-window", "2"});
   const CommandRun run = Timeline(arguments);
   ASSERT_EQ(run.code, 0) << run.err;
-  EXPECT_TRUE(Has(run.out, "\"interval_length\": 2,\n  \"unit\": \"h\",\n  \"interval_count\": 3,\n"
-                           "  \"novelty_window\": 2,\n  \"burst_measure\": \"z\",\n  \"trunk\": 9999,"))
+  EXPECT_TRUE(Has(run.out,
+                  "\"interval_length\": 2,\n  \"unit\": \"h\",\n  \"interval_count\": 3,\n"
+                  "  \"novelty_window\": 2,\n  \"burst_measure\": \"z\",\n  \"trunk\": 9999,"))
       << run.out;
-  EXPECT_TRUE(Has(run.out, "{\"interval\": 1, \"start\": \"2011-01-05 10:00:00\", \"documents\": 2, "
-                           "\"documents_with_links\": 0, \"novelty\": 0, "))
+  EXPECT_TRUE(Has(run.out,
+                  "{\"interval\": 1, \"start\": \"2011-01-05 10:00:00\", \"documents\": 2, "
+                  "\"documents_with_links\": 0, \"novelty\": 0, "))
       << run.out;
   EXPECT_TRUE(Has(run.out, "\"positive\": {\"mean\": 3, \"mode\": 2, \"median\": 4}")) << run.out;
   EXPECT_TRUE(Has(run.out, "\"bursts\": [{\"term\": ")) << run.out;
-  EXPECT_TRUE(run.out.ends_with("\"}\n  ]\n}\n"))
-      << run.out;
+  EXPECT_TRUE(run.out.ends_with("\"}\n  ]\n}\n")) << run.out;
 }
 
 TEST(TimelineCommand, AnEvenTermHasAnUndefinedZScore) {
   // "storm" and "harbour" are each in half the documents of every interval: their deviation
   // is 0.
   testing::TempDir dir;
-  const std::string corpus = dir.WriteFile(
-      "even.txt",
-      "20110105T10:00:00Z\tann\tstorm\t2\t-1\t1\n"
-      "20110105T10:10:00Z\tann\tharbour\t2\t-1\t1\n"
-      "20110105T11:00:00Z\tbob\tstorm\t4\t-3\t1\n"
-      "20110105T11:10:00Z\tbob\tharbour\t4\t-3\t1\n"
-      "20110105T12:00:00Z\tann\tstorm\t1\t-2\t1\n"
-      "20110105T12:10:00Z\tann\tharbour\t1\t-2\t1\n");
+  const std::string corpus = dir.WriteFile("even.txt",
+                                           "20110105T10:00:00Z\tann\tstorm\t2\t-1\t1\n"
+                                           "20110105T10:10:00Z\tann\tharbour\t2\t-1\t1\n"
+                                           "20110105T11:00:00Z\tbob\tstorm\t4\t-3\t1\n"
+                                           "20110105T11:10:00Z\tbob\tharbour\t4\t-3\t1\n"
+                                           "20110105T12:00:00Z\tann\tstorm\t1\t-2\t1\n"
+                                           "20110105T12:10:00Z\tann\tharbour\t1\t-2\t1\n");
   std::vector<std::string> arguments = SmallArguments(corpus);
   arguments[12] = "1";
   arguments.insert(arguments.end(), {"--burst", "z"});
@@ -225,17 +223,17 @@ TEST(TimelineCommand, EventsAreWrittenInTheirIntervals) {
 
 TEST(TimelineCommand, ACorpusInOneIntervalIsRefused) {
   testing::TempDir dir;
-  const std::string corpus = dir.WriteFile(
-      "short.txt",
-      "20110105T10:00:00Z\tann\tstorm harbour\t2\t-1\t1\n"
-      "20110105T10:20:00Z\tbob\tstorm harbour\t4\t-3\t1\n");
+  const std::string corpus = dir.WriteFile("short.txt",
+                                           "20110105T10:00:00Z\tann\tstorm harbour\t2\t-1\t1\n"
+                                           "20110105T10:20:00Z\tbob\tstorm harbour\t4\t-3\t1\n");
   const CommandRun run = Timeline(SmallArguments(corpus));
   EXPECT_EQ(run.code, 1);
   EXPECT_TRUE(Has(run.err, "Interval length too long")) << run.err;
 }
 
 // The rows of the bundled sample at one-day intervals, by interval.
-std::vector<std::vector<std::string>> SampleRows(const std::string& length, const std::string& unit) {
+std::vector<std::vector<std::string>> SampleRows(const std::string& length,
+                                                 const std::string& unit) {
   const CommandRun run =
       Timeline({(testing::SourceDir() / "data" / "sample_twitter11.txt").string(), "--length",
                 length, "--unit", unit, "--stop-list", StopList(), "--yes"});
@@ -282,9 +280,7 @@ TEST(TimelineCommand, TheSampleCorpusShowsItsThreeBursts) {
   // At six hours, volume jumps in the interval of each onset.
   const auto quarters = SampleRows("6", "h");
   ASSERT_EQ(quarters.size(), 72u);
-  const auto documents = [&](std::size_t interval) {
-    return std::stoi(quarters[interval - 1][2]);
-  };
+  const auto documents = [&](std::size_t interval) { return std::stoi(quarters[interval - 1][2]); };
   EXPECT_EQ(quarters[14][1].substr(0, 13), "2013-09-05 12");
   EXPECT_GT(documents(15), 3 * documents(11));  // 5 Sep 12-18 against the day before
   EXPECT_EQ(quarters[31][1].substr(0, 13), "2013-09-09 18");

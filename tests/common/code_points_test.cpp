@@ -6,7 +6,9 @@ namespace sylvora {
 namespace {
 
 TEST(CodePoints, CountsAndPositionsAreInCharactersNotBytes) {
-  const std::string text = "a\xC3\xA9\xE2\x82\xAC" "b";  // a é € b
+  const std::string text =
+      "a\xC3\xA9\xE2\x82\xAC"
+      "b";  // a é € b
   EXPECT_EQ(CodePointCount(text), 4u);
   EXPECT_EQ(ByteOffsetOfCharacter(text, 1), 0u);
   EXPECT_EQ(ByteOffsetOfCharacter(text, 3), 3u);

@@ -54,8 +54,7 @@ TEST(DateTime, DifferenceCountsBoundariesCrossed) {
   EXPECT_EQ(DateDiff(TimeUnit::kDay, a, b), 1);
   EXPECT_EQ(DateDiff(TimeUnit::kDay, b, a), -1);
   EXPECT_EQ(DateDiff(TimeUnit::kHour, At("2011-01-01 10:00:00"), At("2011-01-01 10:59:59")), 0);
-  EXPECT_EQ(DateDiff(TimeUnit::kMinute, At("1960-01-01 00:00:30"), At("1960-01-01 00:01:00")),
-            1);
+  EXPECT_EQ(DateDiff(TimeUnit::kMinute, At("1960-01-01 00:00:30"), At("1960-01-01 00:01:00")), 1);
 }
 
 TEST(DateTime, WeeksStartOnSunday) {

@@ -8,7 +8,9 @@ namespace sylvora {
 namespace {
 
 TEST(TextDecoding, ValidUtf8IsKeptAndLosesItsByteOrderMark) {
-  std::string text = "\xEF\xBB\xBF" "caf\xC3\xA9 \xE2\x82\xAC";
+  std::string text =
+      "\xEF\xBB\xBF"
+      "caf\xC3\xA9 \xE2\x82\xAC";
   EXPECT_EQ(DecodeText(text), SourceEncoding::kUtf8);
   EXPECT_EQ(text, "caf\xC3\xA9 \xE2\x82\xAC");
 }
@@ -20,7 +22,10 @@ TEST(TextDecoding, InvalidUtf8IsReadAsWindows1252) {
 }
 
 TEST(TextDecoding, Utf16WithByteOrderMarkIsRead) {
-  std::string little("\xFF\xFE" "a\0\xE9\0=\xD8\x00\xDE", 10);  // a é U+1F600
+  std::string little(
+      "\xFF\xFE"
+      "a\0\xE9\0=\xD8\x00\xDE",
+      10);  // a é U+1F600
   EXPECT_EQ(DecodeText(little), SourceEncoding::kUtf16);
   EXPECT_EQ(little, "a\xC3\xA9\xF0\x9F\x98\x80");
   std::string big("\xFE\xFF\0a\xD8\x00", 6);  // a, then an unpaired high surrogate

@@ -10,7 +10,8 @@ TEST(CellStore, StoredViewsSurviveLaterGrowth) {
   std::vector<std::string_view> cells;
   std::vector<std::string> expected;
   for (int i = 0; i < 20000; ++i) {  // several arena blocks
-    expected.push_back("cell number " + std::to_string(i) + std::string(static_cast<std::size_t>(i % 97), 'x'));
+    expected.push_back("cell number " + std::to_string(i) +
+                       std::string(static_cast<std::size_t>(i % 97), 'x'));
     cells.push_back(store.Store(expected.back()));
   }
   const std::string large(600000, 'L');  // bigger than a quarter block: a block of its own

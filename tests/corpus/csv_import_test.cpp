@@ -10,8 +10,8 @@
 namespace sylvora {
 namespace {
 
-constexpr FieldIndex kDate = 0, kUser = 1, kText = 2, kId = 3, kName = 4, kReposts = 11,
-                     kLink = 12, kPos = 13, kNeg = 14, kNet = 15;
+constexpr FieldIndex kDate = 0, kUser = 1, kText = 2, kId = 3, kName = 4, kReposts = 11, kLink = 12,
+                     kPos = 13, kNeg = 14, kNet = 15;
 
 bool Has(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
@@ -185,7 +185,8 @@ TEST_F(CsvImport, FailuresNameTheLineAndKeepNothing) {
       {"date,text\n2013-09-09T10:00:00Z,ok\nsoon,text\n",
        "'posts.csv' line 3: the date \"soon\" is in no layout known"},
       {"date,text\n,text\n", "'posts.csv' line 2: no date (column \"date\" is empty)"},
-      {"date,text\n2013-09-09T10:00:00Z,\n", "'posts.csv' line 2: no text (column \"text\" is empty)"},
+      {"date,text\n2013-09-09T10:00:00Z,\n",
+       "'posts.csv' line 2: no text (column \"text\" is empty)"},
       {"when,author,body\n2013-09-09T10:00:00Z,a,b\n",
        "'posts.csv' has no column for the date-time role"},
   };
@@ -210,7 +211,8 @@ TEST_F(CsvImport, SkipBadCountsBadRecordsButNotBrokenQuotes) {
 }
 
 TEST_F(CsvImport, Windows1252AndByteOrderMarkAndCrLf) {
-  ASSERT_EQ(Import("\xEF\xBB\xBF" "date,text\r\n2013-09-09T10:00:00Z,caf\xC3\xA9\r\n"),
+  ASSERT_EQ(Import("\xEF\xBB\xBF"
+                   "date,text\r\n2013-09-09T10:00:00Z,caf\xC3\xA9\r\n"),
             DetectionOutcome::kImport)
       << report_.error;
   EXPECT_EQ(Cell(0, kText), "caf\xC3\xA9");

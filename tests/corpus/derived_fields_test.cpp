@@ -27,8 +27,7 @@ TEST(ConvertDates, TwitterLayoutsBecomeDayMonthYearTime) {
   DocumentSet v11 = Texts({"Wed Aug 27 13:08:45 +0000 2008", "Sat Dec 31 23:59:59 +0000 2011",
                            "Wed Foo 27 13:08:45 +0000 2008"});
   v11.ConvertTwitterDateTimeField("Twitter1.1", 0);
-  EXPECT_EQ(Column(v11, 0),
-            (Cells{"27/08/08 13:08:45", "31/12/11 23:59:59", "27//08 13:08:45"}));
+  EXPECT_EQ(Column(v11, 0), (Cells{"27/08/08 13:08:45", "31/12/11 23:59:59", "27//08 13:08:45"}));
 
   DocumentSet other = Texts({"20110105T10:20:30Z"});
   other.ConvertTwitterDateTimeField("Radian", 0);
@@ -91,9 +90,9 @@ TEST(Links, FirstLongLinkIsMovedOutOfTheText) {
 }
 
 TEST(Links, AnExistingLinkFieldKeepsWhatItHolds) {
-  DocumentSet set = MakeSet({{"text http://new.example/1", "http://kept.example"},
-                             {"text http://new.example/2", ""}},
-                            11);
+  DocumentSet set = MakeSet(
+      {{"text http://new.example/1", "http://kept.example"}, {"text http://new.example/2", ""}},
+      11);
   ASSERT_TRUE(set.DeriveLinksField(0, "ignored", 1));
   EXPECT_EQ(set.FieldCount(), 3);
   EXPECT_EQ(Column(set, 1), (Cells{"http://kept.example", " http://new.example/2"}));
@@ -137,7 +136,8 @@ TEST(SortByInt, OtherRunsGetTheNoticeAndAStableSort) {
   // 2.5 rounds half to even: 2, the same key as "2", and stays before it.
   EXPECT_EQ(Column(set, 1), (Cells{"d", "a", "c", "e", "b"}));
   ASSERT_EQ(notifier.Messages().size(), 1u);
-  EXPECT_EQ(notifier.Messages()[0].text, "Documents need to be sorted. This might take a moment...");
+  EXPECT_EQ(notifier.Messages()[0].text,
+            "Documents need to be sorted. This might take a moment...");
   EXPECT_EQ(notifier.Messages()[0].title, "Ascending sort");
 
   // Now ascending with ties: a descending sort just reverses, so the tie flips too.
@@ -161,7 +161,8 @@ TEST(SortByInt, DescendingReversesWithASingleFall) {
 }
 
 TEST(SubSet, SelectsMatchingDocumentsWithTheSameLayout) {
-  DocumentSet set = MakeSet({{"a link", "x"}, {"nothing", "y"}, {"Link", "z"}, {"unlinked", "w"}}, 11);
+  DocumentSet set =
+      MakeSet({{"a link", "x"}, {"nothing", "y"}, {"Link", "z"}, {"unlinked", "w"}}, 11);
   set.SetContentField(0);
   set.SetFieldExpressed(2, false);
   const DocumentSet subset = set.SelectSubSetByString(0, "link");

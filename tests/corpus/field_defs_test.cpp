@@ -89,7 +89,8 @@ TEST(FieldDefs, UnknownCodeKeepsTheListAndExpressesEveryField) {
 TEST(FieldDefs, DefinitionFileGivesMarkersAndNames) {
   testing::TempDir dir;
   const std::string path = dir.WriteFile(
-      "fields.def", "3\r\n<A>,</A>,First\r\n\"<B>\",\"</B>\",\"Second, with comma\"\n<C>,</C>,Third\n");
+      "fields.def",
+      "3\r\n<A>,</A>,First\r\n\"<B>\",\"</B>\",\"Second, with comma\"\n<C>,</C>,Third\n");
   DocumentSet set;
   EXPECT_TRUE(set.InitFieldDefs(1, "#", path));
   ASSERT_EQ(set.FieldCount(), 3);

@@ -111,7 +111,8 @@ TEST(HtmlText, FirstOrdinaryLinkIsFoundPastMentionsAndHashtags) {
   std::string link;
   HtmlToPlainText(
       "<p><a href=\"https://m.s/tags/x\" class=\"mention hashtag\">#x</a> <a "
-      "href=\"https://m.s/@y\" class=\"u-url mention\">@y</a> <a href=\"https://a.example/1?p=1&amp;q=2\">"
+      "href=\"https://m.s/@y\" class=\"u-url mention\">@y</a> <a "
+      "href=\"https://a.example/1?p=1&amp;q=2\">"
       "first</a> <a href='https://b.example/2'>second</a></p>",
       &link);
   EXPECT_EQ(link, "https://a.example/1?p=1&q=2");

@@ -10,9 +10,8 @@
 namespace sylvora {
 namespace {
 
-constexpr FieldIndex kDate = 0, kUser = 1, kText = 2, kId = 3, kName = 4, kFollowers = 5,
-                     kGeo = 9, kUserTweets = 10, kReposts = 11, kLink = 12, kPos = 13, kNeg = 14,
-                     kNet = 15;
+constexpr FieldIndex kDate = 0, kUser = 1, kText = 2, kId = 3, kName = 4, kFollowers = 5, kGeo = 9,
+                     kUserTweets = 10, kReposts = 11, kLink = 12, kPos = 13, kNeg = 14, kNet = 15;
 
 class JsonImport : public ::testing::Test {
  protected:
@@ -103,8 +102,9 @@ TEST_F(JsonImport, TwitterV2PagesTakeUserNamesFromIncludes) {
 }
 
 TEST_F(JsonImport, AuthorWithoutANameKeepsItsIdAndSaysSo) {
-  ASSERT_EQ(Import(R"({"id":"1","author_id":"777","created_at":"2013-09-09T10:00:00Z","text":"x"})"),
-            DetectionOutcome::kImport)
+  ASSERT_EQ(
+      Import(R"({"id":"1","author_id":"777","created_at":"2013-09-09T10:00:00Z","text":"x"})"),
+      DetectionOutcome::kImport)
       << report_.error;
   EXPECT_EQ(Cell(0, kUser), "777");
   ASSERT_EQ(report_.warnings.size(), 1u);
@@ -211,9 +211,11 @@ TEST_F(JsonImport, BlueskyPostsFeedItemsAndBareRecords) {
   EXPECT_EQ(Cell(0, kReposts), "2");
   EXPECT_EQ(Cell(0, kDate), "Fri Mar 01 12:00:00 +0000 2024");
 
-  ASSERT_EQ(Import(R"({"$type":"app.bsky.feed.post","text":"bare record","createdAt":"2024-03-01T12:00:00Z"})"
-                   "\n"),
-            DetectionOutcome::kImport)
+  ASSERT_EQ(
+      Import(
+          R"({"$type":"app.bsky.feed.post","text":"bare record","createdAt":"2024-03-01T12:00:00Z"})"
+          "\n"),
+      DetectionOutcome::kImport)
       << report_.error;
   EXPECT_EQ(Cell(0, kText), "bare record");
   EXPECT_EQ(Cell(0, kUser), "");
@@ -270,9 +272,12 @@ TEST_F(JsonImport, PostsWithoutDateOrTextOrWithAnotherDateLayoutAreRefused) {
 }
 
 TEST_F(JsonImport, UnknownShapeListsTheKeysFoundAndTheShapesKnown) {
-  EXPECT_EQ(Import(R"({"title":"x","when":"2013","body":"y"})" "\n"), DetectionOutcome::kError);
-  EXPECT_TRUE(Has(report_.error, "JSON of an unknown shape: its first post has the keys title, "
-                                 "when, body; the shapes known are X / Twitter API v2"))
+  EXPECT_EQ(Import(R"({"title":"x","when":"2013","body":"y"})"
+                   "\n"),
+            DetectionOutcome::kError);
+  EXPECT_TRUE(Has(report_.error,
+                  "JSON of an unknown shape: its first post has the keys title, "
+                  "when, body; the shapes known are X / Twitter API v2"))
       << report_.error;
   EXPECT_TRUE(Has(report_.error, "Mastodon (created_at, account, content)"));
   EXPECT_EQ(Import("[]"), DetectionOutcome::kError);

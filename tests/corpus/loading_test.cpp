@@ -51,8 +51,15 @@ TEST_F(Loading, TwitterFileWithOrWithoutHeaderGivesTheSameDocuments) {
 }
 
 TEST_F(Loading, CarriageReturnsAreRemovedAndWindows1252IsDecoded) {
-  ASSERT_TRUE(Load(Tsv({"d1", "b\xE9" "b", "caf\xE9 time", "1", "-1", "0"}) + "\r\n" + Tweet7(2) + "\r\n", 7));
-  EXPECT_EQ(set_.Text(0, 1), "b\xC3\xA9" "b");
+  ASSERT_TRUE(Load(Tsv({"d1",
+                        "b\xE9"
+                        "b",
+                        "caf\xE9 time", "1", "-1", "0"}) +
+                       "\r\n" + Tweet7(2) + "\r\n",
+                   7));
+  EXPECT_EQ(set_.Text(0, 1),
+            "b\xC3\xA9"
+            "b");
   EXPECT_EQ(set_.Text(0, 5), "0");
   EXPECT_EQ(set_.Text(1, 5), "1");
 }
@@ -76,9 +83,8 @@ TEST_F(Loading, ShortRecordsAreCountedButNeverParsed) {
 }
 
 TEST_F(Loading, TwitterRepairJoinsTweetsSplitByTabs) {
-  ASSERT_TRUE(Load(Tsv({"2011-01-01 10:00", "bob", "good", "morning", "1", "0", "1"}) + "\n" +
-                       Tweet7(2),
-                   7));
+  ASSERT_TRUE(Load(
+      Tsv({"2011-01-01 10:00", "bob", "good", "morning", "1", "0", "1"}) + "\n" + Tweet7(2), 7));
   EXPECT_EQ(set_.Text(0, 2), "goodmorning");
   EXPECT_EQ(set_.Text(0, 3), "1");
   EXPECT_EQ(set_.Text(0, 4), "0");
@@ -129,16 +135,18 @@ TEST_F(Loading, HeaderNamesStopAtTheFirstEmptyHeaderCell) {
 }
 
 TEST_F(Loading, RadianHeaderOfTheSameWidthKeepsTheFormatNames) {
-  const std::vector<std::string> row = {"1", "headline", "author", "content text", "url", "m", "01/01/2011 10:00"};
+  const std::vector<std::string> row = {"1",   "headline", "author",          "content text",
+                                        "url", "m",        "01/01/2011 10:00"};
   ASSERT_TRUE(Load("a\tb\tc\td\te\tf\tg\n" + Tsv(row) + "\n" + Tsv(row), 9));
   EXPECT_EQ(set_.FieldName(3), "CONTENT");
   EXPECT_EQ(set_.Text(0, 3), "content text");
 }
 
 TEST_F(Loading, TaggedNewsArticles) {
-  ASSERT_TRUE(Load("<DOC><DOCNO> 12 </DOCNO><TEXT>  Line one\nline  two   end </TEXT></DOC>\n"
-                   "<DOC><DOCNO>13</DOCNO><HEADLINE>Head</HEADLINE></DOC>",
-                   2));
+  ASSERT_TRUE(
+      Load("<DOC><DOCNO> 12 </DOCNO><TEXT>  Line one\nline  two   end </TEXT></DOC>\n"
+           "<DOC><DOCNO>13</DOCNO><HEADLINE>Head</HEADLINE></DOC>",
+           2));
   EXPECT_EQ(set_.DocumentCount(), 2);
   EXPECT_EQ(set_.Text(0, 0), "12");
   EXPECT_EQ(set_.Text(0, 5), "Line oneline two  end");
@@ -148,8 +156,10 @@ TEST_F(Loading, TaggedNewsArticles) {
 }
 
 TEST_F(Loading, LineTagsNeedTheLineFeedBeforeThem) {
-  const std::string record1 = "TI First title\nAU Someone\nSO Journal\nPY 2001\nTC 3\nAB Abstract one\nUT x";
-  const std::string record2 = "\nTI Second title\nAU Other\nSO Journal\nPY 2002\nTC 4\nAB Abstract two\nUT y";
+  const std::string record1 =
+      "TI First title\nAU Someone\nSO Journal\nPY 2001\nTC 3\nAB Abstract one\nUT x";
+  const std::string record2 =
+      "\nTI Second title\nAU Other\nSO Journal\nPY 2002\nTC 4\nAB Abstract two\nUT y";
   ASSERT_TRUE(Load(record1 + "\nER\n" + record2 + "\nER\n", 3));
   EXPECT_EQ(set_.Text(0, 0), "");  // the first tag stands on the very first line
   EXPECT_EQ(set_.Text(0, 1), "Someone");
@@ -194,7 +204,10 @@ TEST_F(Loading, BadFilesFailWithAReasonAndLeaveTheSetUsable) {
     std::string content;
     std::string reason;
   };
-  const std::string binary("\x7F" "ELF\x02\x01\x01\0\0\0\0\0\0\0\0\0\x03\0>\0", 20);
+  const std::string binary(
+      "\x7F"
+      "ELF\x02\x01\x01\0\0\0\0\0\0\0\0\0\x03\0>\0",
+      20);
   const Case cases[] = {
       {"empty.txt", "", "holds 0 records"},
       {"one.txt", Tweet7(1) + "\n", "holds 1 record "},
@@ -206,7 +219,8 @@ TEST_F(Loading, BadFilesFailWithAReasonAndLeaveTheSetUsable) {
     std::string path = dir_.WriteFile(c.name, c.content);
     EXPECT_FALSE(set.LoadDocuments(path, 7, "\n", 0, 0, false)) << c.name;
     EXPECT_EQ(set.DocumentCount(), 0) << c.name;
-    EXPECT_NE(set.LastError().find(c.reason), std::string::npos) << c.name << ": " << set.LastError();
+    EXPECT_NE(set.LastError().find(c.reason), std::string::npos)
+        << c.name << ": " << set.LastError();
     std::string good = dir_.WriteFile("good.txt", Tweet7(1) + "\n" + Tweet7(2));
     EXPECT_TRUE(set.LoadDocuments(good, 7, "\n", 0, 0, false)) << set.LastError();
   }

@@ -11,8 +11,7 @@
 namespace {
 
 const sylvora::fuzz::FuzzTarget& Target() {
-  static const sylvora::fuzz::FuzzTarget* target =
-      sylvora::fuzz::FindTarget(SYLVORA_FUZZ_TARGET);
+  static const sylvora::fuzz::FuzzTarget* target = sylvora::fuzz::FindTarget(SYLVORA_FUZZ_TARGET);
   if (target == nullptr) {
     std::fprintf(stderr, "no fuzz target named %s\n", SYLVORA_FUZZ_TARGET);
     std::abort();

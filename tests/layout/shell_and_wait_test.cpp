@@ -37,13 +37,13 @@ TEST_P(SplitCommandLineTest, SplitsLikeAWindowsShell) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, SplitCommandLineTest,
-    ::testing::Values(
-        SplitCase{"", {}}, SplitCase{"   ", {}}, SplitCase{"a", {"a"}},
-        SplitCase{"  a   b ", {"a", "b"}}, SplitCase{"\"a b\" c", {"a b", "c"}},
-        SplitCase{"-o\"/t/x y.txt\"", {"-o/t/x y.txt"}}, SplitCase{"\"\" x", {"", "x"}},
-        SplitCase{"\"/gv/sfdp\" \"/f/gvin.txt\" -Tplain -o\"/f/gvout.txt\"",
-                  {"/gv/sfdp", "/f/gvin.txt", "-Tplain", "-o/f/gvout.txt"}},
-        SplitCase{"a\tb", {"a", "b"}}, SplitCase{"\"unclosed x", {"unclosed x"}}));
+    ::testing::Values(SplitCase{"", {}}, SplitCase{"   ", {}}, SplitCase{"a", {"a"}},
+                      SplitCase{"  a   b ", {"a", "b"}}, SplitCase{"\"a b\" c", {"a b", "c"}},
+                      SplitCase{"-o\"/t/x y.txt\"", {"-o/t/x y.txt"}},
+                      SplitCase{"\"\" x", {"", "x"}},
+                      SplitCase{"\"/gv/sfdp\" \"/f/gvin.txt\" -Tplain -o\"/f/gvout.txt\"",
+                                {"/gv/sfdp", "/f/gvin.txt", "-Tplain", "-o/f/gvout.txt"}},
+                      SplitCase{"a\tb", {"a", "b"}}, SplitCase{"\"unclosed x", {"unclosed x"}}));
 
 struct InvalidCase {
   std::string commandLine;
@@ -60,15 +60,12 @@ TEST_P(ShellAndWaitInvalidTest, ReturnsThree) {
             kShellInvalidArgument);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, ShellAndWaitInvalidTest,
-                         ::testing::Values(InvalidCase{"", 1000, 6, 2},
-                                           InvalidCase{"    ", 1000, 6, 2},
-                                           InvalidCase{"/bin/true", -1, 6, 2},
-                                           InvalidCase{"/bin/true", 1000, 6, 3},
-                                           InvalidCase{"/bin/true", 1000, 6, -1},
-                                           InvalidCase{"/bin/true", 1000, 5, 2},
-                                           InvalidCase{"/bin/true", 1000, 7, 2},
-                                           InvalidCase{"/bin/true", 1000, -1, 2}));
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ShellAndWaitInvalidTest,
+    ::testing::Values(InvalidCase{"", 1000, 6, 2}, InvalidCase{"    ", 1000, 6, 2},
+                      InvalidCase{"/bin/true", -1, 6, 2}, InvalidCase{"/bin/true", 1000, 6, 3},
+                      InvalidCase{"/bin/true", 1000, 6, -1}, InvalidCase{"/bin/true", 1000, 5, 2},
+                      InvalidCase{"/bin/true", 1000, 7, 2}, InvalidCase{"/bin/true", 1000, -1, 2}));
 
 TEST(ShellAndWaitTest, AcceptsEveryValidStyleAndBreakOption) {
   for (const std::int32_t style : {0, 1, 2, 3, 4, 6}) {

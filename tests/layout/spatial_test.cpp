@@ -83,7 +83,8 @@ TEST(SetGraphFromDotTest, GraphWithoutEdgesHasNone) {
 
 TEST(SetGraphFromDotTest, ANewTextReplacesTheEdges) {
   Spatial spatial;
-  ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.5];\r\n"), 1));
+  ASSERT_TRUE(
+      spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.5];\r\n"), 1));
   ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t3 -- 4 [len=0.75000];\r\n"), 1));
   ASSERT_EQ(spatial.EdgeCount(), 1);
   EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.75f, 2, 3}));
@@ -115,12 +116,13 @@ class LoadGVPlainTest : public ::testing::Test {
 };
 
 TEST_F(LoadGVPlainTest, ReadsScaleAndNodePositions) {
-  ASSERT_TRUE(Load("graph 1 3.5 2.25\n"
-                   "node 2 1.5 0.75 0.5 0.25 2 solid plaintext black lightgrey\n"
-                   "node 1 0.5 2 0.5 0.25 1 solid plaintext black lightgrey\n"
-                   "edge 1 2 4 0.5 2 0.8 1.5 1.1 1.2 1.5 0.75 solid black\n"
-                   "stop\n",
-                   1, 2))
+  ASSERT_TRUE(
+      Load("graph 1 3.5 2.25\n"
+           "node 2 1.5 0.75 0.5 0.25 2 solid plaintext black lightgrey\n"
+           "node 1 0.5 2 0.5 0.25 1 solid plaintext black lightgrey\n"
+           "edge 1 2 4 0.5 2 0.8 1.5 1.1 1.2 1.5 0.75 solid black\n"
+           "stop\n",
+           1, 2))
       << error_;
   EXPECT_EQ(spatial_.NodeCount(), 2);
   EXPECT_FLOAT_EQ(spatial_.ScaleX(), 3.5f);

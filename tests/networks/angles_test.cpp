@@ -131,9 +131,9 @@ std::vector<float> DirectAngles(const TermDocumentMatrix& index, bool terms, std
 
 TEST(ComputeAngles, AgreeWithEveryWeightPairOnRandomIndexes) {
   std::mt19937 random(314);
-  const std::vector<std::string> words = {"ant",  "bee",  "cat",  "dog",  "eel",  "fox", "gnu",
-                                          "hen",  "ibis", "jay",  "kiwi", "lark", "mole", "newt",
-                                          "orca", "puma", "quail", "rat", "seal", "toad"};
+  const std::vector<std::string> words = {"ant",  "bee",  "cat",   "dog",  "eel",  "fox",  "gnu",
+                                          "hen",  "ibis", "jay",   "kiwi", "lark", "mole", "newt",
+                                          "orca", "puma", "quail", "rat",  "seal", "toad"};
   for (int round = 0; round < 6; ++round) {
     std::vector<std::string> texts;
     const int documents = 10 + static_cast<int>(random() % 30);

@@ -25,19 +25,24 @@ constexpr const char* kDotHeader =
 ProximityMatrix Chain() {
   return MakeMatrix(3, 4,
                     {
-                        N, 0.5f, N,      //
-                        0.5f, N, 0.25f,  //
-                        N, 0.25f, N,
+                        N,
+                        0.5f,
+                        N,  //
+                        0.5f,
+                        N,
+                        0.25f,  //
+                        N,
+                        0.25f,
+                        N,
                     });
 }
 
 TEST(Matrix2Dot, WritesEdgesAscendingByLengthNumberedFromOne) {
   ProximityMatrix m = Chain();
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
-            std::string(kDotHeader) +
-                "\t2 -- 3 [len=0.25000];\r\n"
-                "\t1 -- 2 [len=0.50000];\r\n"
-                "}");
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) +
+                                                       "\t2 -- 3 [len=0.25000];\r\n"
+                                                       "\t1 -- 2 [len=0.50000];\r\n"
+                                                       "}");
 }
 
 TEST(Matrix2Dot, FirstNodeZeroAndAboveOne) {
@@ -80,20 +85,31 @@ TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
   // pass moves (1,2) to the front, and (0,1) after it.
   ProximityMatrix m = MakeMatrix(4, 3,
                                  {
-                                     N, 0.5f, 0.5f, 0.5f,  //
-                                     0.5f, N, 0.125f, 0.5f,  //
-                                     0.5f, 0.125f, N, 0.5f,  //
-                                     0.5f, 0.5f, 0.5f, N,
+                                     N,
+                                     0.5f,
+                                     0.5f,
+                                     0.5f,  //
+                                     0.5f,
+                                     N,
+                                     0.125f,
+                                     0.5f,  //
+                                     0.5f,
+                                     0.125f,
+                                     N,
+                                     0.5f,  //
+                                     0.5f,
+                                     0.5f,
+                                     0.5f,
+                                     N,
                                  });
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f),
-            std::string(kDotHeader) +
-                "\t1 -- 2 [len=0.12500];\r\n"
-                "\t0 -- 2 [len=0.50000];\r\n"
-                "\t0 -- 3 [len=0.50000];\r\n"
-                "\t0 -- 1 [len=0.50000];\r\n"
-                "\t1 -- 3 [len=0.50000];\r\n"
-                "\t2 -- 3 [len=0.50000];\r\n"
-                "}");
+  EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f), std::string(kDotHeader) +
+                                                       "\t1 -- 2 [len=0.12500];\r\n"
+                                                       "\t0 -- 2 [len=0.50000];\r\n"
+                                                       "\t0 -- 3 [len=0.50000];\r\n"
+                                                       "\t0 -- 1 [len=0.50000];\r\n"
+                                                       "\t1 -- 3 [len=0.50000];\r\n"
+                                                       "\t2 -- 3 [len=0.50000];\r\n"
+                                                       "}");
   // 0.000005 is written with its half rounded up.
   ProximityMatrix tiny = MakeMatrix(2, 3, {N, 0.000005f, 0.000005f, N});
   EXPECT_EQ(tiny.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
@@ -109,20 +125,31 @@ TEST(Matrix2Dot, MapPathFromSimilaritiesToTreeToText) {
   // Sim2Dis, the spanning tree from the best edge, and DOT with numbering from 1, as maps do.
   ProximityMatrix m = MakeMatrix(4, 2,
                                  {
-                                     N, 0.5f, 0.5f, 0.1f,  //
-                                     0.5f, N, 0.9f, 0.2f,  //
-                                     0.5f, 0.9f, N, 0.3f,  //
-                                     0.1f, 0.2f, 0.3f, N,
+                                     N,
+                                     0.5f,
+                                     0.5f,
+                                     0.1f,  //
+                                     0.5f,
+                                     N,
+                                     0.9f,
+                                     0.2f,  //
+                                     0.5f,
+                                     0.9f,
+                                     N,
+                                     0.3f,  //
+                                     0.1f,
+                                     0.2f,
+                                     0.3f,
+                                     N,
                                  });
   m.Sim2Dis();
   NetworkResult tree = m.Transform2MST(-1);
   ASSERT_TRUE(tree);
-  EXPECT_EQ(tree->Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
-            std::string(kDotHeader) +
-                "\t2 -- 3 [len=0.10000];\r\n"
-                "\t1 -- 3 [len=0.50000];\r\n"
-                "\t3 -- 4 [len=0.70000];\r\n"
-                "}");
+  EXPECT_EQ(tree->Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) +
+                                                           "\t2 -- 3 [len=0.10000];\r\n"
+                                                           "\t1 -- 3 [len=0.50000];\r\n"
+                                                           "\t3 -- 4 [len=0.70000];\r\n"
+                                                           "}");
 }
 
 TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {

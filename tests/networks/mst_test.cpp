@@ -104,7 +104,8 @@ TEST(Transform2MST, DisconnectedGraphKeepsTheStartComponentAndSaysWhatIsMissing)
   // -1 starts from the best edge, (2, 3) 0.8: the tree covers 2, 3, 4.
   const NetworkResult fromBest = traced.Transform2MST(-1);
   ASSERT_TRUE(fromBest);
-  EXPECT_EQ(fromBest.Message(), "The network is not connected: the spanning tree leaves out 2 of 5 nodes");
+  EXPECT_EQ(fromBest.Message(),
+            "The network is not connected: the spanning tree leaves out 2 of 5 nodes");
   EXPECT_EQ(fromBest->Value(2, 3), 0.8f);
   EXPECT_EQ(fromBest->Value(2, 4), 0.7f);
   EXPECT_EQ(fromBest->Value(3, 4), N);
@@ -122,13 +123,14 @@ TEST(Transform2MST, DisconnectedGraphKeepsTheStartComponentAndSaysWhatIsMissing)
   ASSERT_TRUE(fromOne);
   EXPECT_EQ(fromOne->Value(0, 1), 0.4f);
   EXPECT_EQ(fromOne->Value(2, 3), N);
-  EXPECT_EQ(fromOne.Message(), "The network is not connected: the spanning tree leaves out 3 of 5 nodes");
+  EXPECT_EQ(fromOne.Message(),
+            "The network is not connected: the spanning tree leaves out 3 of 5 nodes");
 }
 
 TEST(Transform2MST, StartNodeWithoutLinksIsAnErrorResult) {
   const std::vector<float> values = {
-      N,    0.4f, N,     //
-      0.4f, N,    N,     //
+      N,    0.4f, N,  //
+      0.4f, N,    N,  //
       N,    N,    N,
   };
   const ProximityMatrix m = MakeMatrix(3, 1, values);
@@ -219,8 +221,8 @@ TEST(Transform2MST, SameTreeAsTheRescanningScanOnRandomMatricesWithTies) {
       ASSERT_EQ(tree.HasMatrix(), expected.has_value()) << "round " << round << " start " << start;
       if (!expected) continue;
       ++trees;
-      ASSERT_EQ(Cells(*tree), expected->values) << "round " << round << " n " << n << " type "
-                                                << type << " start " << start;
+      ASSERT_EQ(Cells(*tree), expected->values)
+          << "round " << round << " n " << n << " type " << type << " start " << start;
       if (!tree.Message().empty()) ++disconnected;
     }
   }

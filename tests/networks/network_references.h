@@ -14,7 +14,7 @@ namespace sylvora::testing {
 
 struct DenseNetwork {
   std::int32_t n = 0;
-  std::vector<float> values;            // n x n
+  std::vector<float> values;             // n x n
   std::vector<std::int32_t> linkCounts;  // n x n, empty when not computed
 };
 

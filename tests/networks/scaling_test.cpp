@@ -38,9 +38,15 @@ std::vector<std::int32_t> LinkCounts(const ProximityMatrix& m) {
 ProximityMatrix Triangle(float d01 = 0.2f, float d12 = 0.3f, float d02 = 0.4f) {
   return MakeMatrix(3, 3,
                     {
-                        N, d01, d02,  //
-                        d01, N, d12,  //
-                        d02, d12, N,
+                        N,
+                        d01,
+                        d02,  //
+                        d01,
+                        N,
+                        d12,  //
+                        d02,
+                        d12,
+                        N,
                     });
 }
 
@@ -49,9 +55,15 @@ ProximityMatrix Triangle(float d01 = 0.2f, float d12 = 0.3f, float d02 = 0.4f) {
 TEST(Transform2KNN, OneNeighbourEachOnSimilaritiesIsSymmetric) {
   const ProximityMatrix m = MakeMatrix(3, 2,
                                        {
-                                           N, 0.9f, 0.2f,  //
-                                           0.9f, N, 0.5f,  //
-                                           0.2f, 0.5f, N,
+                                           N,
+                                           0.9f,
+                                           0.2f,  //
+                                           0.9f,
+                                           N,
+                                           0.5f,  //
+                                           0.2f,
+                                           0.5f,
+                                           N,
                                        });
   const NetworkResult knn = m.Transform2KNN(1);
   ASSERT_TRUE(knn);
@@ -77,10 +89,22 @@ TEST(Transform2KNN, TiesGoToTheLowestNode) {
 TEST(Transform2KNN, NoLinkCellsUseUpPicksInDissimilarities) {
   const ProximityMatrix m = MakeMatrix(4, 4,
                                        {
-                                           N, N, 0.3f, 0.2f,     //
-                                           N, N, 0.4f, 0.5f,     //
-                                           0.3f, 0.4f, N, 0.6f,  //
-                                           0.2f, 0.5f, 0.6f, N,
+                                           N,
+                                           N,
+                                           0.3f,
+                                           0.2f,  //
+                                           N,
+                                           N,
+                                           0.4f,
+                                           0.5f,  //
+                                           0.3f,
+                                           0.4f,
+                                           N,
+                                           0.6f,  //
+                                           0.2f,
+                                           0.5f,
+                                           0.6f,
+                                           N,
                                        });
   const NetworkResult knn = m.Transform2KNN(1);
   ASSERT_TRUE(knn);
@@ -130,9 +154,15 @@ TEST(Transform2FastPF, APathOfEqualLengthKeepsTheLink) {
 TEST(Transform2FastPF, DistanceOneNeverSurvivesAndSimilaritiesAreConvertedInPlace) {
   ProximityMatrix m = MakeMatrix(3, 1,
                                  {
-                                     N, 0.0f, 0.9f,  //
-                                     0.0f, N, 0.5f,  //
-                                     0.9f, 0.5f, N,
+                                     N,
+                                     0.0f,
+                                     0.9f,  //
+                                     0.0f,
+                                     N,
+                                     0.5f,  //
+                                     0.9f,
+                                     0.5f,
+                                     N,
                                  });
   std::vector<std::string> trace;
   m.SetTrace(DebugTrace([&](std::string_view line) { trace.emplace_back(line); }));
@@ -167,9 +197,15 @@ TEST(Transform2FastPF, EmptySourceAndCancellation) {
 TEST(FastPFQ, OneLinkPathsKeepEveryLinkButDistanceOne) {
   const ProximityMatrix m = MakeMatrix(3, 4,
                                        {
-                                           N, 0.2f, 0.9f,  //
-                                           0.2f, N, 1.0f,  //
-                                           0.9f, 1.0f, N,
+                                           N,
+                                           0.2f,
+                                           0.9f,  //
+                                           0.2f,
+                                           N,
+                                           1.0f,  //
+                                           0.9f,
+                                           1.0f,
+                                           N,
                                        });
   const NetworkResult pf = m.FastPFQ(0, 1);
   ASSERT_TRUE(pf);
@@ -189,8 +225,9 @@ TEST(FastPFQ, RefusesSimilaritiesAndEmptyWithoutConverting) {
   EXPECT_FALSE(m.FastPFQ(0, 2));
   EXPECT_FALSE(m.FastPFQ2(0, 2));
   EXPECT_EQ(m.CurrentMatrixType(), 1);
-  EXPECT_EQ(trace, (std::vector<std::string>{"FastPFQ failed - matrix is empty or contains similarities",
-                                             "FastPFQ failed - matrix is empty or contains similarities"}));
+  EXPECT_EQ(trace, (std::vector<std::string>{
+                       "FastPFQ failed - matrix is empty or contains similarities",
+                       "FastPFQ failed - matrix is empty or contains similarities"}));
   EXPECT_FALSE(ProximityMatrix().FastPFQ(0, 2));
   EXPECT_FALSE(ProximityMatrix().FastPFQ2(0, 2));
 }
@@ -200,10 +237,22 @@ TEST(FastPFQ2, KeepsALinkOnlyWhenNeitherOrderReplacesIt) {
   // either order, so it goes.
   const ProximityMatrix m = MakeMatrix(4, 3,
                                        {
-                                           N, 0.1f, 0.5f, 0.1f,  //
-                                           0.1f, N, 0.1f, 0.5f,  //
-                                           0.5f, 0.1f, N, 0.1f,  //
-                                           0.1f, 0.5f, 0.1f, N,
+                                           N,
+                                           0.1f,
+                                           0.5f,
+                                           0.1f,  //
+                                           0.1f,
+                                           N,
+                                           0.1f,
+                                           0.5f,  //
+                                           0.5f,
+                                           0.1f,
+                                           N,
+                                           0.1f,  //
+                                           0.1f,
+                                           0.5f,
+                                           0.1f,
+                                           N,
                                        });
   const NetworkResult pf = m.FastPFQ2(1, 2);
   ASSERT_TRUE(pf);
@@ -218,10 +267,22 @@ TEST(FastPFQ2, KeepsALinkOnlyWhenNeitherOrderReplacesIt) {
 TEST(Transform2Geodesic, DisconnectedPairsAreUnreachableWithOneLinkInside) {
   const ProximityMatrix m = MakeMatrix(4, 3,
                                        {
-                                           N, 0.2f, N, N,  //
-                                           0.2f, N, N, N,  //
-                                           N, N, N, 0.3f,  //
-                                           N, N, 0.3f, N,
+                                           N,
+                                           0.2f,
+                                           N,
+                                           N,  //
+                                           0.2f,
+                                           N,
+                                           N,
+                                           N,  //
+                                           N,
+                                           N,
+                                           N,
+                                           0.3f,  //
+                                           N,
+                                           N,
+                                           0.3f,
+                                           N,
                                        });
   const NetworkResult g = m.Transform2Geodesic();
   ASSERT_TRUE(g);
@@ -237,16 +298,29 @@ TEST(Transform2Geodesic, SumsAlongTheShortestPathAndCountsItsSteps) {
   // Chain 0 - 1 - 2 - 3 of 0.1, 0.2, 0.3, and a direct 0 - 3 of 0.7 that the chain beats.
   const ProximityMatrix m = MakeMatrix(4, 4,
                                        {
-                                           N, 0.1f, N, 0.7f,     //
-                                           0.1f, N, 0.2f, N,     //
-                                           N, 0.2f, N, 0.3f,     //
-                                           0.7f, N, 0.3f, N,
+                                           N,
+                                           0.1f,
+                                           N,
+                                           0.7f,  //
+                                           0.1f,
+                                           N,
+                                           0.2f,
+                                           N,  //
+                                           N,
+                                           0.2f,
+                                           N,
+                                           0.3f,  //
+                                           0.7f,
+                                           N,
+                                           0.3f,
+                                           N,
                                        });
   std::vector<std::string> stages;
-  const NetworkResult g = m.Transform2Geodesic([&](std::string_view stage, std::int64_t, std::int64_t) {
-    stages.emplace_back(stage);
-    return true;
-  });
+  const NetworkResult g =
+      m.Transform2Geodesic([&](std::string_view stage, std::int64_t, std::int64_t) {
+        stages.emplace_back(stage);
+        return true;
+      });
   ASSERT_TRUE(g);
   // (0.1 + 0.2) is rounded to a float when (0, 2) takes it, then 0.3 is added in double.
   const auto viaOneTwo = static_cast<float>(static_cast<double>(0.1f) + static_cast<double>(0.2f));
@@ -260,9 +334,15 @@ TEST(Transform2Geodesic, SumsAlongTheShortestPathAndCountsItsSteps) {
 TEST(Transform2Geodesic, SimilaritiesAreConvertedInTheCopyOnly) {
   ProximityMatrix m = MakeMatrix(3, 2,
                                  {
-                                     N, 0.75f, N,  //
-                                     0.75f, N, 0.5f,  //
-                                     N, 0.5f, N,
+                                     N,
+                                     0.75f,
+                                     N,  //
+                                     0.75f,
+                                     N,
+                                     0.5f,  //
+                                     N,
+                                     0.5f,
+                                     N,
                                  });
   const NetworkResult g = m.Transform2Geodesic();
   ASSERT_TRUE(g);
@@ -289,8 +369,8 @@ TEST(Transform2Geodesic, WalksAroundNegativeDistancesStopCountingAtTheLargestCou
 
 // Levels with ties, no links, distance 1, negatives, values above 1 and tiny values whose
 // high powers underflow.
-const std::vector<float> kLevels = {0.0f, 1e-7f, 0.1f, 0.2f, 0.25f, 0.3f, 0.4f, 0.5f, 0.5f,
-                                    0.9f, 1.0f, -1.0f, -1.0f, 1.3f, -0.2f, 0.05f};
+const std::vector<float> kLevels = {0.0f, 1e-7f, 0.1f, 0.2f,  0.25f, 0.3f, 0.4f,  0.5f,
+                                    0.5f, 0.9f,  1.0f, -1.0f, -1.0f, 1.3f, -0.2f, 0.05f};
 
 DenseNetwork WithRemovals(DenseNetwork relaxed, const ProximityMatrix& source) {
   const std::int32_t n = relaxed.n;
@@ -316,13 +396,15 @@ TEST(Pathfinder, AgreesWithTheStepByStepLoopsOnRandomMatrices) {
 
     ProximityMatrix copy = source;
     const NetworkResult pf = copy.Transform2FastPF(r);
-    const DenseNetwork expectedPf = WithRemovals(ReferencePathfinderRelax(source, r, -1, true), source);
+    const DenseNetwork expectedPf =
+        WithRemovals(ReferencePathfinderRelax(source, r, -1, true), source);
     ASSERT_TRUE(pf);
     ASSERT_EQ(Cells(*pf), expectedPf.values);
     ASSERT_EQ(LinkCounts(*pf), expectedPf.linkCounts);
 
     const NetworkResult pfq = source.FastPFQ(r, q);
-    const DenseNetwork expectedQ = WithRemovals(ReferencePathfinderRelax(source, r, q, true), source);
+    const DenseNetwork expectedQ =
+        WithRemovals(ReferencePathfinderRelax(source, r, q, true), source);
     ASSERT_TRUE(pfq);
     ASSERT_EQ(Cells(*pfq), expectedQ.values);
     ASSERT_EQ(LinkCounts(*pfq), expectedQ.linkCounts);

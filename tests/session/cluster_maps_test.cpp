@@ -6,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <cmath>
 #include <filesystem>
 #include <set>
-#include <sys/stat.h>
 
 #include "layout/shell_and_wait.h"
 #include "session/corpus_index.h"
@@ -31,9 +31,8 @@ bool HaveSfdp() { return std::filesystem::exists(std::string(kRealGraphviz) + "/
 class FakeGraphviz {
  public:
   explicit FakeGraphviz(std::string_view body) {
-    const std::string path =
-        dir_.WriteFile("sfdp", "#!/bin/sh\nout=\"${3#-o}\"\ncp \"$1\" \"$1.seen\"\n" +
-                                   std::string(body) + "\n");
+    const std::string path = dir_.WriteFile(
+        "sfdp", "#!/bin/sh\nout=\"${3#-o}\"\ncp \"$1\" \"$1.seen\"\n" + std::string(body) + "\n");
     ::chmod(path.c_str(), 0755);
   }
   std::string Folder() const { return dir_.Path().string(); }
@@ -103,8 +102,8 @@ TEST_F(MapTest, SharedStepsWriteTheTreeAsDotAndReadTheLayout) {
   const FakeGraphviz graphviz(DiagonalPlain(3));
   ClusterMap map;
   MapReport report;
-  ASSERT_TRUE(LayOutSimilarities(ThreeNodes(), 3, 1, Options(graphviz.Folder()), map, report,
-                                 notifier_))
+  ASSERT_TRUE(
+      LayOutSimilarities(ThreeNodes(), 3, 1, Options(graphviz.Folder()), map, report, notifier_))
       << report.error;
   EXPECT_EQ(map.dot, kThreeNodeDot);
   EXPECT_EQ(SeenDot(), std::string(kThreeNodeDot) + "\r\n");
@@ -185,14 +184,14 @@ TEST_F(MapTest, CancelStopsTheBuild) {
 
 // Three topics that share no word, two tweets an hour over twelve hours.
 const std::vector<std::string> kTexts = {
-    "storm wind rain coast",        "storm wind rain warning",     "power outage generator",
-    "power outage generator grid",  "music festival band stage",   "music festival band",
-    "storm wind rain coast",        "storm wind rain",             "power outage generator grid",
-    "power outage generator",       "music festival band stage",   "music festival band stage",
-    "storm wind rain warning",      "storm wind coast",            "power outage grid",
-    "power outage generator",       "music festival stage",        "music festival band",
-    "storm rain coast warning",     "storm wind rain",             "power generator grid",
-    "power outage generator grid",  "music band stage",            "festival band stage music"};
+    "storm wind rain coast",       "storm wind rain warning",   "power outage generator",
+    "power outage generator grid", "music festival band stage", "music festival band",
+    "storm wind rain coast",       "storm wind rain",           "power outage generator grid",
+    "power outage generator",      "music festival band stage", "music festival band stage",
+    "storm wind rain warning",     "storm wind coast",          "power outage grid",
+    "power outage generator",      "music festival stage",      "music festival band",
+    "storm rain coast warning",    "storm wind rain",           "power generator grid",
+    "power outage generator grid", "music band stage",          "festival band stage music"};
 
 class SmallCorpusTest : public MapTest {
  protected:
@@ -309,8 +308,8 @@ TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
 TEST_F(SmallCorpusTest, EmptyWordIndexIsAnError) {
   ClusterMap map;
   const TermDocumentMatrix empty;
-  const MapReport report = BuildWordMap(empty, nullptr, WordMapLevel::kTweet,
-                                        Options(kRealGraphviz), map, notifier_);
+  const MapReport report =
+      BuildWordMap(empty, nullptr, WordMapLevel::kTweet, Options(kRealGraphviz), map, notifier_);
   EXPECT_FALSE(report.built);
   EXPECT_EQ(report.error, "The word index has no terms");
 }
@@ -326,8 +325,7 @@ TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
   EXPECT_EQ(map.layout.EdgeCount(), 3);
   // The DOT lengths are 1 - NM cells.
   const EdgeRecord first = map.layout.Edge(0);
-  EXPECT_NEAR(first.Weight, 1.0f - model_.NM().Value(first.FromNode + 1, first.ToNode + 1),
-              1e-5f);
+  EXPECT_NEAR(first.Weight, 1.0f - model_.NM().Value(first.FromNode + 1, first.ToNode + 1), 1e-5f);
 }
 
 TEST_F(SmallCorpusTest, FailedIntervalMapSaysSo) {
@@ -375,7 +373,8 @@ TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
   Session session;
   std::vector<std::vector<std::string>> rows;
   const int hours[] = {0, 0, 1, 1, 7, 7};
-  for (int i = 0; i < 6; ++i) rows.push_back({"", "u", "storm wind rain", std::to_string(hours[i])});
+  for (int i = 0; i < 6; ++i)
+    rows.push_back({"", "u", "storm wind rain", std::to_string(hours[i])});
   session.Documents().SetDocuments(rows, 7, 6);
   session.Documents().SetContentField(2);
   session.Documents().SetElapsedTimeField(3);

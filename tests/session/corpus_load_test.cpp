@@ -19,8 +19,8 @@ std::string Line(const std::vector<std::string>& cells) {
 
 std::string Twitter11(const std::string& date, const std::string& user, const std::string& text,
                       const std::string& link = "") {
-  return Line({date, user, text, "123", "Real " + user, "10", "20", "0", "UTC", "", "99", "0",
-               link, "2", "-1", "1"});
+  return Line({date, user, text, "123", "Real " + user, "10", "20", "0", "UTC", "", "99", "0", link,
+               "2", "-1", "1"});
 }
 
 class CorpusLoad : public ::testing::Test {
@@ -43,7 +43,8 @@ TEST_F(CorpusLoad, FormatFollowsTheColumnsOfTheFirstLineOrTheRadianSwitch) {
   std::string error;
   const std::string six = dir_.WriteFile("six.txt", "a\tb\tc\td\te\tf\nrest");
   const std::string sixteen = dir_.WriteFile("sixteen.txt", std::string(15, '\t') + "\n");
-  const std::string longLine = dir_.WriteFile("long.txt", std::string(2000, 'x') + std::string(10, '\t'));
+  const std::string longLine =
+      dir_.WriteFile("long.txt", std::string(2000, 'x') + std::string(10, '\t'));
   EXPECT_EQ(ChooseCorpusFormat(six, false, error), CorpusFormat::kTwitter);
   EXPECT_EQ(ChooseCorpusFormat(sixteen, false, error), CorpusFormat::kTwitter11);
   EXPECT_EQ(ChooseCorpusFormat(six, true, error), CorpusFormat::kRadian6);
@@ -54,8 +55,10 @@ TEST_F(CorpusLoad, FormatFollowsTheColumnsOfTheFirstLineOrTheRadianSwitch) {
 
 TEST_F(CorpusLoad, Twitter11ExportBecomesASortedCorpusWithDerivedFields) {
   const LoadReport report =
-      Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "RT @ann: #storm news http://t.co/abcdefgh") +
-           Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "Calm #sea at @pier", "http://kept.example/x") +
+      Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob",
+                     "RT @ann: #storm news http://t.co/abcdefgh") +
+           Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "Calm #sea at @pier",
+                     "http://kept.example/x") +
            Twitter11("Tue Aug 27 23:59:00 +0000 2013", "cy", "night http://ab"));
   ASSERT_TRUE(report.loaded) << report.error;
   const DocumentSet& docs = session_.Documents();
@@ -115,7 +118,8 @@ TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
 TEST_F(CorpusLoad, DatesWithoutZKeepTheirTextAndStillGiveElapsedTime) {
   const LoadReport report = Load(
       "2011-01-05 10:00\tann\tfirst tweet of the day\t2\t-1\t1\n"
-      "2011-01-06 10:00\tbob\tsecond tweet of the day\t1\t-1\t0\n", false, "d");
+      "2011-01-06 10:00\tbob\tsecond tweet of the day\t1\t-1\t0\n",
+      false, "d");
   ASSERT_TRUE(report.loaded) << report.error;
   EXPECT_EQ(session_.Documents().Text(0, 0), "2011-01-05 10:00");
   EXPECT_EQ(session_.Documents().FieldName(7), "Elapsed_Days");
@@ -165,7 +169,8 @@ TEST_F(CorpusLoad, RadianExportUsesItsOwnColumns) {
 }
 
 TEST_F(CorpusLoad, NarrowRadianFileIsRefused) {
-  const LoadReport report = Load("A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true);
+  const LoadReport report =
+      Load("A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true);
   EXPECT_FALSE(report.loaded);
   EXPECT_NE(report.error.find("22 columns"), std::string::npos);
   EXPECT_EQ(session_.Documents().DocumentCount(), 0);
@@ -212,8 +217,9 @@ TEST_F(CorpusLoad, ASecondLoadReplacesTheFirst) {
 
 TEST_F(CorpusLoad, CancelEmptiesTheSet) {
   LoadOptions options;
-  options.path = dir_.WriteFile("c.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
-                                             Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"));
+  options.path =
+      dir_.WriteFile("c.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
+                                  Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"));
   options.minDocLen = 0;
   const ProgressCallback cancelAtLinks = [](std::string_view stage, std::int64_t, std::int64_t) {
     return stage != "Extracting links";
@@ -226,10 +232,9 @@ TEST_F(CorpusLoad, CancelEmptiesTheSet) {
 
 TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {
   LoadOptions options;
-  options.path = dir_.WriteFile("h.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob",
-                                                   "short one", "http://ab.cd/x") +
-                                             Twitter11("Wed Aug 28 11:30:00 +0000 2013", "ann",
-                                                       "no link"));
+  options.path = dir_.WriteFile(
+      "h.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "short one", "http://ab.cd/x") +
+                   Twitter11("Wed Aug 28 11:30:00 +0000 2013", "ann", "no link"));
   options.minDocLen = 0;
   std::string dateSeen, linkSeen;
   const LoadReport report =
@@ -253,8 +258,9 @@ TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {
 
 TEST_F(CorpusLoad, StepAfterLinksCanCancel) {
   LoadOptions options;
-  options.path = dir_.WriteFile("k.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "x") +
-                                             Twitter11("Wed Aug 28 11:30:00 +0000 2013", "ann", "y"));
+  options.path =
+      dir_.WriteFile("k.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "x") +
+                                  Twitter11("Wed Aug 28 11:30:00 +0000 2013", "ann", "y"));
   options.minDocLen = 0;
   const LoadReport report =
       LoadCorpus(session_, options, notifier_, {}, [](Session&, LoadReport&) { return false; });

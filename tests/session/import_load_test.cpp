@@ -134,9 +134,8 @@ TEST(ImportLoad, PreviewShowsHeaderRawRowsMappingAndFirstDocuments) {
   EXPECT_EQ(preview.outcome, DetectionOutcome::kImport) << preview.error;
   EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kDateTime)], 0);
   ASSERT_EQ(preview.documents.size(), 2u);
-  EXPECT_EQ(preview.documents[0],
-            (std::vector<std::string>{"Mon Sep 09 10:00:00 +0000 2013", "ann", "hello, world",
-                                      "http://a.example/1"}));
+  EXPECT_EQ(preview.documents[0], (std::vector<std::string>{"Mon Sep 09 10:00:00 +0000 2013", "ann",
+                                                            "hello, world", "http://a.example/1"}));
 
   options.path = Sample("sample_twitter11.txt");
   EXPECT_EQ(PreviewCorpus(options).outcome, DetectionOutcome::kTabSeparated);
@@ -147,8 +146,9 @@ TEST(ImportLoad, FailedImportReportsAndLeavesNothingLoaded) {
   RecordingNotifier notifier;
   Session session;
   const std::string path = dir.WriteFile(
-      "bad.jsonl", "{\"id\":\"1\",\"author_id\":\"2\",\"created_at\":\"2013-09-09T10:00:00Z\",\"text\":\"a\"}\n"
-                   "{\"id\":\"2\",\"author_id\":\"2\",\"text\":\"no date\"}\n");
+      "bad.jsonl",
+      "{\"id\":\"1\",\"author_id\":\"2\",\"created_at\":\"2013-09-09T10:00:00Z\",\"text\":\"a\"}\n"
+      "{\"id\":\"2\",\"author_id\":\"2\",\"text\":\"no date\"}\n");
   const LoadReport report = LoadFile(session, path, notifier);
   EXPECT_FALSE(report.loaded);
   EXPECT_NE(report.error.find("line 2: the post has no date (created_at)"), std::string::npos)

@@ -34,10 +34,9 @@ std::string Line(const Tweet& t) {
   std::snprintf(date, sizeof date, "Mon Sep %02d %02d:00:00 +0000 2013", day, t.hour % 24);
   std::string line;
   for (const std::string& cell :
-       {std::string(date), t.user, t.text, std::string("123"), "Real " + t.user,
-        std::string("10"), std::string("20"), std::string("0"), std::string("UTC"),
-        std::string(""), std::string("99"), std::string("0"), std::string(""), t.pos, t.neg,
-        std::string("1")}) {
+       {std::string(date), t.user, t.text, std::string("123"), "Real " + t.user, std::string("10"),
+        std::string("20"), std::string("0"), std::string("UTC"), std::string(""), std::string("99"),
+        std::string("0"), std::string(""), t.pos, t.neg, std::string("1")}) {
     line += (line.empty() ? "" : "\t") + cell;
   }
   return line + "\n";
@@ -284,12 +283,11 @@ TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
   ModelOptions options;
   options.intervalLength = "4";
   int calls = 0;
-  const ModelReport report =
-      BuildModels(session_, options, notifier_,
-                  [&](std::string_view stage, std::int64_t, std::int64_t) {
-                    EXPECT_EQ(stage.substr(0, 7), "words: ");
-                    return ++calls < 3;
-                  });
+  const ModelReport report = BuildModels(session_, options, notifier_,
+                                         [&](std::string_view stage, std::int64_t, std::int64_t) {
+                                           EXPECT_EQ(stage.substr(0, 7), "words: ");
+                                           return ++calls < 3;
+                                         });
   EXPECT_FALSE(report.built);
   EXPECT_TRUE(report.cancelled);
   EXPECT_FALSE(session_.ModelsBuilt());

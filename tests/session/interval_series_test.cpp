@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <cstdio>
+#include <limits>
 #include <numeric>
 #include <sstream>
 
@@ -42,9 +42,8 @@ std::string Line(const Tweet& t) {
   std::string line;
   for (const std::string& cell :
        {std::string(date), std::string("ann"), t.text, std::string("123"), std::string("Ann"),
-        std::string("10"), std::string("20"), std::string("0"), std::string("UTC"),
-        std::string(""), std::string("99"), std::string("0"), std::string(""), t.pos, t.neg,
-        std::string("1")}) {
+        std::string("10"), std::string("20"), std::string("0"), std::string("UTC"), std::string(""),
+        std::string("99"), std::string("0"), std::string(""), t.pos, t.neg, std::string("1")}) {
     line += (line.empty() ? "" : "\t") + cell;
   }
   return line + "\n";
@@ -225,20 +224,19 @@ TEST_F(IntervalSeriesTest, ProgressOncePerIntervalAndCancel) {
   Build(ThreeIntervals(), "2");
   std::vector<std::int64_t> done;
   IntervalSeries series;
-  ASSERT_TRUE(ComputeIntervalSeries(session_, 1, 0, series,
-                                    [&](std::string_view stage, std::int64_t d, std::int64_t total) {
-                                      EXPECT_EQ(stage, "series");
-                                      EXPECT_EQ(total, 3);
-                                      done.push_back(d);
-                                      return true;
-                                    }));
+  ASSERT_TRUE(ComputeIntervalSeries(
+      session_, 1, 0, series, [&](std::string_view stage, std::int64_t d, std::int64_t total) {
+        EXPECT_EQ(stage, "series");
+        EXPECT_EQ(total, 3);
+        done.push_back(d);
+        return true;
+      }));
   EXPECT_EQ(done, (std::vector<std::int64_t>{1, 2, 3}));
   EXPECT_EQ(series.rows.size(), 3u);
   int calls = 0;
-  EXPECT_FALSE(ComputeIntervalSeries(session_, 1, 0, series,
-                                     [&](std::string_view, std::int64_t, std::int64_t) {
-                                       return ++calls < 2;
-                                     }));
+  EXPECT_FALSE(ComputeIntervalSeries(
+      session_, 1, 0, series,
+      [&](std::string_view, std::int64_t, std::int64_t) { return ++calls < 2; }));
   EXPECT_EQ(calls, 2);
   EXPECT_TRUE(series.rows.empty());
 }
@@ -283,9 +281,12 @@ TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
 
 TEST(IntervalSeriesCsv, FieldsAreQuotedOnlyWhenNeeded) {
   const std::vector<std::pair<std::string, std::string>> cases = {
-      {"plain", "plain"},       {"", ""},
-      {"a,b", "\"a,b\""},       {"say \"hi\"", "\"say \"\"hi\"\"\""},
-      {"two\nlines", "\"two\nlines\""}, {"cr\r", "\"cr\r\""},
+      {"plain", "plain"},
+      {"", ""},
+      {"a,b", "\"a,b\""},
+      {"say \"hi\"", "\"say \"\"hi\"\"\""},
+      {"two\nlines", "\"two\nlines\""},
+      {"cr\r", "\"cr\r\""},
       {"café", "café"}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(CsvField(text), expected) << text;
 }
@@ -344,8 +345,9 @@ TEST(IntervalSeriesSample, TheBundledCorpusByDay) {
     EXPECT_LE(row.novelty, 1.0f);
     EXPECT_LE(row.documentsWithLinks, row.documents);
     if (row.documents > 0) {
-      EXPECT_FLOAT_EQ(row.linkRatio,
-                      static_cast<float>(static_cast<double>(row.documentsWithLinks) / row.documents));
+      EXPECT_FLOAT_EQ(
+          row.linkRatio,
+          static_cast<float>(static_cast<double>(row.documentsWithLinks) / row.documents));
       EXPECT_EQ(row.bursts.size(), kSeriesBurstTerms);
       EXPECT_GT(row.positiveMean, 0.0f);
       EXPECT_GT(row.negativeMean, 0.0f);
@@ -355,9 +357,11 @@ TEST(IntervalSeriesSample, TheBundledCorpusByDay) {
   EXPECT_EQ(series.maxIntervalDocCount, largest);
   EXPECT_EQ(series.rows[0].start.substr(0, 10), "2013-09-02");
   // The storm's bursts: the busiest day holds several times the quietest day's tweets.
-  const auto [quiet, busy] = std::minmax_element(
-      series.rows.begin(), series.rows.end(),
-      [](const IntervalSeriesRow& a, const IntervalSeriesRow& b) { return a.documents < b.documents; });
+  const auto [quiet, busy] =
+      std::minmax_element(series.rows.begin(), series.rows.end(),
+                          [](const IntervalSeriesRow& a, const IntervalSeriesRow& b) {
+                            return a.documents < b.documents;
+                          });
   EXPECT_GT(busy->documents, 2 * quiet->documents);
   // A second run over the same models gives the same rows (the caches answer the same).
   IntervalSeries again;

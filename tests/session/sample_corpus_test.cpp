@@ -70,11 +70,11 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Sample{"sample_twitter11.txt", false, CorpusFormat::kTwitter11},
                       Sample{"sample_twitter.txt", false, CorpusFormat::kTwitter},
                       Sample{"sample_radian6.txt", true, CorpusFormat::kRadian6}),
-    [](const auto& info) { return std::string(info.param.file).substr(7, 7) == "radian6"
-                                      ? std::string("Radian6")
-                                      : std::string(info.param.file) == "sample_twitter.txt"
-                                            ? std::string("Twitter")
-                                            : std::string("Twitter11"); });
+    [](const auto& info) {
+      return std::string(info.param.file).substr(7, 7) == "radian6" ? std::string("Radian6")
+             : std::string(info.param.file) == "sample_twitter.txt" ? std::string("Twitter")
+                                                                    : std::string("Twitter11");
+    });
 
 }  // namespace
 }  // namespace sylvora

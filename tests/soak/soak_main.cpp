@@ -72,13 +72,20 @@ bool ReadOptions(int argc, char** argv, SoakOptions& options) {
     const std::string_view flag = argv[i];
     if (i + 1 >= argc) return false;
     const char* value = argv[++i];
-    if (flag == "--rounds") options.rounds = std::atoi(value);
-    else if (flag == "--settle") options.settle = std::atoi(value);
-    else if (flag == "--slack-mb") options.slackMb = std::strtod(value, nullptr);
-    else if (flag == "--corpus") options.corpus = value;
-    else if (flag == "--stop-list") options.stopList = value;
-    else if (flag == "--graphviz") options.graphviz = value;
-    else return false;
+    if (flag == "--rounds")
+      options.rounds = std::atoi(value);
+    else if (flag == "--settle")
+      options.settle = std::atoi(value);
+    else if (flag == "--slack-mb")
+      options.slackMb = std::strtod(value, nullptr);
+    else if (flag == "--corpus")
+      options.corpus = value;
+    else if (flag == "--stop-list")
+      options.stopList = value;
+    else if (flag == "--graphviz")
+      options.graphviz = value;
+    else
+      return false;
   }
   return options.rounds > 0 && options.settle >= 1;
 }
@@ -107,8 +114,8 @@ std::string Round(sylvora::Session& session, const SoakOptions& options) {
   const auto& words = session.WordIndex();
   const auto& stream = session.WordModel();
   sylvora::ClusterMap wordMap, intervalMap, tweetMap;
-  auto report = sylvora::BuildWordMap(words, &stream, sylvora::WordMapLevel::kTweet, map,
-                                      wordMap, notifier);
+  auto report =
+      sylvora::BuildWordMap(words, &stream, sylvora::WordMapLevel::kTweet, map, wordMap, notifier);
   if (!report.built) return "word map: " + report.error;
   report = sylvora::BuildIntervalMap(stream, map, intervalMap, notifier);
   if (!report.built) return "interval map: " + report.error;

@@ -35,8 +35,8 @@ StreamCorpus Built(const std::vector<StreamDoc>& docs, std::int32_t length = 10)
 //   4: "aa bb", "aa bb"  aa 1.0, bb 1.0
 // aa: df 6 of N 8; bb: df 3; cc: df 2; dd: df 1.
 std::vector<StreamDoc> FourIntervals() {
-  return {{0, "aa bb"}, {1, "aa"},    {10, "aa cc"}, {11, "cc"},
-          {20, "aa"},   {21, "dd"},   {30, "aa bb"}, {31, "aa bb"}};
+  return {{0, "aa bb"}, {1, "aa"},  {10, "aa cc"}, {11, "cc"},
+          {20, "aa"},   {21, "dd"}, {30, "aa bb"}, {31, "aa bb"}};
 }
 
 TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
@@ -149,8 +149,8 @@ TEST(Novelty, IsOneMinusTheMeanSimilarityToTheWindow) {
   s.NM().SetValue(4, 2, 0.25f);
   s.NM().SetValue(4, 1, 0.75f);
   s.NM().SetValue(5, 4, 0.2f);
-  s.NM().SetValue(3, 4, 0.9f);  // upper triangle: not read for interval 4
-  EXPECT_EQ(s.IntervalNoveltyScore(3, 3), 0.0f);  // no full window
+  s.NM().SetValue(3, 4, 0.9f);                          // upper triangle: not read for interval 4
+  EXPECT_EQ(s.IntervalNoveltyScore(3, 3), 0.0f);        // no full window
   EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 3), 0.5f);  // 1 - 1.5 / 3
   EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 1), 0.5f);
   EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 2), 0.625f);  // 1 - .75 / 2
@@ -244,8 +244,8 @@ TEST(LinkRatio, IsTheShareOfDocumentsWithALink) {
 // An interval of four documents with negative strengths -1, -1, -2, -3 (counts 2, 1, 1, 0, 0)
 // and positive strengths 4, 4, 2, 5; then an empty interval; then two documents.
 std::vector<StreamDoc> SentimentDocs() {
-  return {{0, "aa", "", "4", "-1"},  {1, "aa bb", "", "4", "-1"}, {2, "bb", "", "2", "-2"},
-          {3, "aa", "", "5", "-3"},  {20, "aa", "", "3", "-5"},   {21, "bb", "", "3", "-4"}};
+  return {{0, "aa", "", "4", "-1"}, {1, "aa bb", "", "4", "-1"}, {2, "bb", "", "2", "-2"},
+          {3, "aa", "", "5", "-3"}, {20, "aa", "", "3", "-5"},   {21, "bb", "", "3", "-4"}};
 }
 
 TEST(Sentiment, CountsEachDocumentOnceOnEachSide) {
@@ -309,14 +309,15 @@ TEST(Sentiment, StrengthsOutOfRangeCountAsTheWeakest) {
                           {10, "aa", "", "1", "-1"}});
   TextStream& s = *c.stream;
   s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
-  EXPECT_EQ(s.SIFM().Value(6, 1), 2.0f);   // +1: "9" and "0"
-  EXPECT_EQ(s.SIFM().Value(8, 1), 1.0f);   // +3
-  EXPECT_EQ(s.SIFM().Value(5, 1), 3.0f);   // -1: "-1", "2" and "-6"
+  EXPECT_EQ(s.SIFM().Value(6, 1), 2.0f);  // +1: "9" and "0"
+  EXPECT_EQ(s.SIFM().Value(8, 1), 1.0f);  // +3
+  EXPECT_EQ(s.SIFM().Value(5, 1), 3.0f);  // -1: "-1", "2" and "-6"
 }
 
 TEST(Sentiment, ACorpusWithoutSentimentKeepsAZeroModel) {
   for (const auto& [pos, neg] : {std::pair{"0", "-1"}, {"2", "0"}, {"", ""}, {"n/a", "-2"}}) {
-    StreamCorpus c = Built({{0, "aa", "", "2", "-2"}, {1, "aa", "", pos, neg}, {10, "aa", "", "3", "-3"}});
+    StreamCorpus c =
+        Built({{0, "aa", "", "2", "-2"}, {1, "aa", "", pos, neg}, {10, "aa", "", "3", "-3"}});
     TextStream& s = *c.stream;
     s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
     EXPECT_EQ(s.SIFM().ColCount(), 2);

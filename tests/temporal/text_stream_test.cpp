@@ -266,16 +266,15 @@ TEST(TextStreamFailures, ACancelEmptiesTheModel) {
   const ProgressCallback cancel = [&](std::string_view, std::int64_t, std::int64_t) {
     return ++calls < 2;
   };
-  EXPECT_FALSE(c.stream->BuildTermIntervalFrequencyModel(kElapsedField, 10, DefaultNotifier(),
-                                                         cancel));
+  EXPECT_FALSE(
+      c.stream->BuildTermIntervalFrequencyModel(kElapsedField, 10, DefaultNotifier(), cancel));
   EXPECT_EQ(calls, 2);
   EXPECT_EQ(c.stream->IntervalCount(), 0);
   EXPECT_EQ(c.stream->TIFM().ColCount(), 0);
 }
 
 TEST(TextStreamTerms, FirstAndLastIntervalsOfATerm) {
-  StreamCorpus c = MakeStreamCorpus(
-      {{0, "aa"}, {10, "bb"}, {20, "aa bb"}, {30, "cc"}, {40, "cc"}});
+  StreamCorpus c = MakeStreamCorpus({{0, "aa"}, {10, "bb"}, {20, "aa bb"}, {30, "cc"}, {40, "cc"}});
   ASSERT_TRUE(Build(c, 10));
   const TextStream& s = *c.stream;
   EXPECT_EQ(s.FirstTermInterval(c.Term("aa")), 1);
@@ -344,12 +343,8 @@ TEST(TextStreamDates, IntervalOfADateTimeRoundsHalfToEven) {
 }
 
 TEST(TextStreamSimilarity, NMIsSymmetricWithOnesOnTheDiagonal) {
-  StreamCorpus c = MakeStreamCorpus({{0, "aa bb"},
-                                     {1, "aa"},
-                                     {10, "aa bb"},
-                                     {11, "aa"},
-                                     {20, "cc dd"},
-                                     {30, "aa cc"}});
+  StreamCorpus c = MakeStreamCorpus(
+      {{0, "aa bb"}, {1, "aa"}, {10, "aa bb"}, {11, "aa"}, {20, "cc dd"}, {30, "aa cc"}});
   ASSERT_TRUE(Build(c, 10));
   c.stream->BuildIntervalSimilarityModel(9999);
   const SparseMatrixSingle& nm = c.stream->NM();

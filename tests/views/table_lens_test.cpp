@@ -154,7 +154,8 @@ class TableLensTest : public QObject {
     QFont font(QStringLiteral("Courier New"), 8);
     font.setStyleHint(QFont::TypeWriter);
     const QFontMetricsF metrics(font, &MeasuringDevice());
-    const double expected = 1.0 - metrics.horizontalAdvance(QStringLiteral("abcdefg")) * 101.0 / 800.0;
+    const double expected =
+        1.0 - metrics.horizontalAdvance(QStringLiteral("abcdefg")) * 101.0 / 800.0;
     QVERIFY(std::abs(window.lens->HeaderWidth() - expected) < 1e-4);
     const QRectF header = window.lens->CellRect(1, 0);
     QCOMPARE(header.left(), 0.0);

@@ -158,8 +158,8 @@ class TimeLineChartTest : public QObject {
     QCOMPARE(chart->SentimentAverageChoice(), std::int16_t{TimeLineChart::kMean});
     const QImage mean = chart->Picture();
     testing::MaybeSaveSnapshot(mean, "chart_sentiment");
-    QCOMPARE(PixelAt(mean, {300, 100}), kPositive);  // 2.5 / 5
-    QVERIFY(ColourNear(mean, {300, 40}, kNegative));   // 4 / 5
+    QCOMPARE(PixelAt(mean, {300, 100}), kPositive);   // 2.5 / 5
+    QVERIFY(ColourNear(mean, {300, 40}, kNegative));  // 4 / 5
     // Both lines come in from (-1, 0): below their level on the left edge.
     QCOMPARE(CountColour(mean, QRectF(0, 0, 100, 99), kPositive), 0);
     QVERIFY(CountColour(mean, QRectF(0, 100, 100, 100), kPositive) > 0);

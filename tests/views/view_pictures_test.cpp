@@ -6,10 +6,10 @@
 #include <QString>
 #include <QTest>
 
+#include "indexing/term_document_matrix.h"
 #include "session/interval_series.h"
 #include "support/temp_dir.h"
 #include "temporal/text_stream.h"
-#include "indexing/term_document_matrix.h"
 #include "view_test_support.h"
 
 namespace sylvora {
@@ -32,7 +32,9 @@ class ViewPicturesTest : public QObject {
     QCOMPARE(picture.size(), QSize(800, 600));
     testing::MaybeSaveSnapshot(picture, "picture_words");
     // Node positions in pixels: x -1..11 and y -0.8..8.8 over the picture.
-    const auto at = [](double x, double y) { return QPointF((x + 1) / 12 * 800, (y + 0.8) / 9.6 * 600); };
+    const auto at = [](double x, double y) {
+      return QPointF((x + 1) / 12 * 800, (y + 0.8) / 9.6 * 600);
+    };
     const QColor labelRed(190, 0, 0);
     QVERIFY(testing::CountNearColour(picture, QRectF(at(0, 0), QSizeF(60, 16)), labelRed, 40) > 10);
     QVERIFY(testing::CountNearColour(picture, QRectF(at(5, 8), QSizeF(60, 16)), labelRed, 40) > 10);
@@ -47,8 +49,8 @@ class ViewPicturesTest : public QObject {
     QCOMPARE(QString::fromStdString(error), QStringLiteral("The map has no nodes"));
     TextStream model;
     TermDocumentMatrix index;
-    QVERIFY(!WriteTermTimelinePng(model, index, "h", (dir.Path() / "t.png").string(),
-                                  PictureSize{}, error));
+    QVERIFY(!WriteTermTimelinePng(model, index, "h", (dir.Path() / "t.png").string(), PictureSize{},
+                                  error));
     QCOMPARE(QString::fromStdString(error), QStringLiteral("The words model has no intervals"));
   }
 

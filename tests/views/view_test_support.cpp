@@ -57,7 +57,8 @@ void MaybeSaveSnapshot(const QImage& image, const char* name) {
   const char* folder = std::getenv("SYLVORA_VIEW_SNAPSHOTS");
   if (folder == nullptr || *folder == '\0') return;
   QDir().mkpath(QString::fromLocal8Bit(folder));
-  image.save(QStringLiteral("%1/%2.png").arg(QString::fromLocal8Bit(folder), QString::fromLatin1(name)));
+  image.save(
+      QStringLiteral("%1/%2.png").arg(QString::fromLocal8Bit(folder), QString::fromLatin1(name)));
 }
 
 std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
@@ -82,8 +83,7 @@ std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
   return spatial;
 }
 
-int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour,
-                    int tolerance) {
+int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour, int tolerance) {
   const QRect area = rect.toAlignedRect().intersected(image.rect());
   int count = 0;
   for (int y = area.top(); y <= area.bottom(); ++y) {

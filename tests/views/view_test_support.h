@@ -38,7 +38,6 @@ std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
 
 // Pixels inside `rect` whose colour is within `tolerance` of `colour` in every channel
 // (antialiased text keeps only its glyph cores exactly in colour).
-int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour,
-                    int tolerance);
+int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour, int tolerance);
 
 }  // namespace sylvora::testing

@@ -61,7 +61,8 @@ struct DemoOptions {
 };
 
 bool ParseArguments(const QStringList& arguments, DemoOptions& options) {
-  options.corpus = (std::filesystem::path(SYLVORA_SOURCE_DIR) / "data" / "sample_twitter11.txt").string();
+  options.corpus =
+      (std::filesystem::path(SYLVORA_SOURCE_DIR) / "data" / "sample_twitter11.txt").string();
   for (qsizetype i = 1; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
     const bool hasValue = i + 1 < arguments.size();
@@ -94,7 +95,8 @@ bool BuildSession(const DemoOptions& options, Session& session, ClusterMap& word
     return false;
   }
   IndexOptions index;
-  index.stopListPath = (std::filesystem::path(SYLVORA_SOURCE_DIR) / "data" / "common_words.txt").string();
+  index.stopListPath =
+      (std::filesystem::path(SYLVORA_SOURCE_DIR) / "data" / "common_words.txt").string();
   const IndexReport indexed = BuildIndexes(session, index);
   if (!indexed.indexed) {
     std::cerr << "Cannot index: " << indexed.error << '\n';
@@ -190,7 +192,8 @@ class DemoWindow : public QMainWindow {
       ShowWordMap(map_, wordMap);
     } else {
       map_.LoadCoordinatesTest();
-      statusBar()->showMessage(QStringLiteral("No word map could be laid out: a test grid instead"));
+      statusBar()->showMessage(
+          QStringLiteral("No word map could be laid out: a test grid instead"));
     }
     map_.SetSelectedNode(-1);
     map_.SetHoverNode(-1);
@@ -219,7 +222,8 @@ class DemoWindow : public QMainWindow {
       const std::int32_t term = node + 1;
       if (!lens_.RowMarked(term)) lens_.SetRowMarked(term, true);
       lens_.MoveCursor(term, 0);
-      statusBar()->showMessage(QStringLiteral("Marked \"%1\" in the term time line").arg(map_.NodeLabel(node)));
+      statusBar()->showMessage(
+          QStringLiteral("Marked \"%1\" in the term time line").arg(map_.NodeLabel(node)));
     });
     connect(&map_, &PointMap2D::ViewChanged, this, [this] {
       const PointMap2D::ViewRect& view = map_.View();
@@ -229,9 +233,8 @@ class DemoWindow : public QMainWindow {
                                    .arg(view.top, 0, 'f', 2)
                                    .arg(view.bottom, 0, 'f', 2));
     });
-    connect(style, &QComboBox::activated, this, [this](int index) {
-      lens_.SetCellStyle(static_cast<std::uint8_t>(index));
-    });
+    connect(style, &QComboBox::activated, this,
+            [this](int index) { lens_.SetCellStyle(static_cast<std::uint8_t>(index)); });
     connect(&lens_, &TableLens::CellStyleChanged, style, &QComboBox::setCurrentIndex);
     connect(filter, &QCheckBox::toggled, this, [this](bool on) { lens_.SetFilterRows(on); });
     connect(&lens_, &TableLens::CellMouseOver, this, [this](int column, int row) {
@@ -246,7 +249,8 @@ class DemoWindow : public QMainWindow {
         map_.SetSelectedNode(node);
         map_.PulseNode(node, 2.0f);
       }
-      statusBar()->showMessage(QStringLiteral("%1, interval %2").arg(lens_.RowName(row)).arg(column));
+      statusBar()->showMessage(
+          QStringLiteral("%1, interval %2").arg(lens_.RowName(row)).arg(column));
     });
   }
 

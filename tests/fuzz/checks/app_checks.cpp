@@ -35,8 +35,7 @@ std::string CheckWellFormedReply(std::string_view input) {
     if (c != ']' && c != '<') value += c;
   }
   const std::string reply = "<?xml version=\"1.0\"?><response><long-url><![CDATA[" + value +
-                            "]]></long-url><title><![CDATA[" + value +
-                            "]]></title></response>";
+                            "]]></long-url><title><![CDATA[" + value + "]]></title></response>";
   const auto parsed = app::ParseExpandReply(reply);
   if (!parsed) return "a well-formed reply gave no long link";
   if (parsed->longURL != value || parsed->title != value) {

@@ -69,8 +69,8 @@ std::string CheckDateTime(std::string_view input) {
   if (bar == std::string_view::npos || !first) return {};
   const auto second = DateTime::Parse(input.substr(bar + 1));
   if (!second) return {};
-  for (TimeUnit unit : {TimeUnit::kSecond, TimeUnit::kMinute, TimeUnit::kHour, TimeUnit::kDay,
-                        TimeUnit::kWeek}) {
+  for (TimeUnit unit :
+       {TimeUnit::kSecond, TimeUnit::kMinute, TimeUnit::kHour, TimeUnit::kDay, TimeUnit::kWeek}) {
     const auto forward = DateDiff(unit, *first, *second);
     if (forward != -DateDiff(unit, *second, *first)) return "date difference not antisymmetric";
     if (DateDiff(unit, *first, *first) != 0) return "date difference of a date with itself";

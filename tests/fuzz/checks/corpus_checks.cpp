@@ -92,12 +92,10 @@ std::string CheckLoadWorkflow(std::string_view input) {
 }  // namespace
 
 std::vector<FuzzTarget> CorpusTargets() {
-  return {{"corpus_twitter", LoadFormat(7, true)},
-          {"corpus_twitter11", LoadFormat(8, true)},
-          {"corpus_radian6", LoadFormat(9, true)},
-          {"corpus_definition_format", LoadFormat(1, false)},
-          {"definition_file", CheckDefinitionFile},
-          {"load_workflow", CheckLoadWorkflow}};
+  return {
+      {"corpus_twitter", LoadFormat(7, true)},  {"corpus_twitter11", LoadFormat(8, true)},
+      {"corpus_radian6", LoadFormat(9, true)},  {"corpus_definition_format", LoadFormat(1, false)},
+      {"definition_file", CheckDefinitionFile}, {"load_workflow", CheckLoadWorkflow}};
 }
 
 }  // namespace sylvora::fuzz

@@ -17,8 +17,7 @@ namespace {
 class Scratch {
  public:
   Scratch() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "sylvora-fuzz-XXXXXX").string();
+    std::string pattern = (std::filesystem::temp_directory_path() / "sylvora-fuzz-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make " + pattern);
     path_ = pattern;
   }

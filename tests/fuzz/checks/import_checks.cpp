@@ -47,7 +47,8 @@ std::string CheckImported(const DocumentSet& set, const ImportReport& report,
     for (int f = 0; f < kLayoutFieldCount; ++f) {
       const std::string cell = set.Text(d, static_cast<FieldIndex>(f));
       if (!IsValidUtf8(cell)) return "cell is not valid UTF-8";
-      if (cell.find_first_of("\t\r\n") != std::string::npos) return "a cell holds a tab or a line break";
+      if (cell.find_first_of("\t\r\n") != std::string::npos)
+        return "a cell holds a tab or a line break";
     }
   }
   if (set.Text(count, 0) != DocumentSet::kIndexErrorText) {
@@ -79,7 +80,8 @@ std::string CheckImport(std::string_view input, std::string_view name) {
   }
   DocumentSet set;
   ImportReport report;
-  const DetectionOutcome outcome = ImportCorpusBytes(std::string(name), input, options, set, report);
+  const DetectionOutcome outcome =
+      ImportCorpusBytes(std::string(name), input, options, set, report);
   if (outcome != DetectionOutcome::kImport) {
     if (set.DocumentCount() != 0) return "a file that was not imported left documents";
     if (outcome == DetectionOutcome::kError && report.error.empty()) {

@@ -7,12 +7,12 @@
 
 namespace sylvora::fuzz {
 
-std::vector<FuzzTarget> CommonTargets();  // text decoding, numbers, dates
-std::vector<FuzzTarget> CorpusTargets();  // corpus files of every format family
+std::vector<FuzzTarget> CommonTargets();    // text decoding, numbers, dates
+std::vector<FuzzTarget> CorpusTargets();    // corpus files of every format family
 std::vector<FuzzTarget> IndexingTargets();  // stop list, TDM file
-std::vector<FuzzTarget> NetworkTargets();  // matrix file, Graphviz plain output
-std::vector<FuzzTarget> AppTargets();  // link service reply, settings file, event file
-std::vector<FuzzTarget> ImportTargets();  // JSON and named-column CSV exports
+std::vector<FuzzTarget> NetworkTargets();   // matrix file, Graphviz plain output
+std::vector<FuzzTarget> AppTargets();       // link service reply, settings file, event file
+std::vector<FuzzTarget> ImportTargets();    // JSON and named-column CSV exports
 
 inline std::vector<FuzzTarget> AllTargets() {
   std::vector<FuzzTarget> all;
