@@ -1,7 +1,7 @@
 #pragma once
 // Character-level helpers over UTF-8 text. "Characters" in positions and lengths are Unicode
-// code points; positions in these helpers are 1-based, as the string functions of the
-// original tools counted them. Character classes defined on Windows-1252 apply to code points
+// code points; positions in these helpers are 1-based, like the positions users see in the
+// corpus fields. Character classes defined on Windows-1252 apply to code points
 // that have a Windows-1252 byte (Windows1252Code); any other code point is an ordinary letter.
 
 #include <cstddef>

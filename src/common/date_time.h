@@ -2,8 +2,7 @@
 // Date-times as the corpus layer and the temporal model use them: naive calendar date-times
 // (no time zone, no daylight saving) to the second, over std::chrono.
 //
-// Differences are taken as the original desktop platform's date-difference function counts
-// them: the number of unit boundaries crossed between two instants, so from 23:59:59 to
+// A difference counts the unit boundaries crossed between two instants, so from 23:59:59 to
 // 00:00:00 the next day is one day. Weeks start on Sunday.
 
 #include <chrono>

@@ -1,7 +1,7 @@
 #pragma once
-// Progress and cancellation for long loops. Where the original tools let the user interface
-// process events in the middle of a long loop, our code calls a progress callback instead;
-// the application maps it onto a progress bar with a Cancel button. The core never calls Qt.
+// Progress and cancellation for long loops. A long loop calls a progress callback every few
+// thousand steps; the application maps it onto a progress bar with a Cancel button and runs
+// the loop on a worker thread. The core never calls Qt.
 //
 // A callback is passed into each long call, never reached through a global.
 
