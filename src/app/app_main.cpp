@@ -237,6 +237,8 @@ int RunApplication(int argc, char** argv) {
   }
   QApplication application(argc, argv);
   QApplication::setApplicationName(u"sylvora"_s);
+  // Lets the desktop match the window with the installed sylvora.desktop (and its icon).
+  QGuiApplication::setDesktopFileName(u"sylvora"_s);
   Arguments arguments;
   QString error;
   if (!ParseArguments(QApplication::arguments(), arguments, error)) {

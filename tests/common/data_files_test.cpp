@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -21,8 +20,6 @@ TEST(DataFiles, AProgramFindsTheFilesOfItsInstallTreeOrOfItsBuildTree) {
   fs::create_directories(prefix / "share" / "sylvora");
   std::ofstream(prefix / "share" / "sylvora" / "common_words.txt") << "the\n";
   fs::create_directories(dir.Path() / "bare" / "bin");
-  const char* source = std::getenv("SYLVORA_SOURCE_DIR");
-  ASSERT_NE(source, nullptr);
 
   struct Case {
     fs::path programFolder;
@@ -34,7 +31,7 @@ TEST(DataFiles, AProgramFindsTheFilesOfItsInstallTreeOrOfItsBuildTree) {
       // A copied program outside the build tree never reads the source tree.
       {dir.Path() / "bare" / "bin", {}},
       // This test program runs from the build tree: the source tree's data folder.
-      {ProgramFolder(), fs::path(source) / "data" / "common_words.txt"},
+      {ProgramFolder(), testing::SourceDir() / "data" / "common_words.txt"},
   };
   for (const Case& c : cases) {
     const std::string found = FindDataFile("common_words.txt", c.programFolder.string());
