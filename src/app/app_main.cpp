@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <string_view>
 
 #include <QApplication>
 #include <QDir>
@@ -28,7 +29,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const char* kUsage = "usage: sylvora [CORPUS] [--screenshot FILE]\n";
+constexpr const char* kUsage =
+    "usage: sylvora [CORPUS] [--screenshot FILE]\n"
+    "       sylvora --help | --version\n"
+    "Opens the main window; CORPUS (a tab-separated, JSON or CSV tweet export) is loaded at\n"
+    "once. --screenshot FILE loads and indexes CORPUS, builds the views and the maps, saves\n"
+    "pictures of the window to FILE, FILE-timeline.png and FILE-clusters.png, and exits.\n";
 
 struct Arguments {
   QString corpus;
@@ -217,8 +223,22 @@ void TakeScreenshot(Main& window, const QString& file) {
 }  // namespace
 
 int RunApplication(int argc, char** argv) {
+  // Answered before the application object exists: it needs a display, these two do not.
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument == "--help" || argument == "-h") {
+      std::printf("%s", kUsage);
+      return 0;
+    }
+    if (argument == "--version") {
+      std::printf("sylvora %s\n", SYLVORA_VERSION);
+      return 0;
+    }
+  }
   QApplication application(argc, argv);
   QApplication::setApplicationName(u"sylvora"_s);
+  // Lets the desktop match the window with the installed sylvora.desktop (and its icon).
+  QGuiApplication::setDesktopFileName(u"sylvora"_s);
   Arguments arguments;
   QString error;
   if (!ParseArguments(QApplication::arguments(), arguments, error)) {

@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QProgressBar>
@@ -18,16 +19,26 @@
 #include "app/time_line_explorer_page.h"
 #include "app/time_line_links.h"
 #include "app/ui_notifier.h"
+#include "common/data_files.h"
 
 namespace sylvora::app {
 
 using namespace Qt::StringLiterals;
 
 StartupEnvironment StartupEnvironment::FromProcess(const QString& commandLine) {
+  return ForProgram(QCoreApplication::applicationDirPath(), commandLine);
+}
+
+StartupEnvironment StartupEnvironment::ForProgram(const QString& programFolder,
+                                                  const QString& commandLine) {
   StartupEnvironment environment;
   environment.configFolder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
-  environment.programFolder = QCoreApplication::applicationDirPath();
-  environment.dataFolder = QStringLiteral(SYLVORA_DATA_DIR);
+  environment.programFolder = programFolder;
+  // The installed stop list (or, from a build folder, the source tree's).
+  const std::string stopList = FindDataFile("common_words.txt", programFolder.toStdString());
+  if (!stopList.empty()) {
+    environment.dataFolder = QFileInfo(QString::fromStdString(stopList)).absolutePath();
+  }
   environment.searchPath = qEnvironmentVariable("PATH");
   environment.commandLine = commandLine;
   return environment;

@@ -42,8 +42,10 @@ struct StartupEnvironment {
   QString commandLine;    // the corpus named on the command line, or empty
 
   // The environment of this process: QStandardPaths::AppConfigLocation, the application's
-  // folder and PATH.
+  // folder, the shipped files found from it and PATH.
   static StartupEnvironment FromProcess(const QString& commandLine);
+  // The same for a program in `programFolder`.
+  static StartupEnvironment ForProgram(const QString& programFolder, const QString& commandLine);
 };
 
 // A Radian 6 export has at least this many columns.

@@ -6,6 +6,7 @@
 #include "cli/command_line.h"
 #include "cli/import_flags.h"
 #include "cli/stream_notifier.h"
+#include "common/data_files.h"
 #include "common/file_io.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
@@ -119,14 +120,14 @@ const char* OnOff(bool on) { return on ? "on" : "off"; }
 
 std::string DefaultStopListPath() {
   namespace fs = std::filesystem;
+  const std::string program = ProgramFolder();
   std::vector<fs::path> candidates;
+  if (!program.empty()) candidates.push_back(fs::path(program) / "common_words.txt");
+  if (const std::string shipped = FindDataFile("common_words.txt", program); !shipped.empty()) {
+    candidates.push_back(shipped);
+  }
   std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  if (!error) candidates.push_back(program.parent_path() / "common_words.txt");
   candidates.push_back(fs::current_path(error) / "data" / "common_words.txt");
-#ifdef SYLVORA_SOURCE_DIR
-  candidates.push_back(fs::path(SYLVORA_SOURCE_DIR) / "data" / "common_words.txt");
-#endif
   for (const fs::path& candidate : candidates) {
     if (FileExists(candidate.string())) return candidate.lexically_normal().string();
   }
@@ -167,8 +168,8 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
     return 2;
   }
   if (options.index.stopListPath.empty()) {
-    err << "Error: no stop list found (looked for common_words.txt beside the program, in ./data "
-           "and in the source tree); name one with --stop-list PATH\n";
+    err << "Error: no stop list found (looked for common_words.txt beside the program, in the "
+           "install's share/sylvora and in ./data); name one with --stop-list PATH\n";
     return 1;
   }
   if (options.index.allowNumbers) {

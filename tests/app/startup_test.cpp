@@ -4,14 +4,18 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTest>
 
+#include "app/main_window.h"
 #include "app/path_settings.h"
+#include "recording_platform.h"
 #include "window_fixture.h"
 
 using namespace sylvora;
@@ -193,6 +197,38 @@ class StartupTest : public QObject {
     WindowFixture next(options);
     QCOMPARE(Box(next, "StopPath")->text(), QStringLiteral("/lists/stop words.txt"));
     QCOMPARE(Box(next, "GraphVisPath")->text(), QStringLiteral("/opt/graphviz/bin"));
+  }
+
+  void FirstStartOfAMovedInstallFindsItsFilesAndWritesNoSettings() {
+    QTemporaryDir dir;
+    const QString prefix = dir.path() + QStringLiteral("/moved/usr");
+    const QString graphviz = dir.path() + QStringLiteral("/graphviz");
+    const QString config = dir.path() + QStringLiteral("/config");
+    QDir().mkpath(prefix + QStringLiteral("/bin"));
+    QDir().mkpath(prefix + QStringLiteral("/share/sylvora"));
+    QDir().mkpath(graphviz);
+    QVERIFY(QFile::copy(DataFile(QStringLiteral("common_words.txt")),
+                        prefix + QStringLiteral("/share/sylvora/common_words.txt")));
+    QFile(graphviz + QStringLiteral("/sfdp")).open(QIODevice::WriteOnly);
+    const QByteArray oldPath = qgetenv("PATH");
+    const QByteArray oldConfig = qgetenv("XDG_CONFIG_HOME");
+    qputenv("PATH", (QStringLiteral("/nowhere:") + graphviz).toUtf8());
+    qputenv("XDG_CONFIG_HOME", config.toUtf8());
+    const auto environment =
+        app::StartupEnvironment::ForProgram(prefix + QStringLiteral("/bin"), QString());
+    qputenv("PATH", oldPath);
+    oldConfig.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", oldConfig);
+    QVERIFY(environment.configFolder.startsWith(config));
+
+    RecordingPlatform platform;
+    app::Main window(platform, environment);
+    window.Start();
+    QCOMPARE(window.findChild<QLineEdit*>(QStringLiteral("StopPath"))->text(),
+             prefix + QStringLiteral("/share/sylvora/common_words.txt"));
+    QCOMPARE(window.findChild<QLineEdit*>(QStringLiteral("GraphVisPath"))->text(), graphviz);
+    QCOMPARE(platform.Texts(), QStringList());
+    // Nothing is written until the user presses Save.
+    QVERIFY(!QFileInfo::exists(config));
   }
 
   void CommandLineCorpusIsLoadedThenAnnounced() {

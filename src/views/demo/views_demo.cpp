@@ -22,11 +22,12 @@
 #include <QToolTip>
 #include <QVBoxLayout>
 
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 
+#include "common/data_files.h"
 #include "session/cluster_maps.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
@@ -60,9 +61,14 @@ struct DemoOptions {
   std::string screenshot;
 };
 
+constexpr const char* kUsage =
+    "usage: sylvora-views-demo [FILE] [--length L] [--unit s|n|h|d|ww] [--screenshot PNG]\n"
+    "       sylvora-views-demo --help | --version\n"
+    "Loads, indexes and models FILE (the bundled sample by default, six-hour intervals) and\n"
+    "shows its word map above its term time line; --screenshot draws the window into PNG.\n";
+
 bool ParseArguments(const QStringList& arguments, DemoOptions& options) {
-  options.corpus =
-      (std::filesystem::path(SYLVORA_SOURCE_DIR) / "data" / "sample_twitter11.txt").string();
+  options.corpus = FindDataFile("sample_twitter11.txt");
   for (qsizetype i = 1; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
     const bool hasValue = i + 1 < arguments.size();
@@ -73,8 +79,7 @@ bool ParseArguments(const QStringList& arguments, DemoOptions& options) {
     } else if (argument == QStringLiteral("--screenshot") && hasValue) {
       options.screenshot = arguments[++i].toStdString();
     } else if (argument.startsWith(QStringLiteral("--"))) {
-      std::cerr << "usage: sylvora-views-demo [FILE] [--length L] [--unit s|n|h|d|ww] "
-                   "[--screenshot PNG]\n";
+      std::cerr << kUsage;
       return false;
     } else {
       options.corpus = argument.toStdString();
@@ -95,8 +100,7 @@ bool BuildSession(const DemoOptions& options, Session& session, ClusterMap& word
     return false;
   }
   IndexOptions index;
-  index.stopListPath =
-      (std::filesystem::path(SYLVORA_SOURCE_DIR) / "data" / "common_words.txt").string();
+  index.stopListPath = FindDataFile("common_words.txt");
   const IndexReport indexed = BuildIndexes(session, index);
   if (!indexed.indexed) {
     std::cerr << "Cannot index: " << indexed.error << '\n';
@@ -263,6 +267,18 @@ class DemoWindow : public QMainWindow {
 }  // namespace sylvora
 
 int main(int argc, char** argv) {
+  // Answered before the application object exists, which needs a display.
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument == "--help" || argument == "-h") {
+      std::cout << sylvora::kUsage;
+      return 0;
+    }
+    if (argument == "--version") {
+      std::cout << "sylvora-views-demo " << SYLVORA_VERSION << '\n';
+      return 0;
+    }
+  }
   QApplication application(argc, argv);
   sylvora::DemoOptions options;
   if (!ParseArguments(QCoreApplication::arguments(), options)) return 2;

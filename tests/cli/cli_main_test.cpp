@@ -1,0 +1,78 @@
+#include "cli/cli_main.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
+
+namespace sylvora::cli {
+namespace {
+
+struct CliRun {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+CliRun Cli(const std::vector<std::string>& arguments) {
+  std::ostringstream out, err;
+  const int code = RunCli(arguments, out, err);
+  return {code, out.str(), err.str()};
+}
+
+TEST(CliMain, HelpListsEveryCommandAndFlag) {
+  const CliRun help = Cli({"--help"});
+  EXPECT_EQ(help.code, 0);
+  EXPECT_TRUE(help.err.empty()) << help.err;
+  for (const char* expected : {"load FILE",
+                               "index FILE",
+                               "timeline FILE",
+                               "map FILE",
+                               "--radian",
+                               "--unit s|n|h|d|ww",
+                               "--min-doc-len N",
+                               "--max-docs N",
+                               "--map ROLE=COLUMN",
+                               "--skip-bad",
+                               "--stop-list",
+                               "--min-df",
+                               "--length L",
+                               "--novelty-window W",
+                               "--burst ratio|temporal|z",
+                               "--json",
+                               "--events FILE",
+                               "--png FILE",
+                               "--yes",
+                               "--kind words|intervals|tweets",
+                               "--level tweet|interval",
+                               "--interval K",
+                               "--out PREFIX",
+                               "--graphviz DIR",
+                               "--neighbours N",
+                               "--label-threshold T",
+                               "--version"}) {
+    EXPECT_NE(help.out.find(expected), std::string::npos) << expected;
+  }
+}
+
+TEST(CliMain, VersionAndBadUsage) {
+  const CliRun version = Cli({"--version"});
+  EXPECT_EQ(version.code, 0);
+  EXPECT_TRUE(std::regex_match(version.out, std::regex("sylvora-cli [0-9]+\\.[0-9]+\\.[0-9]+\n")))
+      << version.out;
+  struct Case {
+    std::vector<std::string> arguments;
+    const char* message;
+  };
+  const Case cases[] = {{{}, "usage: sylvora-cli COMMAND"},
+                        {{"plot", "a.txt"}, "Unknown command \"plot\""}};
+  for (const Case& c : cases) {
+    const CliRun run = Cli(c.arguments);
+    EXPECT_EQ(run.code, 2);
+    EXPECT_NE(run.err.find(c.message), std::string::npos) << run.err;
+    EXPECT_TRUE(run.out.empty());
+  }
+}
+
+}  // namespace
+}  // namespace sylvora::cli
