@@ -76,6 +76,7 @@ void DocumentSet::Clear() {
   dateTimes_.clear();
   unreadableDateTexts_.clear();
   undatedRows_.clear();
+  rowLines_.clear();
 }
 
 bool DocumentSet::RemoveDocument(DocIndex index) {
@@ -105,6 +106,7 @@ void DocumentSet::RemoveDocuments(const std::vector<DocIndex>& rows) {
   for (auto& column : columns_) compact(column);
   if (dateTimes_.size() == static_cast<std::size_t>(docCount_)) compact(dateTimes_);
   unreadableDateTexts_.clear();
+  rowLines_.clear();
   docCount_ -= static_cast<DocIndex>(rows.size());
 }
 

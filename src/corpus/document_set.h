@@ -154,10 +154,12 @@ class DocumentSet {
   // converted, else the DateTimeField cell read as a date; nullopt when there is none.
   std::optional<DateTime> DocumentDateTime(DocIndex doc) const;
   // The rows (0-based, as they stood then) whose date the last DeriveElapsedTimeField could
-  // not read, with the date text as the file gave it.
+  // not read, with the date text as the file gave it and, for a tab-separated file loaded
+  // and not yet reordered, the row's line in the file (0 when not known).
   struct UndatedRow {
     DocIndex row;
     std::string text;
+    std::int64_t line = 0;
   };
   const std::vector<UndatedRow>& UndatedRows() const { return undatedRows_; }
   // Deletes the given rows (0-based, ascending); later rows move up. O(rows x fields).
@@ -239,6 +241,8 @@ class DocumentSet {
   FieldIndex dateTimesField_ = 0;
   std::vector<std::pair<DocIndex, std::string>> unreadableDateTexts_;
   std::vector<UndatedRow> undatedRows_;
+  // Per row, its 1-based line in a tab-separated file, for messages; dropped when rows move.
+  std::vector<std::int64_t> rowLines_;
 
   mutable std::string lastError_;
 };

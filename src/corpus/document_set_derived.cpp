@@ -153,7 +153,8 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
       date = DateTime::Parse(ReplaceAll(columns_[dateField][d], "\"", ""));
     }
     if (!date) {
-      undated.push_back({d, fileText(d)});
+      const auto row = static_cast<std::size_t>(d);
+      undated.push_back({d, fileText(d), row < rowLines_.size() ? rowLines_[row] : 0});
       continue;
     }
     const std::int64_t value = DateDiff(*unit, *origin, *date);
@@ -282,6 +283,7 @@ void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notif
     for (auto& column : columns_) std::reverse(column.begin(), column.end());
     std::reverse(dateTimes_.begin(), dateTimes_.end());
     unreadableDateTexts_.clear();
+    rowLines_.clear();
     return;
   }
   // Every other case shows the notice, also a run that is already in order.
@@ -312,6 +314,7 @@ void DocumentSet::ApplyRowOrder(const std::vector<DocIndex>& order) {
     dateTimes_.swap(dates);
   }
   unreadableDateTexts_.clear();
+  rowLines_.clear();
 }
 
 DocumentSet DocumentSet::SelectSubSetByString(FieldIndex field, std::string_view matchStr) const {

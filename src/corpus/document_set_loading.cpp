@@ -175,6 +175,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   if (!InitFieldDefs(dType, delimiter, filePath)) return false;
   columns_.clear();
   store_.Clear();
+  rowLines_.clear();
 
   std::string error;
   ByteBuffer bytes;
@@ -285,6 +286,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
         }
       }
       fillRow(columns.size(), [&](std::size_t f) { return columns[f]; });
+      rowLines_.push_back(static_cast<std::int64_t>(r) + 1);
     } else if (fieldCount == 1) {
       columns_[0].push_back(store_.Store(TrimSpaces(record)));
       charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
@@ -309,6 +311,8 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   }
   // Rows counted but never parsed (records of 8 characters or fewer) stay empty.
   for (auto& column : columns_) column.resize(static_cast<std::size_t>(docCount_));
+  if (!columnMode || recordDelimiter_ != "\n") rowLines_.clear();
+  rowLines_.resize(static_cast<std::size_t>(docCount_), 0);
 
   if (saveValidDocs) {
     const std::string savedName = ValidDocsFileName(filePath, docCount_);

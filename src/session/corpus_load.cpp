@@ -82,15 +82,17 @@ std::string MissingFileReason(const std::string& path) {
   return "File not found: " + path;
 }
 
-// "2 rows without a readable date are left out ...: row 1 ("DateTime"), row 7 ("24/13/...")"
+// "2 rows without a readable date are left out ...: line 1 ("Date"), line 7 ("24/13/...")";
+// rows of an import, which has no lines to give, are named by their number.
 std::string UndatedRowsWarning(const std::vector<DocumentSet::UndatedRow>& rows) {
   constexpr std::size_t kNamed = 5;
   std::string text = std::to_string(rows.size()) + (rows.size() == 1 ? " row" : " rows") +
                      " without a readable date " + (rows.size() == 1 ? "is" : "are") +
                      " left out of the corpus, the time line and the maps:";
   for (std::size_t i = 0; i < rows.size() && i < kNamed; ++i) {
-    text += (i == 0 ? " row " : ", row ") + std::to_string(rows[i].row + 1) + " (\"" +
-            rows[i].text + "\")";
+    const bool line = rows[i].line > 0;
+    text += std::string(i == 0 ? " " : ", ") + (line ? "line " : "row ") +
+            std::to_string(line ? rows[i].line : rows[i].row + 1) + " (\"" + rows[i].text + "\")";
   }
   if (rows.size() > kNamed) text += ", ...";
   return text;

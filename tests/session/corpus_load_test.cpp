@@ -167,7 +167,7 @@ TEST_F(CorpusLoad, UndatedRowsAreLeftOutAndNamedAndAHeaderIsSkipped) {
   ASSERT_EQ(report.warnings.size(), 1u);
   EXPECT_EQ(report.warnings[0],
             "1 row without a readable date is left out of the corpus, the time line and the "
-            "maps: row 2 (\"Wed Aux 28 09:10:00 +0000 2013\")");
+            "maps: line 3 (\"Wed Aux 28 09:10:00 +0000 2013\")");
   EXPECT_TRUE(session_.Corpus().elapsedTimeDerived);
   const DocumentSet& docs = session_.Documents();
   ASSERT_EQ(docs.DocumentCount(), 2);
