@@ -1,6 +1,7 @@
 #include "cli/command_line.h"
 
 #include <charconv>
+#include <string>
 
 namespace sylvora::cli {
 
@@ -45,14 +46,17 @@ std::vector<std::string> CommandLine::Values(const std::string& name) const {
   return it == allValues_.end() ? std::vector<std::string>() : it->second;
 }
 
-std::optional<long long> CommandLine::Number(const std::string& name, long long fallback) {
+std::optional<long long> CommandLine::Number(const std::string& name, long long fallback,
+                                             long long min, long long max) {
   const auto it = values_.find(name);
   if (it == values_.end()) return fallback;
   long long value = 0;
   const std::string& text = it->second;
   const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (ec != std::errc() || end != text.data() + text.size()) {
-    error_ = "Option --" + name + " takes a whole number, not \"" + text + "\"";
+  if (ec != std::errc() || end != text.data() + text.size() || text.empty() || value < min ||
+      value > max) {
+    error_ = "Option --" + name + " takes a whole number from " + std::to_string(min) + " to " +
+             std::to_string(max) + ", not \"" + text + "\"";
     return std::nullopt;
   }
   return value;

@@ -11,6 +11,9 @@
 
 namespace sylvora::cli {
 
+// The largest count an option may give: counts are signed 32-bit numbers.
+constexpr long long kWholeMax = 2147483647;
+
 class CommandLine {
  public:
   // `valueOptions` take a value ("--unit h"); `switches` stand alone ("--radian").
@@ -25,8 +28,11 @@ class CommandLine {
   std::string Value(const std::string& name, const std::string& fallback) const;
   // Every value given for an option, in order (an option may be repeated).
   std::vector<std::string> Values(const std::string& name) const;
-  // The whole-number value of an option; nullopt (with Error()) when it is not a number.
-  std::optional<long long> Number(const std::string& name, long long fallback);
+  // The whole-number value of an option, or `fallback` when it is not given. The whole value
+  // must be a decimal whole number from `min` to `max`: "1e12", "1abc", "1.5" and numbers out
+  // of range give nullopt, with an Error() that names the option and its range.
+  std::optional<long long> Number(const std::string& name, long long fallback, long long min,
+                                  long long max);
   const std::string& Error() const { return error_; }
 
  private:

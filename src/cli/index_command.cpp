@@ -56,7 +56,8 @@ void PrintIndex(std::ostream& out, IndexKind kind, const TermDocumentMatrix& ind
 
 }  // namespace
 
-void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages) {
+void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages,
+                 const std::vector<std::string>& notes) {
   out << "Stage times:\n";
   double total = 0;
   const auto line = [&](const std::string& stage, double seconds) {
@@ -67,6 +68,7 @@ void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages) {
     line(stage.stage, stage.seconds);
     total += stage.seconds;
   }
+  for (const auto& note : notes) out << "  note: " << note << '\n';
   line("total", total);
   out.unsetf(std::ios::fixed);
 }
@@ -75,29 +77,15 @@ bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& 
   options.load.path = line.Positional()[0];
   options.load.radian = line.Has("radian");
   options.load.unitCode = line.Value("unit", "h");
-  const auto minDocLen = line.Number("min-doc-len", 64);
-  const auto maxDocs = line.Number("max-docs", 0);
-  const auto minChars = line.Number("min-chars", 3);
-  const auto secondary = line.Number("secondary-min-df", 2);
-  const auto minDF = line.Number("min-df", -1);
-  const auto maxDF = line.Number("max-df", -1);
+  const auto minDocLen = line.Number("min-doc-len", 64, 0, kWholeMax);
+  const auto maxDocs = line.Number("max-docs", 0, 0, kWholeMax);
+  const auto minChars = line.Number("min-chars", 3, 0, 255);
+  const auto secondary = line.Number("secondary-min-df", 2, 0, kWholeMax);
+  const auto minDF = line.Number("min-df", -1, 0, kWholeMax);
+  const auto maxDF = line.Number("max-df", -1, 0, kWholeMax);
   if (!minDocLen || !maxDocs || !minChars || !secondary || !minDF || !maxDF) {
     err << line.Error() << '\n';
     return false;
-  }
-  if (*minChars < 0 || *minChars > 255) {
-    err << "--min-chars takes a whole number from 0 to 255\n";
-    return false;
-  }
-  for (const auto& [name, value] : {std::pair{"min-doc-len", *minDocLen},
-                                    {"max-docs", *maxDocs},
-                                    {"secondary-min-df", *secondary},
-                                    {"min-df", *minDF},
-                                    {"max-df", *maxDF}}) {
-    if (line.Has(name) && (value < 0 || value > INT32_MAX)) {
-      err << "--" << name << " takes a whole number from 0 to " << INT32_MAX << '\n';
-      return false;
-    }
   }
   options.load.minDocLen = static_cast<int>(*minDocLen);
   options.load.maxDocCount = static_cast<int>(*maxDocs);
@@ -209,7 +197,7 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
   for (const StageTiming& stage : load.stages)
     stages.push_back({"load: " + stage.stage, stage.seconds});
   stages.insert(stages.end(), report.stages.begin(), report.stages.end());
-  PrintStages(out, stages);
+  PrintStages(out, stages, notifier.Notes());
   return 0;
 }
 

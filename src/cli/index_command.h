@@ -38,7 +38,8 @@ std::set<std::string> CorpusSwitches();
 // on `err`, when a flag is out of range.
 bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& err);
 
-// "Stage times:" and one line per stage with its seconds, then the total.
-void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages);
+// "Stage times:" and one line per stage with its seconds, the notes ("note: ..."), then the total.
+void PrintStages(std::ostream& out, const std::vector<StageTiming>& stages,
+                 const std::vector<std::string>& notes = {});
 
 }  // namespace sylvora::cli

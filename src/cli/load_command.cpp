@@ -48,7 +48,8 @@ void PrintTerms(std::ostream& out, const char* heading, const std::vector<TermCo
   }
 }
 
-void PrintSummary(std::ostream& out, const Session& session, const LoadReport& report) {
+void PrintSummary(std::ostream& out, const Session& session, const LoadReport& report,
+                  const std::vector<std::string>& notes) {
   const DocumentSet& documents = session.Documents();
   const CorpusSummary summary = SummariseCorpus(documents);
   out << "Corpus:    " << documents.FilePath() << '\n';
@@ -87,6 +88,7 @@ void PrintSummary(std::ostream& out, const Session& session, const LoadReport& r
         << std::setprecision(3) << stage.seconds << " s\n";
     total += stage.seconds;
   }
+  for (const auto& note : notes) out << "  note: " << note << '\n';
   out << "  " << std::left << std::setw(16) << "total" << std::right << total << " s\n";
   out.unsetf(std::ios::fixed);
 }
@@ -112,8 +114,8 @@ int RunLoadCommand(const std::vector<std::string>& arguments, std::ostream& out,
   options.path = line.Positional()[0];
   options.radian = line.Has("radian");
   options.unitCode = line.Value("unit", "h");
-  const auto minDocLen = line.Number("min-doc-len", 64);
-  const auto maxDocs = line.Number("max-docs", 0);
+  const auto minDocLen = line.Number("min-doc-len", 64, 0, kWholeMax);
+  const auto maxDocs = line.Number("max-docs", 0, 0, kWholeMax);
   if (!minDocLen || !maxDocs) {
     err << line.Error() << '\n' << kUsage;
     return 2;
@@ -133,7 +135,7 @@ int RunLoadCommand(const std::vector<std::string>& arguments, std::ostream& out,
     return 1;
   }
   for (const auto& warning : report.warnings) err << "Warning: " << warning << '\n';
-  PrintSummary(out, session, report);
+  PrintSummary(out, session, report, notifier.Notes());
   return 0;
 }
 

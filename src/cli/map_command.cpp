@@ -1,5 +1,7 @@
 #include "cli/map_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iomanip>
@@ -21,7 +23,8 @@ constexpr const char* kUsage =
     "usage: sylvora-cli map FILE [--kind words|intervals|tweets] [--level tweet|interval]\n"
     "                            [--interval K] [--length L] [--unit s|n|h|d|ww]\n"
     "                            [--out PREFIX] [--graphviz DIR] [--layout-folder DIR]\n"
-    "                            [--neighbours N] [--png FILE] [--label-threshold T] [--yes]\n"
+    "                            [--neighbours N] [--png FILE] [--label-threshold T]\n"
+    "                            [--layout-timeout SECONDS] [--yes]\n"
     "                            and the corpus and index flags of 'sylvora-cli index'\n"
     "  --kind       words (default): every term of the word index; intervals: every interval;\n"
     "               tweets: the tweets of one interval\n"
@@ -33,7 +36,13 @@ constexpr const char* kUsage =
     "  --neighbours how many of the heaviest nodes to print with their neighbours (default 20)\n"
     "  --png        also draw the map into a PNG picture, as the cluster explorer shows it\n"
     "  --label-threshold  word maps: label words in at least T per thousand documents\n"
-    "               (default 120)\n";
+    "               (0 to 1000, default 120)\n"
+    "  --layout-timeout  seconds sfdp may take before the map is given up (default 20;\n"
+    "               0 waits as long as it takes)\n";
+
+constexpr long long kDefaultLayoutSeconds = kLayoutTimeLimitMs / 1000;
+// A day: more than any layout of the maps' sizes needs, and within 32-bit milliseconds.
+constexpr long long kMaxLayoutSeconds = 86400;
 
 struct MapCommandOptions {
   CorpusOptions corpus;
@@ -44,6 +53,7 @@ struct MapCommandOptions {
   std::string prefix;
   MapOptions map;
   std::int32_t neighbours = 20;
+  std::int16_t labelThreshold = kWordMapLabelThreshold;
 };
 
 bool ReadMapOptions(CommandLine& line, MapCommandOptions& options, std::ostream& err) {
@@ -65,28 +75,42 @@ bool ReadMapOptions(CommandLine& line, MapCommandOptions& options, std::ostream&
     return false;
   }
   options.level = level == "tweet" ? WordMapLevel::kTweet : WordMapLevel::kInterval;
-  const auto interval = line.Number("interval", 0);
-  const auto neighbours = line.Number("neighbours", 20);
-  if (!interval || !neighbours) {
+  const auto interval = line.Number("interval", 0, 1, kWholeMax);
+  const auto neighbours = line.Number("neighbours", 20, 0, kWholeMax);
+  const auto length = line.Number("length", 24, 1, kWholeMax);
+  const auto threshold = line.Number("label-threshold", kWordMapLabelThreshold, 0, 1000);
+  const auto timeout = line.Number("layout-timeout", kDefaultLayoutSeconds, 0, kMaxLayoutSeconds);
+  if (!interval || !neighbours || !length || !threshold || !timeout) {
     err << line.Error() << '\n';
-    return false;
-  }
-  if (line.Has("interval") && (*interval < 1 || *interval > INT32_MAX)) {
-    err << "--interval takes an interval number from 1\n";
-    return false;
-  }
-  if (*neighbours < 0 || *neighbours > INT32_MAX) {
-    err << "--neighbours takes a whole number from 0\n";
     return false;
   }
   options.interval = static_cast<std::int32_t>(*interval);
   options.neighbours = static_cast<std::int32_t>(*neighbours);
-  options.length = line.Value("length", "24");
+  options.length = std::to_string(*length);
+  options.labelThreshold = static_cast<std::int16_t>(*threshold);
+  options.map.timeLimitMs = static_cast<std::int32_t>(*timeout * 1000);
   const std::string stem = std::filesystem::path(options.corpus.load.path).stem().string();
   options.prefix = line.Value("out", stem + "_" + MapKindName(options.kind) + "_map");
   options.map.graphvizFolder = line.Value("graphviz", DefaultGraphvizFolder());
   options.map.layoutFolder = line.Value("layout-folder", "");
   return true;
+}
+
+// Whether the layout program can run, checked before any work. Without --graphviz the folder
+// is a guess (sfdp's folder on PATH, else one beside the program), so its name would mislead.
+bool LayoutProgramFound(const CommandLine& line, const MapCommandOptions& options,
+                        std::ostream& err) {
+  const std::string program = options.map.graphvizFolder + "/" + options.map.algorithm;
+  if (::access(program.c_str(), X_OK) == 0) return true;
+  if (line.Has("graphviz")) {
+    err << "Error: '" << options.map.graphvizFolder << "' holds no runnable "
+        << options.map.algorithm << "; pass the folder of Graphviz's programs with --graphviz\n";
+  } else {
+    err << "Error: " << options.map.algorithm
+        << " is not on PATH: install Graphviz (Debian: apt install graphviz) or pass the folder "
+           "that holds it with --graphviz DIR\n";
+  }
+  return false;
 }
 
 bool NeedsModels(const MapCommandOptions& options) {
@@ -141,7 +165,7 @@ void PrintNeighbours(std::ostream& out, const ClusterMap& map, std::int32_t coun
 int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
   valueOptions.insert({"kind", "level", "interval", "length", "out", "graphviz", "layout-folder",
-                       "neighbours", "png", "label-threshold"});
+                       "neighbours", "png", "label-threshold", "layout-timeout"});
   CommandLine line(valueOptions, CorpusSwitches());
   const bool parsed = line.Parse(arguments);
   if (parsed && line.Has("help")) {
@@ -161,6 +185,7 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     err << "Error: no stop list found; name one with --stop-list PATH\n";
     return 1;
   }
+  if (!LayoutProgramFound(line, options, err)) return 1;
 
   Session session;
   StreamNotifier notifier(err, line.Has("yes"));
@@ -222,14 +247,8 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, 
   }
 
   if (line.Has("png")) {
-    const auto threshold = line.Number("label-threshold", kWordMapLabelThreshold);
-    if (!threshold || *threshold < -32768 || *threshold > 32767) {
-      err << "--label-threshold takes a whole number\n" << kUsage;
-      return 2;
-    }
     Stopwatch watch;
-    if (!WriteMapPng(map, static_cast<std::int16_t>(*threshold), line.Value("png", ""),
-                     PictureSize{}, error)) {
+    if (!WriteMapPng(map, options.labelThreshold, line.Value("png", ""), PictureSize{}, error)) {
       err << "Error: " << error << '\n';
       return 1;
     }
@@ -259,7 +278,7 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, 
       << options.prefix << ".graphml\n\n";
   PrintNeighbours(out, map, options.neighbours);
   out << '\n';
-  PrintStages(out, stages);
+  PrintStages(out, stages, notifier.Notes());
   return 0;
 }
 

@@ -2,7 +2,11 @@
 
 namespace sylvora::cli {
 
-void StreamNotifier::ShowMessage(std::string_view text, std::string_view title, MessageIcon) {
+void StreamNotifier::ShowMessage(std::string_view text, std::string_view title, MessageIcon icon) {
+  if (icon == MessageIcon::kInformation) {
+    notes_.push_back(std::string(title) + ": " + std::string(text));
+    return;
+  }
   out_ << title << ": " << text << '\n';
 }
 

@@ -1,8 +1,12 @@
 #pragma once
-// The command line's notifier: messages go to a stream (stderr) as "title: text"; questions
-// are answered by a fixed answer chosen with a flag.
+// The command line's notifier: warnings and errors go to a stream (stderr) as "title: text";
+// information messages (such as the sort notice) are kept as notes for the command to print
+// among its stage lines, so they do not read as the run's first complaint. Questions are
+// answered by a fixed answer chosen with a flag.
 
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "common/notifier.h"
 
@@ -16,7 +20,11 @@ class StreamNotifier final : public Notifier {
   Answer Ask(std::string_view text, std::string_view title, QuestionButtons buttons,
              MessageIcon icon) override;
 
+  // The information messages so far, each as "title: text".
+  const std::vector<std::string>& Notes() const { return notes_; }
+
  private:
+  std::vector<std::string> notes_;
   std::ostream& out_;
   bool answerYes_;
 };

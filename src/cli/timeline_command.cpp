@@ -157,9 +157,10 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     err << kUsage;
     return 2;
   }
-  const auto window = line.Number("novelty-window", 1);
-  if (!window || *window < 0 || *window > 255) {
-    err << "--novelty-window takes a whole number from 0 to 255\n" << kUsage;
+  const auto window = line.Number("novelty-window", 1, 0, 255);
+  const auto length = line.Number("length", 24, 1, kWholeMax);
+  if (!window || !length) {
+    err << line.Error() << '\n' << kUsage;
     return 2;
   }
   const std::string burst = line.Value("burst", "ratio");
@@ -173,7 +174,7 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     return 2;
   }
   ModelOptions models;
-  models.intervalLength = line.Value("length", "24");
+  models.intervalLength = std::to_string(*length);
   models.unitCode = options.load.unitCode;
   if (line.Has("events")) {
     std::string error;
@@ -254,7 +255,7 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     stages.push_back({"model: " + stage.stage, stage.seconds});
   stages.push_back({"scores", scoring});
   if (line.Has("png") || line.Has("chart-png")) stages.push_back({"picture", drawing});
-  PrintStages(err, stages);
+  PrintStages(err, stages, notifier.Notes());
   return 0;
 }
 

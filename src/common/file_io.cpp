@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 namespace sylvora {
 namespace {
@@ -25,16 +26,37 @@ std::FILE* OpenForReading(const std::string& path, struct stat& info, std::strin
     error = "Cannot read '" + path + "': it is a folder";
     return nullptr;
   }
+  // A device or pipe (/dev/zero, a FIFO) may never end: only regular files are read.
+  if (!S_ISREG(info.st_mode)) {
+    error = "Cannot read '" + path + "': it is not a regular file";
+    return nullptr;
+  }
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) error = Describe("Cannot open", path, errno);
   return file;
 }
 
-// Reads up to `limit` bytes into a buffer that is not zero-filled first.
+bool ReadOpenFile(std::FILE* file, const std::string& path, const struct stat& info,
+                  std::size_t limit, ByteBuffer& bytes, std::string& error);
+
+// Reads up to `limit` bytes into a buffer that is not zero-filled first. A file too large for
+// memory is an error like any other, not an abort.
 bool ReadUpTo(const std::string& path, std::size_t limit, ByteBuffer& bytes, std::string& error) {
   struct stat info {};
   std::FILE* file = OpenForReading(path, info, error);
   if (file == nullptr) return false;
+  try {
+    return ReadOpenFile(file, path, info, limit, bytes, error);
+  } catch (const std::bad_alloc&) {
+    std::fclose(file);
+    bytes = ByteBuffer();
+    error = "Cannot read '" + path + "': it does not fit in memory";
+    return false;
+  }
+}
+
+bool ReadOpenFile(std::FILE* file, const std::string& path, const struct stat& info,
+                  std::size_t limit, ByteBuffer& bytes, std::string& error) {
   // Room for the known size and a little more, so that a file growing meanwhile is noticed.
   const std::size_t known = S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0;
   bytes = ByteBuffer(std::min(limit, known + 65536));

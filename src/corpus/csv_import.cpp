@@ -76,6 +76,8 @@ CsvReader::CsvReader(char* data, std::size_t size) : data_(data), size_(size) {
 
 bool CsvReader::Next(std::vector<std::string_view>& cells) {
   cells.clear();
+  error_.clear();
+  canContinue_ = false;
   if (pos_ >= size_) return false;
   recordLine_ = line_;
   char* const data = data_;
@@ -106,6 +108,24 @@ bool CsvReader::Next(std::vector<std::string_view>& cells) {
           ++p;
           closed = true;
           break;
+        }
+        if (c == '\n' && recordStart_ && p + 1 < size_) {
+          const std::size_t next = p + 1;
+          const void* end = std::memchr(data + next, '\n', size_ - next);
+          const std::size_t stop =
+              end == nullptr ? size_
+                             : static_cast<std::size_t>(static_cast<const char*>(end) - data);
+          std::string_view line(data + next, stop - next);
+          if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+          if (recordStart_(line)) {
+            error_ = "unbalanced quotes: the quoted field opened on line " +
+                     std::to_string(openLine) + " runs into line " + std::to_string(line_ + 1) +
+                     ", which reads as a record of its own";
+            canContinue_ = true;
+            pos_ = next;
+            ++line_;
+            return false;
+          }
         }
         if (c == '\n' || c == '\r' || c == '\t') {
           if (c == '\n') ++line_;
@@ -271,11 +291,34 @@ bool ImportCsvRecords(const std::string& name, ByteBuffer&& input, const ImportO
     if (report.skippedSamples.size() < kSkippedSamples) report.skippedSamples.push_back(message);
     return true;
   };
+  // A line that splits at its commas into a full record with a date where the date column
+  // is starts a record: a quoted cell does not run across it.
+  const int dateColumn = columns[static_cast<std::size_t>(CsvRole::kDateTime)];
+  reader.SetRecordStartTest([&header, dateColumn](std::string_view line) {
+    std::size_t cells = 1;
+    std::string_view date;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= line.size(); ++i) {
+      if (i < line.size() && line[i] != ',') continue;
+      if (static_cast<int>(cells) - 1 == dateColumn) date = line.substr(start, i - start);
+      if (i < line.size()) ++cells;
+      start = i + 1;
+    }
+    while (!date.empty() && (date.front() == ' ' || date.front() == '"')) date.remove_prefix(1);
+    while (!date.empty() && (date.back() == ' ' || date.back() == '"')) date.remove_suffix(1);
+    return cells >= header.size() && !date.empty() && ParseAnyInstant(date).has_value();
+  });
   std::array<std::string_view, kLayoutFieldCount> row{};
   std::string date;
   std::int64_t records = 0;
   while (options.maxCount <= 0 || rows.RowCount() < options.maxCount) {
     if (!reader.Next(cells)) {
+      if (reader.CanContinue()) {
+        if (!bad("'" + name + "' line " + std::to_string(reader.Line()) + ": " + reader.Error())) {
+          return false;
+        }
+        continue;
+      }
       if (!reader.Error().empty()) return fail("'" + name + "': " + reader.Error());
       break;
     }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,18 @@ class CsvReader {
   // The 1-based line on which the record last returned begins.
   std::int64_t Line() const { return recordLine_; }
   const std::string& Error() const { return error_; }
+  // Whether the last error left the reader at the start of the next record, so that reading
+  // may go on (a quote that runs into a following record).
+  bool CanContinue() const { return canContinue_; }
   std::size_t Position() const { return pos_; }
+
+  // A quoted cell may span lines, so a quote left open swallows the records after it until
+  // some later quote closes it. With this test set, a line break inside a quoted cell that is
+  // followed by a line the test accepts as a record of its own ends the record with an error
+  // there (CanContinue()), and the next call reads on from that line.
+  void SetRecordStartTest(std::function<bool(std::string_view line)> test) {
+    recordStart_ = std::move(test);
+  }
 
  private:
   char* data_;
@@ -38,6 +50,8 @@ class CsvReader {
   std::int64_t line_ = 1;
   std::int64_t recordLine_ = 0;
   std::string error_;
+  bool canContinue_ = false;
+  std::function<bool(std::string_view line)> recordStart_;
 };
 
 // Whether `bytes` looks like a CSV with a header row (a first line with a comma and no tab);

@@ -73,6 +73,10 @@ void DocumentSet::Clear() {
   endMarkers_.clear();
   columns_.clear();
   store_.Clear();
+  dateTimes_.clear();
+  unreadableDateTexts_.clear();
+  undatedRows_.clear();
+  rowLines_.clear();
 }
 
 bool DocumentSet::RemoveDocument(DocIndex index) {
@@ -80,9 +84,30 @@ bool DocumentSet::RemoveDocument(DocIndex index) {
     return Fail("Cannot remove document " + std::to_string(index) + ": the set holds " +
                 std::to_string(docCount_) + " documents");
   }
-  for (auto& column : columns_) column.erase(column.begin() + index);
-  --docCount_;
+  RemoveDocuments({index});
   return true;
+}
+
+void DocumentSet::RemoveDocuments(const std::vector<DocIndex>& rows) {
+  if (rows.empty()) return;
+  // One pass per column: rows kept move up over the removed ones.
+  const auto compact = [&](auto& values) {
+    std::size_t kept = 0;
+    std::size_t next = 0;
+    for (std::size_t d = 0; d < values.size(); ++d) {
+      if (next < rows.size() && static_cast<std::size_t>(rows[next]) == d) {
+        ++next;
+        continue;
+      }
+      values[kept++] = values[d];
+    }
+    values.resize(kept);
+  };
+  for (auto& column : columns_) compact(column);
+  if (dateTimes_.size() == static_cast<std::size_t>(docCount_)) compact(dateTimes_);
+  unreadableDateTexts_.clear();
+  rowLines_.clear();
+  docCount_ -= static_cast<DocIndex>(rows.size());
 }
 
 void DocumentSet::SetDocuments(const std::vector<std::vector<std::string>>& documents, int dType,

@@ -20,10 +20,13 @@
 // document_set_derived.cpp (derived fields, sorting, subsets), document_set_export.cpp.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "common/date_time.h"
 #include "common/large_allocation.h"
 #include "common/notifier.h"
 #include "common/numbering.h"
@@ -135,13 +138,32 @@ class DocumentSet {
 
   // --- Derived fields (each appends one field at the end, expressed) ---
   // Rewrites a date column as "DD/MM/YY HH:MM:SS"; formatName is "Twitter" or "Twitter1.1".
+  // The two-digit year is only the cell's text: each document's full date-time, as the file
+  // gave it, is kept (DocumentDateTime), so a corpus from 1950 or 2070 stays where it is.
   void ConvertTwitterDateTimeField(std::string_view formatName, FieldIndex fldNum);
   // Appends the elapsed time since the earliest document in `interval` units ("s", "n", "h",
-  // "d", "ww"). False, with nothing appended, when a date cell or `fromDate` is no date, the
-  // unit is unknown, or a value leaves the signed 32-bit range. Sets DateTimeField.
+  // "d", "ww"), from each document's full date-time. A row whose date cannot be read gets an
+  // empty cell and is listed in UndatedRows(). False, with nothing appended, when no row has
+  // a date, `fromDate` is no date, the unit is unknown, or a value leaves the signed 32-bit
+  // range. Sets DateTimeField.
   bool DeriveElapsedTimeField(FieldIndex dateField, std::string_view interval,
                               std::string_view fromDate, bool zeroStart,
                               const ProgressCallback& progress = {});
+
+  // The full date-time of a document: the one kept from the file when its date column was
+  // converted, else the DateTimeField cell read as a date; nullopt when there is none.
+  std::optional<DateTime> DocumentDateTime(DocIndex doc) const;
+  // The rows (0-based, as they stood then) whose date the last DeriveElapsedTimeField could
+  // not read, with the date text as the file gave it and, for a tab-separated file loaded
+  // and not yet reordered, the row's line in the file (0 when not known).
+  struct UndatedRow {
+    DocIndex row;
+    std::string text;
+    std::int64_t line = 0;
+  };
+  const std::vector<UndatedRow>& UndatedRows() const { return undatedRows_; }
+  // Deletes the given rows (0-based, ascending); later rows move up. O(rows x fields).
+  void RemoveDocuments(const std::vector<DocIndex>& rows);
   // Moves "http://" links out of the source text; the first long enough goes to a new field
   // (existingURLField == 0) or to that existing field. False when that field does not exist.
   bool DeriveLinksField(FieldIndex sourceField, std::string_view fieldName,
@@ -210,6 +232,17 @@ class DocumentSet {
   FieldIndex citedField_ = 0;
   FieldIndex refListField_ = 0;
   FieldIndex keyWordField_ = 0;
+
+  // Full date-times kept by ConvertTwitterDateTimeField for column dateTimesField_, one per
+  // row (seconds since the epoch, kNoDateTime where the file's text is no date), permuted
+  // with the rows; and the file's text of those unreadable cells until the rows move.
+  static constexpr std::int64_t kNoDateTime = INT64_MIN;
+  std::vector<std::int64_t> dateTimes_;
+  FieldIndex dateTimesField_ = 0;
+  std::vector<std::pair<DocIndex, std::string>> unreadableDateTexts_;
+  std::vector<UndatedRow> undatedRows_;
+  // Per row, its 1-based line in a tab-separated file, for messages; dropped when rows move.
+  std::vector<std::int64_t> rowLines_;
 
   mutable std::string lastError_;
 };

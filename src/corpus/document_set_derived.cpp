@@ -92,7 +92,30 @@ void DocumentSet::ConvertTwitterDateTimeField(std::string_view formatName, Field
     return;
   }
   if (fldNum >= columns_.size()) return;
-  for (auto& cell : columns_[fldNum]) store_.Overwrite(cell, convert(cell));
+  // The file's date-time is read before its text is cut to two-digit years.
+  dateTimes_.assign(columns_[fldNum].size(), kNoDateTime);
+  dateTimesField_ = fldNum;
+  unreadableDateTexts_.clear();
+  for (std::size_t d = 0; d < columns_[fldNum].size(); ++d) {
+    auto& cell = columns_[fldNum][d];
+    if (const auto date = DateTime::Parse(cell)) {
+      dateTimes_[d] = date->SecondsSinceEpoch();
+    } else {
+      unreadableDateTexts_.emplace_back(static_cast<DocIndex>(d), std::string(cell));
+    }
+    store_.Overwrite(cell, convert(cell));
+  }
+}
+
+std::optional<DateTime> DocumentSet::DocumentDateTime(DocIndex doc) const {
+  if (doc < 0 || doc >= docCount_) return std::nullopt;
+  const auto row = static_cast<std::size_t>(doc);
+  if (dateTimesField_ == dateTimeField_ && row < dateTimes_.size()) {
+    if (dateTimes_[row] == kNoDateTime) return std::nullopt;
+    return DateTime(DateTime::Seconds(std::chrono::seconds(dateTimes_[row])));
+  }
+  if (dateTimeField_ >= columns_.size()) return std::nullopt;
+  return DateTime::Parse(ReplaceAll(columns_[dateTimeField_][row], "\"", ""));
 }
 
 bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view interval,
@@ -108,31 +131,57 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
   if (dateField >= columns_.size()) {
     return Fail("Field " + std::to_string(dateField) + " does not exist");
   }
+  // The kept full date-times serve when this is the converted column.
+  const bool kept = dateField == dateTimesField_ && dateTimes_.size() == columns_[dateField].size();
+  const auto fileText = [&](DocIndex d) {
+    for (const auto& [row, text] : unreadableDateTexts_) {
+      if (row == d) return text;
+    }
+    return ReplaceAll(columns_[dateField][d], "\"", "");
+  };
   std::vector<std::int64_t> values(static_cast<std::size_t>(docCount_));
-  std::int64_t smallest = 0;
+  std::vector<UndatedRow> undated;
+  std::optional<std::int64_t> smallest;
   ProgressReporter reporter(progress, "Deriving elapsed time", docCount_);
   for (DocIndex d = 0; d < docCount_; ++d) {
-    const std::string text = ReplaceAll(columns_[dateField][d], "\"", "");
-    const auto date = DateTime::Parse(text);
+    std::optional<DateTime> date;
+    if (kept) {
+      if (dateTimes_[d] != kNoDateTime) {
+        date = DateTime(DateTime::Seconds(std::chrono::seconds(dateTimes_[d])));
+      }
+    } else {
+      date = DateTime::Parse(ReplaceAll(columns_[dateField][d], "\"", ""));
+    }
     if (!date) {
-      return Fail("Row " + std::to_string(d + 1) + ": \"" + text + "\" in field \"" +
-                  fieldNames_[dateField] + "\" is not a date");
+      const auto row = static_cast<std::size_t>(d);
+      undated.push_back({d, fileText(d), row < rowLines_.size() ? rowLines_[row] : 0});
+      continue;
     }
     const std::int64_t value = DateDiff(*unit, *origin, *date);
     if (value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::int32_t>::max()) {
-      return Fail("Row " + std::to_string(d + 1) + ": \"" + text +
+      return Fail("Row " + std::to_string(d + 1) + ": \"" + fileText(d) +
                   "\" is too far from the start date to count in units of \"" +
                   std::string(interval) + "\"");
     }
     values[d] = value;
-    smallest = d == 0 ? value : std::min(smallest, value);
+    smallest = smallest ? std::min(*smallest, value) : value;
     if (!reporter.Step()) return Fail("Elapsed time cancelled");
   }
+  if (!smallest) {
+    const std::string example = undated.empty() ? "" : " (row 1: \"" + undated[0].text + "\")";
+    return Fail("No row has a date in field \"" + fieldNames_[dateField] + "\"" + example);
+  }
+  undatedRows_ = std::move(undated);
   const FieldIndex field = AppendField(ElapsedFieldName(interval));
   auto& column = columns_[field];
+  std::size_t next = 0;  // the next undated row
   for (DocIndex d = 0; d < docCount_; ++d) {
-    column[d] = store_.Store(std::to_string(values[d] - smallest));
+    if (next < undatedRows_.size() && undatedRows_[next].row == d) {
+      ++next;
+      continue;  // no date, no elapsed time
+    }
+    column[d] = store_.Store(std::to_string(values[d] - *smallest));
   }
   dateTimeField_ = dateField;
   return true;
@@ -232,6 +281,9 @@ void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notif
   const bool reverse = descending ? (rises >= 1 && falls < 2) : (falls >= 1 && rises == 0);
   if (reverse) {
     for (auto& column : columns_) std::reverse(column.begin(), column.end());
+    std::reverse(dateTimes_.begin(), dateTimes_.end());
+    unreadableDateTexts_.clear();
+    rowLines_.clear();
     return;
   }
   // Every other case shows the notice, also a run that is already in order.
@@ -256,6 +308,13 @@ void DocumentSet::ApplyRowOrder(const std::vector<DocIndex>& order) {
     for (std::size_t i = 0; i < order.size(); ++i) scratch[i] = column[order[i]];
     column.swap(scratch);
   }
+  if (dateTimes_.size() == order.size()) {
+    std::vector<std::int64_t> dates(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) dates[i] = dateTimes_[order[i]];
+    dateTimes_.swap(dates);
+  }
+  unreadableDateTexts_.clear();
+  rowLines_.clear();
 }
 
 DocumentSet DocumentSet::SelectSubSetByString(FieldIndex field, std::string_view matchStr) const {

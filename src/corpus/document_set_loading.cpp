@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/code_points.h"
+#include "common/date_time.h"
 #include "common/file_io.h"
 #include "common/leading_number.h"
 #include "common/text_decoding.h"
@@ -19,6 +20,16 @@ constexpr int kMaxFields = 256;
 // Records of up to this many bytes (8 characters at two bytes each) are never parsed.
 constexpr std::int64_t kMinParsedBytes = 16;
 constexpr int kTwitterFormat = 7;
+constexpr int kDefinitionFormat = 1;
+constexpr int kTwitter11Format = 8;
+
+std::string_view SkipLines(std::string_view text, std::size_t lines) {
+  for (std::size_t i = 0; i < lines && !text.empty(); ++i) {
+    const std::size_t end = text.find('\n');
+    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+  }
+  return text;
+}
 
 std::int64_t BytesAtTwoPerCharacter(std::string_view text) {
   return 2 * static_cast<std::int64_t>(CodePointCount(text));
@@ -164,6 +175,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   if (!InitFieldDefs(dType, delimiter, filePath)) return false;
   columns_.clear();
   store_.Clear();
+  rowLines_.clear();
 
   std::string error;
   ByteBuffer bytes;
@@ -172,10 +184,29 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   const std::string_view text = DecodeAndStore(filePath, std::move(bytes));
   if (text.data() == nullptr && !lastError_.empty()) return false;
 
-  std::vector<std::string_view> records = SplitRecords(text, recordDelimiter_);
+  std::string_view body = text;
+  if (dType == kDefinitionFormat) {
+    // Format 1 reads its field definitions from the head of the file it loads: a count line
+    // and one "start,end,name" line per field. Those lines are no records.
+    if (FieldCount() == 0) {
+      return Fail("'" + filePath +
+                  "' defines no fields: a format-1 file opens with the number of fields and "
+                  "one \"start marker\",\"end marker\",\"name\" line per field");
+    }
+    body = SkipLines(body, static_cast<std::size_t>(FieldCount()) + 1);
+  }
+  std::vector<std::string_view> records = SplitRecords(body, recordDelimiter_);
 
   if (dType == kTwitterFormat && records[0].find("\tTweet") != std::string_view::npos) {
     hasHeaderRow_ = true;
+  }
+  // A sixteen-column export may open with its column names too: a first line that names the
+  // tweet column and holds no date in the first is skipped, keeping the format's names.
+  bool keepFieldNames = false;
+  if (dType == kTwitter11Format && records[0].find("\tTweet") != std::string_view::npos &&
+      !DateTime::Parse(records[0].substr(0, records[0].find('\t')))) {
+    hasHeaderRow_ = true;
+    keepFieldNames = true;
   }
 
   DocIndex count = 0;
@@ -200,7 +231,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   std::vector<std::string_view> columns;
   if (columnMode) {
     SplitColumns(records[0], columns);
-    if (static_cast<int>(columns.size()) != FieldCount() && hasHeaderRow_) {
+    if (static_cast<int>(columns.size()) != FieldCount() && hasHeaderRow_ && !keepFieldNames) {
       std::size_t copied = 0;
       while (copied < columns.size() && !columns[copied].empty()) ++copied;
       if (copied > kMaxFields) {
@@ -226,7 +257,9 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   const std::size_t fieldCount = static_cast<std::size_t>(FieldCount());
   DocIndex d = -1;
   for (std::size_t r = 0; r < records.size() && d < docCount_ - 1; ++r) {
-    if (static_cast<std::int64_t>(records[r].size()) <= kMinParsedBytes) continue;
+    // Counted in characters at two bytes each, like the record count above: a record of
+    // 9 to 16 characters with multi-byte UTF-8 would otherwise be counted and not parsed.
+    if (BytesAtTwoPerCharacter(records[r]) <= kMinParsedBytes) continue;
     if (columnMode && hasHeaderRow_ && r == 0) {
       r = 1;  // the header is no document: record 1 takes its place
       if (r >= records.size()) break;
@@ -253,6 +286,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
         }
       }
       fillRow(columns.size(), [&](std::size_t f) { return columns[f]; });
+      rowLines_.push_back(static_cast<std::int64_t>(r) + 1);
     } else if (fieldCount == 1) {
       columns_[0].push_back(store_.Store(TrimSpaces(record)));
       charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
@@ -277,6 +311,8 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   }
   // Rows counted but never parsed (records of 8 characters or fewer) stay empty.
   for (auto& column : columns_) column.resize(static_cast<std::size_t>(docCount_));
+  if (!columnMode || recordDelimiter_ != "\n") rowLines_.clear();
+  rowLines_.resize(static_cast<std::size_t>(docCount_), 0);
 
   if (saveValidDocs) {
     const std::string savedName = ValidDocsFileName(filePath, docCount_);

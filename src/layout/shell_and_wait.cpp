@@ -34,8 +34,8 @@ class SpawnSetup {
   SpawnSetup& operator=(const SpawnSetup&) = delete;
 
   // Own process group (so that a time-out can stop the program's children too), default
-  // signal mask, and the three standard streams on /dev/null.
-  bool Prepare() {
+  // signal mask, stdin and stdout on /dev/null, stderr on /dev/null or the given file.
+  bool Prepare(const std::string& errorPath) {
     if (!attrOk_ || !actionsOk_) return false;
     sigset_t none;
     sigemptyset(&none);
@@ -51,7 +51,9 @@ class SpawnSetup {
     if (posix_spawnattr_setsigdefault(&attr_, &defaults) != 0) return false;
     if (posix_spawn_file_actions_addopen(&actions_, 0, "/dev/null", O_RDONLY, 0) != 0) return false;
     if (posix_spawn_file_actions_addopen(&actions_, 1, "/dev/null", O_WRONLY, 0) != 0) return false;
-    return posix_spawn_file_actions_addopen(&actions_, 2, "/dev/null", O_WRONLY, 0) == 0;
+    const char* error = errorPath.empty() ? "/dev/null" : errorPath.c_str();
+    return posix_spawn_file_actions_addopen(&actions_, 2, error, O_WRONLY | O_CREAT | O_TRUNC,
+                                            0600) == 0;
   }
 
   const posix_spawnattr_t* Attributes() const { return &attr_; }
@@ -68,14 +70,18 @@ enum class SliceEnd { kEnded, kTimedOut, kFailed };
 
 // Waits up to one slice for `pid` to end, polling waitpid with growing naps (1 ms .. 20 ms) so
 // that a quick program is noticed quickly and a slow one costs little.
-SliceEnd WaitSlice(pid_t pid) {
+SliceEnd WaitSlice(pid_t pid, int& exitCode) {
   using Clock = std::chrono::steady_clock;
   const auto end = Clock::now() + std::chrono::milliseconds(kShellWaitSliceMs);
   auto nap = std::chrono::milliseconds(1);
   for (;;) {
     int status = 0;
     const pid_t got = ::waitpid(pid, &status, WNOHANG);
-    if (got == pid) return SliceEnd::kEnded;
+    if (got == pid) {
+      if (WIFEXITED(status)) exitCode = WEXITSTATUS(status);
+      if (WIFSIGNALED(status)) exitCode = 128 + WTERMSIG(status);
+      return SliceEnd::kEnded;
+    }
     if (got < 0) {
       if (errno == EINTR) continue;
       return SliceEnd::kFailed;
@@ -125,6 +131,15 @@ std::vector<std::string> SplitCommandLine(std::string_view commandLine) {
 std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs,
                           std::int32_t windowStyle, std::int32_t breakOption,
                           const ProgressCallback& progress) {
+  ShellOutcome outcome;
+  return ShellAndWait(commandLine, timeLimitMs, windowStyle, breakOption, progress, {}, outcome);
+}
+
+std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs,
+                          std::int32_t windowStyle, std::int32_t breakOption,
+                          const ProgressCallback& progress, const std::string& errorPath,
+                          ShellOutcome& outcome) {
+  outcome = ShellOutcome();
   const auto first = commandLine.find_first_not_of(' ');
   if (first == std::string_view::npos || timeLimitMs < 0) return kShellInvalidArgument;
   if (breakOption < 0 || breakOption > 2) return kShellInvalidArgument;
@@ -138,7 +153,7 @@ std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs
   argv.push_back(nullptr);
 
   SpawnSetup setup;
-  if (!setup.Prepare()) return kShellNotStarted;
+  if (!setup.Prepare(errorPath)) return kShellNotStarted;
   pid_t pid = 0;
   const bool searchPath = arguments.front().find('/') == std::string::npos;
   const int spawned =
@@ -149,7 +164,7 @@ std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs
 
   std::int64_t elapsed = 0;
   for (;;) {
-    const SliceEnd slice = WaitSlice(pid);
+    const SliceEnd slice = WaitSlice(pid, outcome.exitCode);
     if (slice == SliceEnd::kEnded || slice == SliceEnd::kFailed) return kShellEnded;
     if (progress && !progress("Waiting for Graphviz", elapsed, timeLimitMs)) {
       KillAndReap(pid);

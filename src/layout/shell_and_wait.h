@@ -47,6 +47,20 @@ std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs
                           std::int32_t windowStyle, std::int32_t breakOption,
                           const ProgressCallback& progress = {});
 
+// How a program run by ShellAndWait ended, for callers that explain a failure.
+struct ShellOutcome {
+  // The program's exit code when it ended on its own; -1 otherwise (killed, never started, a
+  // failed wait); 128 + the signal number when a signal ended it.
+  int exitCode = -1;
+};
+
+// ShellAndWait with the program's standard error written to `errorPath` (replaced; /dev/null
+// when empty) and its exit code in `outcome`.
+std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs,
+                          std::int32_t windowStyle, std::int32_t breakOption,
+                          const ProgressCallback& progress, const std::string& errorPath,
+                          ShellOutcome& outcome);
+
 // The arguments of a command line, split as ShellAndWait splits them (see above).
 std::vector<std::string> SplitCommandLine(std::string_view commandLine);
 

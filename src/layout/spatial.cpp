@@ -246,7 +246,8 @@ bool Spatial::LoadGVPlain(const std::string& iPath, std::int32_t firstNode, std:
   const std::string_view all = text;
   const auto header = SplitSpaces(LineAt(all, 0));
   if (header.size() < 4 || header[0] != "graph" || !ParseField(header[2], scaleX_) ||
-      !ParseField(header[3], scaleY_)) {
+      !ParseField(header[3], scaleY_) || !std::isfinite(scaleX_) || !std::isfinite(scaleY_) ||
+      scaleX_ < 0.0f || scaleY_ < 0.0f) {
     error = "'" + iPath + "' does not start with a 'graph scale width height' line";
     return false;
   }
@@ -263,7 +264,9 @@ bool Spatial::LoadGVPlain(const std::string& iPath, std::int32_t firstNode, std:
       y = scaleY_ / 1000.0f;
     } else {
       const auto fields = SplitSpaces(LineAt(all, at));
-      if (fields.size() < 4 || !ParseField(fields[2], x) || !ParseField(fields[3], y)) {
+      // "nan" and "inf" read as numbers, but would put every node on one line.
+      if (fields.size() < 4 || !ParseField(fields[2], x) || !ParseField(fields[3], y) ||
+          !std::isfinite(x) || !std::isfinite(y)) {
         error = "'" + iPath + "': malformed line '" + std::string(LineAt(all, at)) + "'";
         return false;
       }
@@ -299,6 +302,7 @@ bool Spatial::GraphVisLayout_CLI(std::string_view gvPath, std::string_view algor
   degrees_.clear();
   farDegrees_.clear();
   lastShellCode_ = -1;
+  lastFailure_.clear();
   const std::string command = LayoutCommandLine(gvPath, algorithm, folder_);
   const auto fail = [&] {
     notifier_->ShowMessage("Command:" + command, kFailureTitle, MessageIcon::kCritical);
@@ -311,21 +315,39 @@ bool Spatial::GraphVisLayout_CLI(std::string_view gvPath, std::string_view algor
   std::filesystem::remove(output, ignored);
   FileWriter writer;
   if (folder_.empty() || !writer.Open(input, error)) {
+    lastFailure_ = folder_.empty() ? "No layout folder could be created under $TMPDIR or /tmp"
+                                   : "The layout folder cannot be written: " + error;
     fail();
     return false;
   }
   writer.Write(dotStr);
   writer.Write("\r\n");
   if (!writer.Close(error)) {
+    lastFailure_ = "The layout folder cannot be written: " + error;
     fail();
     return false;
   }
 
-  lastShellCode_ = ShellAndWait(command, timeLimitMs_, 6, 2, progress);
+  const std::string errors = folder_ + "/gverr.txt";
+  ShellOutcome outcome;
+  lastShellCode_ = ShellAndWait(command, timeLimitMs_, 6, 2, progress, errors, outcome);
   if (lastShellCode_ != kShellEnded) return false;
 
   if (!LoadGVPlain(output, firstNode, nodeCount, error, progress)) {
-    if (error != kCancelled) fail();
+    if (error == kCancelled) return false;
+    // What the program said explains a missing or broken output better than the output does.
+    std::string printed;
+    std::string ignoredError;
+    ReadFilePrefix(errors, 2000, printed, ignoredError);
+    const std::string program = SplitCommandLine(command).front();
+    lastFailure_ = outcome.exitCode > 0
+                       ? program + " exited with code " + std::to_string(outcome.exitCode)
+                       : "Graphviz's output could not be read (" + error + ")";
+    while (!printed.empty() && (printed.back() == '\n' || printed.back() == '\r')) {
+      printed.pop_back();
+    }
+    if (!printed.empty()) lastFailure_ += ": " + printed;
+    fail();
     return false;
   }
   if (!SetGraphFromDot(dotStr, firstNode)) fail();

@@ -17,7 +17,9 @@
 //   4. a result other than 0 (Graphviz missing: 1, too slow: 2, abandoned: 4) returns false
 //      without a message: the caller reports;
 //   5. the plain output is read (LoadGVPlain), then the edge list (SetGraphFromDot).
-// A failure to write gvin.txt, or a missing or malformed gvout.txt, shows the message
+// The program's stderr goes to "gverr.txt" in the layout folder. A failure to write gvin.txt,
+// or a missing or malformed gvout.txt (also one with coordinates or a size that are no finite
+// number), shows the message
 // "Command:" + the command line, titled "Graph layout failed", with the critical icon, and
 // returns false. A malformed edge line shows the same message, keeps the coordinates and
 // returns true.
@@ -121,6 +123,10 @@ class Spatial {
 
   // The ShellAndWait code of the last run (-1 before any run or when it did not get that far).
   std::int32_t LastShellCode() const { return lastShellCode_; }
+  // Why the last run failed after the program could be started, in words a user can act on:
+  // the layout folder that could not be written, or the output that could not be read with
+  // the program's exit code and what it printed on stderr. Empty after a success.
+  const std::string& LastFailure() const { return lastFailure_; }
 
  private:
   void ResetNodes(std::int32_t nodeCount);
@@ -129,6 +135,7 @@ class Spatial {
   std::string folder_;
   std::int32_t timeLimitMs_ = kLayoutTimeLimitMs;
   std::int32_t lastShellCode_ = -1;
+  std::string lastFailure_;
   std::int32_t nodeCount_ = 0;
   std::vector<float> x_;
   std::vector<float> y_;

@@ -53,18 +53,21 @@ SparseMatrixSingle SymmetricSimilarity(const SparseMatrixSingle& matrix,
   return similarity;
 }
 
-std::string LayoutFailure(std::int32_t code, const MapOptions& options) {
+std::string LayoutFailure(std::int32_t code, const MapOptions& options,
+                          const std::string& failure) {
   switch (code) {
     case kShellNotStarted:
-      return "Graphviz could not be started: check that '" + options.graphvizFolder +
-             "' holds the " + options.algorithm + " program";
+      return "Graphviz could not be started: '" + options.graphvizFolder + "' holds no runnable " +
+             options.algorithm +
+             " program; install Graphviz (the graphviz package) or name the folder that "
+             "holds it";
     case kShellTimedOut:
       return "Graphviz took longer than " + std::to_string(options.timeLimitMs / 1000) +
              " s and was stopped";
     case kShellAbandoned:
       return "The layout was cancelled";
     default:
-      return "Graphviz's output could not be read";
+      return failure.empty() ? "Graphviz's output could not be read" : failure;
   }
 }
 
@@ -141,7 +144,7 @@ bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::in
   Finish(report, watch, "layout");
   if (!laidOut) {
     report.cancelled = cancel.Cancelled();
-    report.error = LayoutFailure(report.shellCode, options);
+    report.error = LayoutFailure(report.shellCode, options, spatial.LastFailure());
     return false;
   }
   report.nodeCount = spatial.NodeCount();

@@ -1,6 +1,8 @@
 #include "session/corpus_load.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <new>
 #include <optional>
 
 #include "common/code_points.h"
@@ -33,6 +35,10 @@ ImportOptions ImportOptionsOf(const LoadOptions& options) {
   importOptions.maxCount = options.maxDocCount > 0 ? options.maxDocCount : 0;
   return importOptions;
 }
+
+// How much of a tab-separated file decides its layout: the first lines within a prefix.
+constexpr std::size_t kLayoutSampleBytes = 1 << 20;
+constexpr int kLayoutSampleLines = 10;
 
 constexpr std::string_view kElapsedOrigin = "01 Jan 2011 00:00:01";
 
@@ -67,6 +73,39 @@ void SetRoles(DocumentSet& documents, CorpusInfo& info) {
   }
 }
 
+// "File not found" would send a user looking for a file that is there: a folder says so.
+std::string MissingFileReason(const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) {
+    return "'" + path + "' is a folder; give the corpus file inside it";
+  }
+  return "File not found: " + path;
+}
+
+// "2 rows without a readable date are left out ...: line 1 ("Date"), line 7 ("24/13/...")";
+// rows of an import, which has no lines to give, are named by their number.
+std::string UndatedRowsWarning(const std::vector<DocumentSet::UndatedRow>& rows) {
+  constexpr std::size_t kNamed = 5;
+  std::string text = std::to_string(rows.size()) + (rows.size() == 1 ? " row" : " rows") +
+                     " without a readable date " + (rows.size() == 1 ? "is" : "are") +
+                     " left out of the corpus, the time line and the maps:";
+  for (std::size_t i = 0; i < rows.size() && i < kNamed; ++i) {
+    const bool line = rows[i].line > 0;
+    text += std::string(i == 0 ? " " : ", ") + (line ? "line " : "row ") +
+            std::to_string(line ? rows[i].line : rows[i].row + 1) + " (\"" + rows[i].text + "\")";
+  }
+  if (rows.size() > kNamed) text += ", ...";
+  return text;
+}
+
+// Rows without a date have no place on the time line: they leave the set before the sort.
+void LeaveOutUndatedRows(DocumentSet& documents) {
+  std::vector<DocIndex> rows;
+  rows.reserve(documents.UndatedRows().size());
+  for (const auto& undated : documents.UndatedRows()) rows.push_back(undated.row);
+  documents.RemoveDocuments(rows);
+}
+
 FieldIndex LastField(const DocumentSet& documents) {
   return static_cast<FieldIndex>(documents.FieldCount() - 1);
 }
@@ -77,19 +116,31 @@ std::optional<CorpusFormat> ChooseCorpusFormat(const std::string& path, bool rad
                                                std::string& error) {
   if (radian) return CorpusFormat::kRadian6;
   std::string head;
-  // 1024 characters take at most 4096 bytes of UTF-8.
-  if (!ReadFilePrefix(path, 4096, head, error)) return std::nullopt;
+  if (!ReadFilePrefix(path, kLayoutSampleBytes, head, error)) return std::nullopt;
   DecodeText(head);
-  head.resize(ByteOffsetOfCharacter(head, 1025));
-  const std::string_view firstLine = std::string_view(head).substr(0, head.find('\n'));
-  const auto columns = std::count(firstLine.begin(), firstLine.end(), '\t') + 1;
-  return columns < 8 ? CorpusFormat::kTwitter : CorpusFormat::kTwitter11;
+  // One line alone misleads: a header or a short first line in a sixteen-column export, or a
+  // first message longer than any fixed prefix. The wider layout wins when at least half of
+  // the first non-empty lines have 8 or more columns.
+  std::string_view rest = head;
+  int lines = 0;
+  int wide = 0;
+  while (!rest.empty() && lines < kLayoutSampleLines) {
+    const std::size_t end = rest.find('\n');
+    // A line cut off by the sample's end counts only when it is the only one.
+    if (end == std::string_view::npos && lines > 0 && head.size() == kLayoutSampleBytes) break;
+    const std::string_view line = rest.substr(0, end);
+    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+    if (TrimSpaces(line).empty()) continue;
+    ++lines;
+    if (std::count(line.begin(), line.end(), '\t') + 1 >= 8) ++wide;
+  }
+  return lines > 0 && 2 * wide >= lines ? CorpusFormat::kTwitter11 : CorpusFormat::kTwitter;
 }
 
 std::optional<CorpusShape> DetectCorpusShape(const std::string& path, bool radian,
                                              std::string& error) {
   if (!FileExists(path)) {
-    error = "File not found: " + path;
+    error = MissingFileReason(path);
     return std::nullopt;
   }
   if (!radian && MayBeImportFile(path)) {
@@ -116,8 +167,10 @@ ImportPreview PreviewCorpus(const LoadOptions& options, int rows) {
   return PreviewCorpusFile(options.path, ImportOptionsOf(options), rows);
 }
 
-LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
-                      const ProgressCallback& progress, const AfterLinksStep& afterLinks) {
+namespace {
+
+LoadReport LoadCorpusUnguarded(Session& session, const LoadOptions& options, Notifier& notifier,
+                               const ProgressCallback& progress, const AfterLinksStep& afterLinks) {
   LoadReport report;
   DocumentSet& documents = session.Documents();
   CorpusInfo& info = session.Corpus();
@@ -130,7 +183,7 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
   };
   const auto cancelled = [&](std::string_view stage) { return progress && !progress(stage, 0, 0); };
 
-  if (!FileExists(options.path)) return fail("File not found: " + options.path);
+  if (!FileExists(options.path)) return fail(MissingFileReason(options.path));
   const auto unit = ParseTimeUnit(options.unitCode);
   if (!unit) return fail("Unknown time unit \"" + options.unitCode + "\" (use s, n, h, d or ww)");
   std::string error;
@@ -221,6 +274,10 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
     if (cancelled("Deriving elapsed time")) return fail("Loading cancelled");
     if (documents.DeriveElapsedTimeField(0, options.unitCode, kElapsedOrigin, true, progress)) {
       clock.Finish("elapsed time");
+      if (!documents.UndatedRows().empty()) {
+        report.warnings.push_back(UndatedRowsWarning(documents.UndatedRows()));
+        LeaveOutUndatedRows(documents);
+      }
       const FieldIndex elapsed = LastField(documents);
       documents.SortByInt(elapsed, false, notifier);
       documents.SetElapsedTimeField(elapsed);
@@ -249,6 +306,22 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
   report.loaded = true;
   report.stages = clock.Stages();
   return report;
+}
+
+}  // namespace
+
+LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& notifier,
+                      const ProgressCallback& progress, const AfterLinksStep& afterLinks) {
+  try {
+    return LoadCorpusUnguarded(session, options, notifier, progress, afterLinks);
+  } catch (const std::bad_alloc&) {
+    // A file that outgrows memory part way (its cells, the derived columns) ends as a failed
+    // load with the set emptied, not as an abort.
+    session.Documents().Clear();
+    LoadReport report;
+    report.error = "'" + options.path + "' does not fit in memory";
+    return report;
+  }
 }
 
 }  // namespace sylvora

@@ -46,8 +46,13 @@ CorpusSummary SummariseCorpus(const DocumentSet& documents, std::size_t topCount
   CorpusSummary summary;
   summary.documents = documents.DocumentCount();
   if (summary.documents > 0 && documents.DateTimeField() < documents.FieldCount()) {
-    summary.firstDateTime = documents.Text(0, documents.DateTimeField());
-    summary.lastDateTime = documents.Text(summary.documents - 1, documents.DateTimeField());
+    // The full date-time with its four-digit year, ISO-like; the cell where it is no date.
+    const auto shown = [&](DocIndex d) {
+      const auto date = documents.DocumentDateTime(d);
+      return date ? date->Format() : documents.Text(d, documents.DateTimeField());
+    };
+    summary.firstDateTime = shown(0);
+    summary.lastDateTime = shown(summary.documents - 1);
   }
   summary.withLinks = CountNonBlank(documents, documents.URLField());
   summary.withHashtags = CountNonBlank(documents, documents.KeyWordField());

@@ -17,7 +17,9 @@ struct TermCount {
 
 struct CorpusSummary {
   DocIndex documents = 0;
-  std::string firstDateTime;  // the date-time cell of the first and the last document
+  // The first and the last document's full date-time as "YYYY-MM-DD HH:MM:SS" (the date-time
+  // cell when it holds no date).
+  std::string firstDateTime;
   std::string lastDateTime;
   DocIndex withLinks = 0;
   DocIndex withHashtags = 0;

@@ -18,11 +18,6 @@ std::int64_t TemporalNumber(std::string_view text) {
   return std::clamp<std::int64_t>(LeadingWholeNumber(text), INT32_MIN, INT32_MAX);
 }
 
-std::string WithoutQuotes(std::string text) {
-  std::erase(text, '"');
-  return text;
-}
-
 }  // namespace
 
 std::size_t TextStream::CheckedInterval(std::int32_t intervalIndex, const char* operation) const {
@@ -171,7 +166,7 @@ std::optional<std::int32_t> TextStream::IntervalFromDateTime(std::string_view da
                                                              std::string_view intervalUnit) const {
   if (corpus_ == nullptr) return std::nullopt;
   const auto unit = ParseTimeUnit(intervalUnit);
-  const auto origin = DateTime::Parse(corpus_->Text(0, corpus_->DateTimeField()));
+  const auto origin = corpus_->DocumentDateTime(0);
   const auto when = DateTime::Parse(dateTimeVal);
   if (!unit || !origin || !when || intervalLength_ < 1) return std::nullopt;
   const double units = static_cast<double>(DateDiff(*unit, *origin, *when));
@@ -184,7 +179,7 @@ std::array<std::string, 2> TextStream::IntervalDateTimeBounds(std::int32_t inter
                                                               std::string_view intervalUnit) const {
   if (corpus_ == nullptr) return {};
   const auto unit = ParseTimeUnit(intervalUnit);
-  const auto origin = DateTime::Parse(WithoutQuotes(corpus_->Text(0, corpus_->DateTimeField())));
+  const auto origin = corpus_->DocumentDateTime(0);
   if (!unit || !origin) return {};
   const std::int64_t start = (static_cast<std::int64_t>(intervalIndex) - 1) * intervalLength_;
   return {DateAdd(*unit, start, *origin).Format(),

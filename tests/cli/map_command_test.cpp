@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
+#include "layout/layout_scripts.h"
 #include "support/temp_dir.h"
 
 namespace sylvora::cli {
@@ -97,12 +99,62 @@ TEST(MapCommand, IntervalAndTweetMapsBuildTheModelsFirst) {
   EXPECT_TRUE(Has(run.out, "words (co-occurrence in the same interval), 13 nodes")) << run.out;
 }
 
-TEST(MapCommand, MissingGraphvizFailsWithAReason) {
+// Regression: a failing sfdp, an unwritable layout folder and bad plain output all said
+// "Graphviz's output could not be read"; a missing sfdp named a made-up folder. Each case runs
+// a fake sfdp (or none) and expects what happened in the error, and no map files.
+TEST(MapCommand, LayoutFailuresSayWhatHappened) {
+  struct Case {
+    std::string name;
+    std::string sfdp;  // the fake program's body; "" for none
+    std::vector<std::string> flags;
+    std::string message;
+  };
+  const std::string writeOutput = "for last; do :; done; out=${last#-o}; ";
+  const std::vector<Case> cases = {
+      {"failing",
+       "echo 'Error: syntax error in line 3' >&2; exit 3",
+       {},
+       "/sfdp exited with code 3: Error: syntax error in line 3"},
+      {"nan",
+       writeOutput + "printf 'graph 1 4 4\\nnode 1 nan nan 1 1\\nstop\\n' > \"$out\"",
+       {},
+       "malformed line 'node 1 nan nan 1 1'"},
+      {"header",
+       writeOutput + "printf 'graph 1 inf 4\\nstop\\n' > \"$out\"",
+       {},
+       "does not start with a 'graph scale width height' line"},
+      {"folder",
+       "exit 0",
+       {"--layout-folder", "/nonexistent/sylvora"},
+       "Error: The layout folder cannot be written: Cannot create '/nonexistent/sylvora/gvin.txt'"},
+      {"slow", "sleep 5", {"--layout-timeout", "1"}, "Error: Graphviz took longer than 1 s"},
+      {"absent", "", {}, "holds no runnable sfdp; pass the folder of Graphviz's programs"},
+  };
+  for (const Case& c : cases) {
+    testing::TempDir dir;
+    testing::TempDir bin;
+    if (!c.sfdp.empty()) testing::WriteScript(bin, "sfdp", c.sfdp);
+    std::vector<std::string> flags = {"--graphviz", bin.Path().string()};
+    flags.insert(flags.end(), c.flags.begin(), c.flags.end());
+    const CommandRun run = Map(Arguments(dir, flags));
+    EXPECT_EQ(run.code, 1) << c.name;
+    EXPECT_TRUE(Has(run.err, c.message)) << c.name << ": " << run.err;
+    EXPECT_FALSE(std::filesystem::exists(dir.Path() / "map_nodes.csv")) << c.name;
+  }
+}
+
+TEST(MapCommand, NoSfdpOnThePathSaysToInstallGraphviz) {
   testing::TempDir dir;
-  const CommandRun run = Map(Arguments(dir, {"--graphviz", (dir.Path() / "nowhere").string()}));
+  testing::TempDir empty;
+  const std::string path = std::getenv("PATH") == nullptr ? "" : std::getenv("PATH");
+  ::setenv("PATH", empty.Path().c_str(), 1);
+  const CommandRun run = Map(Arguments(dir, {}));
+  ::setenv("PATH", path.c_str(), 1);
   EXPECT_EQ(run.code, 1);
-  EXPECT_TRUE(Has(run.err, "Error: Graphviz could not be started")) << run.err;
-  EXPECT_FALSE(std::filesystem::exists(dir.Path() / "map_nodes.csv"));
+  EXPECT_TRUE(Has(run.err,
+                  "Error: sfdp is not on PATH: install Graphviz (Debian: apt install "
+                  "graphviz) or pass the folder that holds it with --graphviz DIR"))
+      << run.err;
 }
 
 TEST(MapCommand, MissingIntervalFailsWithAReason) {
@@ -133,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{{}, "map takes one corpus file"},
         UsageCase{{"a.txt", "--kind", "maps"}, "--kind takes words, intervals or tweets"},
         UsageCase{{"a.txt", "--level", "doc"}, "--level takes tweet or interval"},
-        UsageCase{{"a.txt", "--interval", "0"}, "--interval takes an interval number"},
+        UsageCase{{"a.txt", "--interval", "0"}, "--interval takes a whole number from 1"},
         UsageCase{{"a.txt", "--interval", "x"}, ""},
         UsageCase{{"a.txt", "--neighbours", "-1"}, "--neighbours takes"},
         UsageCase{{"a.txt", "--colour", "red"}, ""}));

@@ -210,6 +210,47 @@ TEST_F(CsvImport, SkipBadCountsBadRecordsButNotBrokenQuotes) {
   EXPECT_TRUE(Has(report_.error, "unbalanced quotes")) << report_.error;
 }
 
+// Regression: a quote left open swallowed the next record silently (12 records read as 11,
+// nothing skipped). A quoted cell now stops at a line that reads as a record of its own.
+TEST_F(CsvImport, AnUnbalancedQuoteIsABadRecordWithItsLine) {
+  const std::string broken =
+      "date,text\n2013-09-09T10:00:00Z,\"open quote\n2013-09-09T11:00:00Z,next\"\n"
+      "2013-09-09T12:00:00Z,last\n";
+  struct Case {
+    std::string csv;
+    bool skipBad;
+    DocIndex documents;   // -1: the import fails
+    std::string message;  // in the error or the first skipped sample
+  };
+  const std::vector<Case> cases = {
+      {broken, false, -1,
+       "'posts.csv' line 2: unbalanced quotes: the quoted field opened on line 2 runs into line 3"},
+      {broken, true, 2, "'posts.csv' line 2: unbalanced quotes"},
+      // Line breaks inside a quoted tweet stay part of it, commas and all.
+      {"date,text\n2013-09-09T10:00:00Z,\"two\nlines, still one\"\n2013-09-09T11:00:00Z,b\n", false,
+       2, ""},
+  };
+  for (const Case& c : cases) {
+    const DetectionOutcome outcome = Import(c.csv, c.skipBad);
+    if (c.documents < 0) {
+      EXPECT_EQ(outcome, DetectionOutcome::kError) << c.csv;
+      EXPECT_TRUE(Has(report_.error, c.message)) << report_.error;
+      continue;
+    }
+    ASSERT_EQ(outcome, DetectionOutcome::kImport) << report_.error;
+    EXPECT_EQ(documents_.DocumentCount(), c.documents) << c.csv;
+    if (c.message.empty()) {
+      EXPECT_EQ(report_.skipped, 0);
+      EXPECT_EQ(Cell(0, kText), "two lines, still one");
+    } else {
+      EXPECT_EQ(report_.skipped, 1);
+      ASSERT_FALSE(report_.skippedSamples.empty());
+      EXPECT_TRUE(Has(report_.skippedSamples[0], c.message)) << report_.skippedSamples[0];
+      EXPECT_EQ(Cell(0, kText), "next\"");
+    }
+  }
+}
+
 TEST_F(CsvImport, Windows1252AndByteOrderMarkAndCrLf) {
   ASSERT_EQ(Import("\xEF\xBB\xBF"
                    "date,text\r\n2013-09-09T10:00:00Z,caf\xC3\xA9\r\n"),

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "corpus/corpus_fixtures.h"
 #include "corpus/document_set.h"
 #include "support/recording_notifier.h"
@@ -62,18 +64,67 @@ TEST(ElapsedTime, EveryUnitHasItsFieldName) {
   }
 }
 
-TEST(ElapsedTime, ADateThatIsNoDateStopsTheDerivationAndNamesTheRow) {
+// Regression: one row without a date stopped the whole derivation, and the message quoted
+// the half-converted cell ("24// 01:04:44") instead of the file's text.
+TEST(ElapsedTime, RowsWithoutADateAreListedWithTheFilesText) {
   DocumentSet set = Texts({"01/01/11 10:00:00", "not a date", "02/01/11 10:00:00"});
-  EXPECT_FALSE(set.DeriveElapsedTimeField(0, "h", "01 Jan 2011 00:00:01", true));
-  EXPECT_NE(set.LastError().find("Row 2"), std::string::npos);
-  EXPECT_NE(set.LastError().find("not a date"), std::string::npos);
-  EXPECT_EQ(set.FieldCount(), 1);  // nothing appended
+  ASSERT_TRUE(set.DeriveElapsedTimeField(0, "h", "01 Jan 2011 00:00:01", true));
+  EXPECT_EQ(Column(set, 1), (Cells{"0", "", "24"}));
+  ASSERT_EQ(set.UndatedRows().size(), 1u);
+  EXPECT_EQ(set.UndatedRows()[0].row, 1);
+  EXPECT_EQ(set.UndatedRows()[0].text, "not a date");
+
+  DocumentSet v11 = Texts({"Wed Nov 24 01:04:44 +0000 2004", "Wed Nox 24 01:04:44 +0000 2004"});
+  v11.ConvertTwitterDateTimeField("Twitter1.1", 0);
+  ASSERT_TRUE(v11.DeriveElapsedTimeField(0, "h", "01 Jan 2011 00:00:01", true));
+  ASSERT_EQ(v11.UndatedRows().size(), 1u);
+  EXPECT_EQ(v11.UndatedRows()[0].text, "Wed Nox 24 01:04:44 +0000 2004");
+
+  DocumentSet none = Texts({"never", "not a date"});
+  EXPECT_FALSE(none.DeriveElapsedTimeField(0, "h", "01 Jan 2011 00:00:01", true));
+  EXPECT_NE(none.LastError().find("No row has a date"), std::string::npos);
+  EXPECT_NE(none.LastError().find("never"), std::string::npos);
+  EXPECT_EQ(none.FieldCount(), 1);  // nothing appended
 
   EXPECT_FALSE(set.DeriveElapsedTimeField(0, "y", "01 Jan 2011 00:00:01", true));
   EXPECT_FALSE(set.DeriveElapsedTimeField(0, "h", "yesterday", true));
   DocumentSet far = Texts({"01/01/1900 00:00", "01/01/2011 00:00"});
   EXPECT_FALSE(far.DeriveElapsedTimeField(0, "s", "01 Jan 2011 00:00:01", true));
   EXPECT_NE(far.LastError().find("too far"), std::string::npos);
+}
+
+// Regression: years went through two digits with the pivot at 69, so 1965 became 2065 and
+// four-digit years from 1950 to 2070 came out between 1970 and 2050.
+TEST(ElapsedTime, FourDigitYearsSurviveTheTwoDigitDateText) {
+  struct Case {
+    std::string cell;
+    std::string text;  // the field's content after the conversion
+    std::string full;  // DocumentDateTime
+  };
+  const std::vector<Case> cases = {
+      {"Sat Jan 07 10:00:00 +0000 1950", "07/01/50 10:00:00", "1950-01-07 10:00:00"},
+      {"Mon Mar 01 12:30:00 +0000 1965", "01/03/65 12:30:00", "1965-03-01 12:30:00"},
+      {"Wed Nov 24 01:04:44 +0000 2004", "24/11/04 01:04:44", "2004-11-24 01:04:44"},
+      {"Tue Dec 31 23:59:59 +0000 2069", "31/12/69 23:59:59", "2069-12-31 23:59:59"},
+      {"Wed Jan 01 00:00:00 +0000 2070", "01/01/70 00:00:00", "2070-01-01 00:00:00"},
+  };
+  Cells cells;
+  for (const Case& c : cases) cells.push_back(c.cell);
+  std::reverse(cells.begin(), cells.end());  // newest first, as exports come
+  DocumentSet set = Texts(cells);
+  set.ConvertTwitterDateTimeField("Twitter1.1", 0);
+  ASSERT_TRUE(set.DeriveElapsedTimeField(0, "d", "01 Jan 2011 00:00:01", true));
+  RecordingNotifier notifier;
+  set.SortByInt(1, false, notifier);
+  EXPECT_TRUE(notifier.Messages().empty());  // a plain reversal
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    const auto d = static_cast<DocIndex>(i);
+    EXPECT_EQ(set.Text(d, 0), cases[i].text);
+    ASSERT_TRUE(set.DocumentDateTime(d).has_value()) << cases[i].cell;
+    EXPECT_EQ(set.DocumentDateTime(d)->Format(), cases[i].full);
+  }
+  EXPECT_EQ(set.Text(0, 1), "0");
+  EXPECT_EQ(set.Text(4, 1), "43824");  // days from 7 Jan 1950 to 1 Jan 2070
 }
 
 TEST(Links, FirstLongLinkIsMovedOutOfTheText) {

@@ -142,6 +142,49 @@ TEST_F(Loading, RadianHeaderOfTheSameWidthKeepsTheFormatNames) {
   EXPECT_EQ(set_.Text(0, 3), "content text");
 }
 
+// Regression: the parse test compared UTF-8 bytes with 16 where 8 characters are meant, so a
+// record of 9 to 16 ASCII characters was counted but left unparsed and later rows shifted.
+TEST_F(Loading, RecordsOfMoreThanEightCharactersAreParsed) {
+  struct Case {
+    std::string record;
+    std::string cell;  // what its row holds
+  };
+  const std::vector<Case> cases = {
+      {"12345678", ""},                          // 8 characters: counted, never parsed
+      {"123456789", "123456789"},                // 9 characters
+      {"abcdefghijklmnop", "abcdefghijklmnop"},  // 16 characters, 16 bytes
+      {"caf\xC3\xA9 caf\xC3\xA9", "caf\xC3\xA9 caf\xC3\xA9"},  // 9 characters, 11 bytes
+      {"\xE5\xAD\x97\xE5\xAD\x97\xE5\xAD\x97\xE5\xAD\x97\xE5\xAD\x97\xE5\xAD\x97",
+       ""},  // 6 characters in 18 bytes: too short
+  };
+  for (const Case& c : cases) {
+    DocumentSet set;
+    std::string path =
+        dir_.WriteFile("all.txt", "first record here|" + c.record + "|last one here");
+    ASSERT_TRUE(set.LoadDocuments(path, 0, "|", 0, 0, false)) << c.record;
+    ASSERT_EQ(set.DocumentCount(), 3) << c.record;
+    const bool parsed = !c.cell.empty();
+    EXPECT_EQ(set.Text(1, 0), parsed ? c.cell : "last one here") << c.record;
+    EXPECT_EQ(set.Text(2, 0), parsed ? "last one here" : "") << c.record;
+  }
+}
+
+TEST_F(Loading, DefinitionFormatReadsItsFieldsFromTheHeadOfTheFile) {
+  ASSERT_TRUE(
+      Load("2\n<a>,</a>,Alpha\n\"<b>\",\"</b>\",Beta\n"
+           "<a>first one</a><b>x y</b>\n<a>second</a><b>z</b> tail\n",
+           1));
+  EXPECT_EQ(set_.FieldCount(), 2);
+  EXPECT_EQ(set_.FieldName(1), "Beta");
+  ASSERT_EQ(set_.DocumentCount(), 2);
+  EXPECT_EQ(set_.Text(0, 0), "first one");
+  EXPECT_EQ(set_.Text(1, 1), "z");
+  DocumentSet undefined;
+  std::string path = dir_.WriteFile("tagged.txt", "<a>first one</a>\n<a>second one</a>\n");
+  EXPECT_FALSE(undefined.LoadDocuments(path, 1, "\n", 0, 0, false));
+  EXPECT_NE(undefined.LastError().find("defines no fields"), std::string::npos);
+}
+
 TEST_F(Loading, TaggedNewsArticles) {
   ASSERT_TRUE(
       Load("<DOC><DOCNO> 12 </DOCNO><TEXT>  Line one\nline  two   end </TEXT></DOC>\n"

@@ -192,7 +192,14 @@ INSTANTIATE_TEST_SUITE_P(
                       MalformedCase{"DoubleSpace", "graph 1  2 3\n"},
                       MalformedCase{"NodeWithoutY", "graph 1 2 3\nnode 1 1\n"},
                       MalformedCase{"NodeWithText", "graph 1 2 3\nnode 2 1 y\n"},
-                      MalformedCase{"CommaDecimal", "graph 1 2 3\nnode 1 1,5 2\n"}),
+                      MalformedCase{"CommaDecimal", "graph 1 2 3\nnode 1 1,5 2\n"},
+                      // Regression: "nan" and "inf" read as numbers and drew every node on one
+                      // line.
+                      MalformedCase{"NanX", "graph 1 2 3\nnode 1 nan 2\n"},
+                      MalformedCase{"InfY", "graph 1 2 3\nnode 2 1 -inf\n"},
+                      MalformedCase{"NanWidth", "graph 1 nan 3\nnode 1 1 1\n"},
+                      MalformedCase{"InfiniteHeight", "graph 1 2 infinity\nnode 1 1 1\n"},
+                      MalformedCase{"NegativeWidth", "graph 1 -2 3\nnode 1 1 1\n"}),
     [](const auto& info) { return info.param.name; });
 
 TEST_F(LoadGVPlainTest, MissingFileFails) {

@@ -1,6 +1,11 @@
 #include "session/corpus_load.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
@@ -43,14 +48,35 @@ TEST_F(CorpusLoad, FormatFollowsTheColumnsOfTheFirstLineOrTheRadianSwitch) {
   std::string error;
   const std::string six = dir_.WriteFile("six.txt", "a\tb\tc\td\te\tf\nrest");
   const std::string sixteen = dir_.WriteFile("sixteen.txt", std::string(15, '\t') + "\n");
-  const std::string longLine =
-      dir_.WriteFile("long.txt", std::string(2000, 'x') + std::string(10, '\t'));
   EXPECT_EQ(ChooseCorpusFormat(six, false, error), CorpusFormat::kTwitter);
   EXPECT_EQ(ChooseCorpusFormat(sixteen, false, error), CorpusFormat::kTwitter11);
   EXPECT_EQ(ChooseCorpusFormat(six, true, error), CorpusFormat::kRadian6);
-  // Tabs past the first 1024 characters are not seen.
-  EXPECT_EQ(ChooseCorpusFormat(longLine, false, error), CorpusFormat::kTwitter);
   EXPECT_FALSE(ChooseCorpusFormat((dir_.Path() / "none").string(), false, error).has_value());
+}
+
+// Regression: the layout was decided by the first line's first 1024 characters, so a long
+// first message or a short first line read a sixteen-column export as the six-column one.
+TEST_F(CorpusLoad, LayoutIsDecidedByTheFirstSeveralLines) {
+  const std::string wide = Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "hello");
+  const std::string narrow = "20110105T10:00:00Z\tann\tsome words\t1\t0\t1\n";
+  struct Case {
+    std::string content;
+    CorpusFormat format;
+  };
+  const std::vector<Case> cases = {
+      {Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", std::string(3000, 'x')) + wide,
+       CorpusFormat::kTwitter11},                                     // a long first message
+      {"DateTime\tTweet\n" + wide + wide, CorpusFormat::kTwitter11},  // a short first line
+      {"\n\n" + wide, CorpusFormat::kTwitter11},                      // empty lines first
+      {narrow + narrow + narrow, CorpusFormat::kTwitter},
+      // A six-column export with one tweet split by tabs stays six-column.
+      {"a\tb\tc\td\te\tf\tg\th\ti\n" + narrow + narrow, CorpusFormat::kTwitter},
+  };
+  for (const Case& c : cases) {
+    std::string error;
+    EXPECT_EQ(ChooseCorpusFormat(dir_.WriteFile("layout.txt", c.content), false, error), c.format)
+        << c.content.substr(0, 40);
+  }
 }
 
 TEST_F(CorpusLoad, Twitter11ExportBecomesASortedCorpusWithDerivedFields) {
@@ -126,18 +152,29 @@ TEST_F(CorpusLoad, DatesWithoutZKeepTheirTextAndStillGiveElapsedTime) {
   EXPECT_EQ(session_.Documents().Text(1, 7), "1");
 }
 
-TEST_F(CorpusLoad, UndatedRowsSkipTheSortButNotTheTags) {
-  const LoadReport report = Load(
-      "20110105T10:00:00Z\tann\tfirst #tweet of the day\t2\t-1\t1\n"
-      "garbage date here\tbob\tsecond @ann tweet of the day\t1\t-1\t0\n");
+// Regression: a header line or one garbled row of a sixteen-column export left the corpus
+// without its elapsed-time column, so no time line could be built.
+TEST_F(CorpusLoad, UndatedRowsAreLeftOutAndNamedAndAHeaderIsSkipped) {
+  const std::string header =
+      Line({"DateTime", "UserName", "Tweet", "Tweet ID", "Real Name", "Followers", "Following",
+            "Public Lists", "Time Zone", "Geo", "User Tweets", "Retweeted", "Link URL", "Sent+",
+            "Sent-", "NetSent"});
+  const LoadReport report =
+      Load(header + Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "late #news") +
+           Twitter11("Wed Aux 28 09:10:00 +0000 2013", "ann", "garbled row") +
+           Twitter11("Tue Aug 27 23:59:00 +0000 2013", "cy", "early @bob"));
   ASSERT_TRUE(report.loaded) << report.error;
   ASSERT_EQ(report.warnings.size(), 1u);
-  EXPECT_NE(report.warnings[0].find("Row 2"), std::string::npos);
-  EXPECT_FALSE(session_.Corpus().elapsedTimeDerived);
+  EXPECT_EQ(report.warnings[0],
+            "1 row without a readable date is left out of the corpus, the time line and the "
+            "maps: line 3 (\"Wed Aux 28 09:10:00 +0000 2013\")");
+  EXPECT_TRUE(session_.Corpus().elapsedTimeDerived);
   const DocumentSet& docs = session_.Documents();
-  EXPECT_EQ(docs.FieldName(7), "HashTags");
-  EXPECT_EQ(docs.FieldName(8), "Mentions");
-  EXPECT_EQ(docs.Text(0, 7), " tweet");
+  ASSERT_EQ(docs.DocumentCount(), 2);
+  EXPECT_EQ(docs.FieldName(2), "Tweet");
+  EXPECT_EQ(docs.Text(0, 1), "cy");
+  EXPECT_EQ(docs.Text(1, 1), "bob");
+  EXPECT_EQ(docs.Text(1, docs.KeyWordField()), " news");
 }
 
 TEST_F(CorpusLoad, RadianExportUsesItsOwnColumns) {
@@ -200,6 +237,54 @@ TEST_F(CorpusLoad, MissingFileAndBadUnitAreRefusedQuietly) {
   report = LoadCorpus(session_, options, notifier_);
   EXPECT_NE(report.error.find("Unknown time unit"), std::string::npos);
   EXPECT_TRUE(notifier_.Messages().empty());
+}
+
+// Regression: a folder said "File not found", and /dev/zero was read until memory ran out.
+TEST_F(CorpusLoad, PathsThatAreNoCorpusFileSayWhatTheyAre) {
+  struct Case {
+    std::string path;
+    std::string reason;
+  };
+  const std::vector<Case> cases = {
+      {(dir_.Path() / "absent.txt").string(), "File not found: "},
+      {dir_.Path().string(), "' is a folder; give the corpus file inside it"},
+      {"/dev/zero", "Cannot read '/dev/zero': it is not a regular file"},
+  };
+  for (const Case& c : cases) {
+    LoadOptions options;
+    options.path = c.path;
+    const LoadReport report = LoadCorpus(session_, options, notifier_);
+    EXPECT_FALSE(report.loaded) << c.path;
+    EXPECT_NE(report.error.find(c.reason), std::string::npos) << report.error;
+  }
+}
+
+// 0 when loading `path` with at most 1 GiB of address space fails for lack of memory.
+int LoadUnderMemoryLimit(const std::string& path) {
+  const rlimit limit{std::uintmax_t{1} << 30, std::uintmax_t{1} << 30};
+  ::setrlimit(RLIMIT_AS, &limit);
+  LoadOptions options;
+  options.path = path;
+  Session session;
+  SilentNotifier notifier;
+  const LoadReport report = LoadCorpus(session, options, notifier);
+  return !report.loaded && report.error.find("does not fit in memory") != std::string::npos ? 0 : 1;
+}
+
+// A file larger than the memory the process may take fails with a reason instead of aborting
+// on std::bad_alloc. The child process runs under an address-space limit; the file is sparse.
+TEST_F(CorpusLoad, AFileThatOutgrowsMemoryIsAFailedLoad) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the address sanitizer reserves more address space than the limit allows";
+#else
+  const std::string path = (dir_.Path() / "huge.txt").string();
+  {
+    std::ofstream file(path);
+    file << "20110105T10:00:00Z\tann\tfirst\t1\t0\t1\n";
+  }
+  std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
+  EXPECT_EXIT(std::exit(LoadUnderMemoryLimit(path)), ::testing::ExitedWithCode(0), "");
+#endif
 }
 
 TEST_F(CorpusLoad, ASecondLoadReplacesTheFirst) {

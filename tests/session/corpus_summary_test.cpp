@@ -17,8 +17,8 @@ TEST(CorpusSummary, CountsRoleColumnsAndRanksTerms) {
   docs.SetRefListField(3);
   const CorpusSummary summary = SummariseCorpus(docs, 2);
   EXPECT_EQ(summary.documents, 3);
-  EXPECT_EQ(summary.firstDateTime, "01/01/11 10:00:00");
-  EXPECT_EQ(summary.lastDateTime, "01/01/11 12:00:00");
+  EXPECT_EQ(summary.firstDateTime, "2011-01-01 10:00:00");
+  EXPECT_EQ(summary.lastDateTime, "2011-01-01 12:00:00");
   EXPECT_EQ(summary.withLinks, 1);  // a lone space is no link
   EXPECT_EQ(summary.withHashtags, 3);
   EXPECT_EQ(summary.withMentions, 2);
