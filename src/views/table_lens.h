@@ -152,6 +152,9 @@ class TableLens : public QObject {
   std::int32_t SlotRow(std::int32_t slot) const;
   // The text printed in the row header for `row` (long names shortened to 6 characters + "..").
   QString RowHeaderText(std::int32_t row) const;
+  // The forms a column name may take in the header, longest first: a date-time
+  // "YYYY-MM-DD HH:MM:SS" also as "YYYY-MM-DD HH:MM", "MM-DD HH:MM", "YYYY-MM-DD", "MM-DD", "DD".
+  static QStringList ColumnLabelForms(const QString& name);
   // Pixel rectangle of cell (slot, visible column); column 0 is the row header, slot 0 the
   // column header.
   QRectF CellRect(std::int32_t slot, std::int32_t visibleColumn) const;
@@ -187,9 +190,6 @@ class TableLens : public QObject {
   QSize PictureSize() const;
   // Width of `text` in column units with the current scale.
   double TextWidthUnits(const QString& text, const QFont& font) const;
-  // The forms a column name may take in the header, longest first: a date-time
-  // "YYYY-MM-DD HH:MM:SS" also as "YYYY-MM-DD HH:MM", "MM-DD HH:MM", "YYYY-MM-DD", "MM-DD", "DD".
-  static QStringList ColumnLabelForms(const QString& name);
   // The longest form of column `column`'s name that fits `roomColumns` columns.
   QString ColumnLabel(std::int32_t column, double roomColumns) const;
   // How many columns one header label spans so that the shortest form fits.
