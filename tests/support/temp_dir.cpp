@@ -39,8 +39,18 @@ std::string ReadFile(const std::filesystem::path& path) {
 }
 
 std::filesystem::path SourceDir() {
-  if (const char* dir = std::getenv("SYLVORA_SOURCE_DIR")) return dir;
-  return std::filesystem::current_path();
+  if (const char* dir = std::getenv("SYLVORA_SOURCE_DIR"); dir != nullptr && *dir != '\0') {
+    return dir;
+  }
+  std::error_code error;
+  auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  for (; !error && !folder.empty() && folder != folder.root_path(); folder = folder.parent_path()) {
+    if (std::filesystem::exists(folder / "data" / "common_words.txt") &&
+        std::filesystem::is_directory(folder / "tests")) {
+      return folder;
+    }
+  }
+  return SYLVORA_CONFIGURED_SOURCE_DIR;
 }
 
 }  // namespace sylvora::testing

@@ -26,7 +26,9 @@ class TempDir {
 // The whole content of a file (empty when it cannot be read).
 std::string ReadFile(const std::filesystem::path& path);
 
-// The repository's root folder (for data/ files), from SYLVORA_SOURCE_DIR.
+// The repository's root folder (for data/ files): SYLVORA_SOURCE_DIR when set, else the nearest
+// folder above the test binary that holds data/ and tests/, else the folder the build was
+// configured from. A binary run by hand from the build folder finds the same files as under CTest.
 std::filesystem::path SourceDir();
 
 }  // namespace sylvora::testing
