@@ -292,8 +292,9 @@ void TableLens::Layout() {
     surface_->ConfigureScrollBar(Qt::Horizontal, cols / horizontalUnit_, 1, visibleColumns_);
     surface_->ConfigureScrollBar(Qt::Vertical, rows / verticalUnit_, 1, visibleRows_);
   }
-  // The row header holds seven letters of the font that draws it.
-  const double spare = 1.0 - TextWidthUnits(QStringLiteral("abcdefg"), headerFont_);
+  // The row header holds nine letters of the font that draws it: five capitals and most words
+  // show whole.
+  const double spare = 1.0 - TextWidthUnits(QStringLiteral("abcdefghi"), headerFont_);
   headerWidth_ = spare >= 0.0 ? 0.0f : static_cast<float>(spare);
 
   decimals_ = 5;
