@@ -163,14 +163,15 @@ void ClusterExplorerPage::ShowMap(MapKind kind) {
   if (data == nullptr) return;
   switch (kind) {
     case MapKind::kWords: {
-      // The label slider starts again at its start value.
+      // A first look labels a readable handful of the heaviest words; the slider moves on.
+      const std::int16_t start = FirstLookLabelThreshold(data->weights);
       {
         const QSignalBlocker block(termLabelThresh_);
-        termLabelThresh_->setRange(0, kLabelSliderMax);
-        termLabelThresh_->setValue(kLabelSliderStart);
+        termLabelThresh_->setRange(0, std::max<int>(kLabelSliderMax, start));
+        termLabelThresh_->setValue(start);
       }
-      TermLabelThresh_Change(kLabelSliderStart);
-      ShowWordMap(map, *data, static_cast<std::int16_t>(kLabelSliderStart));
+      TermLabelThresh_Change(start);
+      ShowWordMap(map, *data, start);
       const int option = level_ == WordMapLevel::kInterval ? 1 : 0;
       featureType_[static_cast<std::size_t>(option)]->setChecked(true);
       break;

@@ -48,6 +48,9 @@ void ClusterExplorerPage::BuildWidgets() {
   auto* intervals = new ClusterMapPanel(services_.platform, u"ISVis"_s, u"Interval Map"_s);
   auto* tweets = new ClusterMapPanel(services_.platform, u"TweetSimVis"_s, u"Tweet Map"_s);
   panels_ = {words, intervals, tweets};
+  for (ClusterMapPanel* panel : panels_) {
+    panel->Map().SetEmptyText(u"Build the views on the Time Line Explorer tab"_s);
+  }
   words->Controls()->insertWidget(words->Controls()->count() - 1, BuildWordControls());
 
   splitter->addWidget(words);
@@ -211,6 +214,7 @@ void ClusterExplorerPage::TermLabelThresh_Change(int value) {
 }
 
 void ClusterExplorerPage::ModelsRebuilt() {
+  Map(MapKind::kTweets).SetEmptyText(u"Click an interval to map its tweets"_s);
   wordMapStale_ = true;
   intervalMapStale_ = true;
   if (isVisible()) PageShown();

@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSlider>
 #include <QTabWidget>
@@ -64,7 +65,17 @@ LoadIndexPage::~LoadIndexPage() = default;
 
 void LoadIndexPage::BuildWidgets() {
   auto* columns = new QHBoxLayout(this);
-  columns->addWidget(BuildLoadColumn(), 0);
+  // The load column scrolls when the advanced options outgrow a short screen (768 pixels),
+  // instead of squeezing its boxes or growing the window.
+  auto* loadScroll = new QScrollArea;
+  loadScroll->setObjectName(u"LoadColumnScroll"_s);
+  loadScroll->setWidget(BuildLoadColumn());
+  loadScroll->setWidgetResizable(true);
+  loadScroll->setFrameShape(QFrame::NoFrame);
+  loadScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  loadScroll->setFixedWidth(loadScroll->widget()->width() +
+                            loadScroll->verticalScrollBar()->sizeHint().width());
+  columns->addWidget(loadScroll, 0);
   columns->addWidget(BuildViewerColumn(), 1);
   columns->addWidget(BuildIndexColumn(), 2);
 }

@@ -151,6 +151,9 @@ class LoadIndexPage final : public QWidget {
   std::optional<std::int64_t> WholeNumberIn(QLineEdit* box, const QString& label);
 
   void SetLoadProgress(const QString& text);
+  // Says in the progress text, and for a path that names nothing loadable in a box, why
+  // "Load Twitter File" did not start.
+  void ShowMissingCorpus(const QString& path);
   void SetIndexingStatus(const QString& status);
   void BeginJob();
   void EndJob();
@@ -168,8 +171,8 @@ class LoadIndexPage final : public QWidget {
   // On the job's thread: the load, with the offer to skip bad records when some are bad, and
   // the "Load Error" box naming the import's message.
   LoadReport LoadImport(Session& session, LoadOptions options, const ProgressCallback& progress);
-  // The lines that say what was imported, before the stage lines.
-  QString ImportProgressLines(const LoadReport& report) const;
+  // The lines that say what was imported and the notes of the load, before the stage lines.
+  QString ReportNoteLines(const LoadReport& report) const;
   void ShowImportLoadError(const QString& path, const QString& message);
   void FinishIndexing(bool cancelled, const IndexReport& report);
   void OnJobProgress(const QString& stage);

@@ -192,9 +192,10 @@ LoadReport LoadIndexPage::LoadImport(Session& session, LoadOptions options,
   return report;
 }
 
-QString LoadIndexPage::ImportProgressLines(const LoadReport& report) const {
-  if (importShape_.isEmpty()) return {};
-  QString lines = u"Read "_s + QString::fromStdString(report.shape) + u"\r\n"_s;
+QString LoadIndexPage::ReportNoteLines(const LoadReport& report) const {
+  QString lines;
+  if (!importShape_.isEmpty())
+    lines = u"Read "_s + QString::fromStdString(report.shape) + u"\r\n"_s;
   for (const std::string& warning : report.warnings) {
     lines += QString::fromStdString(warning) + u"\r\n"_s;
   }

@@ -12,6 +12,7 @@
 
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
+#include "app/note_notifier.h"
 #include "app/platform.h"
 #include "app/short_url_expander.h"
 #include "app/short_url_resolution.h"
@@ -32,21 +33,21 @@ std::string OfferText(const std::string& path) {
 }
 
 // Said instead of the offer when no expansion service is configured.
-std::string NoServiceText(const std::string& path) {
-  return "Sylvora can resolve Short URLs through a link expansion service and save the result "
-         "to " +
-         path +
-         "_ , but no service address is configured. Put the address under "
-         "[ShortLinks] as service=http://... in sylvora.ini in the settings folder to use it.";
+std::string NoServiceText() {
+  return "short links are kept as they are; to expand them, name a link expansion service "
+         "as service=http://... under [ShortLinks] in sylvora.ini in the settings folder.";
 }
 
 }  // namespace
 
 bool LoadIndexPage::OfferShortLinks(Session& session, LoadReport& report, const std::string& path) {
   if (session.Corpus().format != CorpusFormat::kTwitter11 || path.ends_with('_')) return true;
+  const DocumentSet& documents = session.Documents();
+  if (!HasShortURLs(documents, documents.URLField())) return true;
   Notifier& notifier = services_.notifier;
   if (shortUrlService_.isEmpty()) {
-    notifier.ShowMessage(NoServiceText(path), kOfferTitle, MessageIcon::kInformation);
+    // Nothing to decide: a note in the progress text, said once per load.
+    report.warnings.push_back(std::string(kOfferTitle) + ": " + NoServiceText());
     return true;
   }
   if (notifier.Ask(OfferText(path), kOfferTitle, QuestionButtons::kYesNo, MessageIcon::kQuestion) !=
@@ -76,7 +77,10 @@ bool LoadIndexPage::OfferShortLinks(Session& session, LoadReport& report, const 
 bool LoadIndexPage::LoadCorpus_Click() {
   if (services_.jobs.Busy()) return false;
   const QString path = corpusFilePath_->text();
-  if (!FileExists(path)) return false;
+  if (!FileExists(path)) {
+    ShowMissingCorpus(path);
+    return false;
+  }
   const auto minDocLen = WholeNumberIn(minDocLen_, u"Min Chars (Load Options)"_s);
   if (!minDocLen) return false;
   maxDocCount_->setText(u"0"_s);
@@ -124,10 +128,14 @@ bool LoadIndexPage::LoadCorpus_Click() {
           *report = LoadImport(session, options, progress);
           return;
         }
-        *report = LoadCorpus(session, options, services_.notifier, progress,
+        // Notes that need no answer (the sort notice) join the progress text.
+        std::vector<std::string> notes;
+        NoteNotifier notifier(services_.notifier, notes);
+        *report = LoadCorpus(session, options, notifier, progress,
                              [this, path = options.path](Session& s, LoadReport& r) {
                                return OfferShortLinks(s, r, path);
                              });
+        report->warnings.insert(report->warnings.end(), notes.begin(), notes.end());
       },
       [this, report](bool cancelled) { FinishLoad(cancelled, *report); });
   if (!started) {
@@ -135,6 +143,18 @@ bool LoadIndexPage::LoadCorpus_Click() {
     EndJob();
   }
   return started;
+}
+
+void LoadIndexPage::ShowMissingCorpus(const QString& path) {
+  if (path.trimmed().isEmpty()) {
+    SetLoadProgress(u"Type the path of a corpus file or choose one with Browse."_s);
+    return;
+  }
+  const QString reason =
+      QFileInfo(path).isDir() ? u"it is a folder, not a file."_s : u"the file does not exist."_s;
+  SetLoadProgress(u"Cannot load "_s + path + u": "_s + reason);
+  services_.platform.ShowMessage(u"There was an error loading "_s + path + u": "_s + reason,
+                                 u"Load Error"_s, MessageIcon::kCritical);
 }
 
 void LoadIndexPage::ShowNoCorpus() {
@@ -197,11 +217,14 @@ void LoadIndexPage::FinishLoad(bool cancelled, const LoadReport& report) {
   if (QListWidgetItem* content = fieldList_->item(documents.ContentField())) {
     content->setCheckState(Qt::Checked);
   }
-  SetLoadProgress(ImportProgressLines(report) + QString::fromStdString(report.progressText));
+  SetLoadProgress(ReportNoteLines(report) + QString::fromStdString(report.progressText));
   DocViewIndex_Change();
   doIndex_->setEnabled(true);
-  emit captionChanged(baseCaption_ + u" ["_s + QFileInfo(dialogFileName_).fileName() + u", "_s +
-                      countText + u" tweets loaded]"_s);
+  // A typed path has no dialog file name: the loaded file names itself.
+  const QString shownName =
+      QFileInfo(QString::fromStdString(services_.session.Corpus().filePath)).fileName();
+  emit captionChanged(baseCaption_ + u" ["_s + shownName + u", "_s + countText +
+                      u" tweets loaded]"_s);
   df_[0]->setText(QString::number(count / 1000 + 2));
   emit corpusLoaded(true);
 }

@@ -73,6 +73,8 @@ Main::Main(Platform& platform, StartupEnvironment environment, QWidget* parent)
   statusBar()->addPermanentWidget(progressBar_);
   statusBar()->addPermanentWidget(cancelJob_);
   jobs_ = new JobRunner(progressBar_, jobStage_, cancelJob_, this);
+  // A note of the last step gives way to the stage of the next job.
+  connect(jobs_, &JobRunner::started, statusBar(), &QStatusBar::clearMessage);
 
   tabs_ = new QTabWidget;
   tabs_->setObjectName(u"MainTabs"_s);
@@ -126,27 +128,28 @@ void Main::Start() {
   setWindowTitle(BaseCaption());
 
   const QString& commandLine = environment_.commandLine;
-  if (!commandLine.isEmpty() && FileExists(commandLine)) {
-    loadIndexPage_->SetCorpusPath(commandLine);
-    // Nobody can untick "Radian 6 data?" before this load, so the box follows the file.
-    loadIndexPage_->SetRadian(LooksLikeRadianExport(commandLine));
-    loadIndexPage_->SetDialogFileName(commandLine);
-    const auto announce = [this, commandLine] {
-      platform_.ShowMessage(
-          u"'"_s + commandLine +
-              u"' was successfully loaded. Click 'Create Tweet Indexes' to proceed"_s,
-          kProgramTitle, MessageIcon::kInformation);
-      emit startupFinished();
-    };
-    if (loadIndexPage_->LoadCorpus_Click()) {
-      connect(loadIndexPage_, &LoadIndexPage::corpusLoaded, this, announce,
-              Qt::SingleShotConnection);
-    } else {
-      announce();
-    }
+  if (commandLine.isEmpty()) {
+    emit startupFinished();
     return;
   }
-  emit startupFinished();
+  loadIndexPage_->SetCorpusPath(commandLine);
+  // Nobody can untick "Radian 6 data?" before this load, so the box follows the file.
+  loadIndexPage_->SetRadian(LooksLikeRadianExport(commandLine));
+  loadIndexPage_->SetDialogFileName(commandLine);
+  // Success is a note in the status bar; a failed load has said why in its own box.
+  const auto announce = [this, commandLine](bool loaded) {
+    if (loaded) {
+      statusBar()->showMessage(
+          u"'"_s + commandLine +
+          u"' was successfully loaded. Click 'Create Tweet Indexes' to proceed"_s);
+    }
+    emit startupFinished();
+  };
+  if (loadIndexPage_->LoadCorpus_Click()) {
+    connect(loadIndexPage_, &LoadIndexPage::corpusLoaded, this, announce, Qt::SingleShotConnection);
+  } else {
+    announce(false);
+  }
 }
 
 void Main::closeEvent(QCloseEvent* event) {

@@ -37,8 +37,9 @@ RelatedTerms::RelatedTerms(QWidget* parent) : QWidget(parent, Qt::Window) {
   list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() + 4);
   list_->horizontalHeader()->setSectionsClickable(true);
   list_->horizontalHeader()->setStretchLastSection(true);
-  list_->setColumnWidth(RelatedTermsModel::kTerm, 180);
+  list_->setColumnWidth(RelatedTermsModel::kTerm, 170);
   list_->setColumnWidth(RelatedTermsModel::kScore, 70);
+  heading_->setWordWrap(true);
   layout->addWidget(list_, 1);
   connect(list_->horizontalHeader(), &QHeaderView::sectionClicked, this,
           &RelatedTerms::TermList_ColumnClick);
@@ -62,7 +63,8 @@ RelatedTerms::RelatedTerms(QWidget* parent) : QWidget(parent, Qt::Window) {
   options->addWidget(featureType_[kSameInterval]);
   options->addStretch(1);
   layout->addLayout(options);
-  resize(360, 480);
+  // Wide enough for the DF column beside the scroll bar.
+  resize(420, 480);
 }
 
 RelatedTerms::~RelatedTerms() = default;
@@ -73,10 +75,10 @@ void RelatedTerms::SourcesChanged() {
   for (auto& columns : columns_) columns.reset();
 }
 
-const SparseMatrixSingle* RelatedTerms::TermColumns(const Session& owner) {
+const SparseMatrixSingle* RelatedTerms::TermColumns(const Session& owner, Source from) {
   const SparseMatrixSingle& source =
-      source_ == kSameTweet ? owner.WordIndex().Matrix() : owner.WordModel().TIFM();
-  std::unique_ptr<SparseMatrixSingle>& kept = columns_[static_cast<std::size_t>(source_)];
+      from == kSameTweet ? owner.WordIndex().Matrix() : owner.WordModel().TIFM();
+  std::unique_ptr<SparseMatrixSingle>& kept = columns_[static_cast<std::size_t>(from)];
   // A kept copy of other dimensions comes from an earlier index or model.
   if (kept == nullptr || kept->ColCount() != source.RowCount() ||
       kept->RowCount() != source.ColCount()) {
@@ -103,9 +105,15 @@ bool RelatedTerms::ShowRelatedTerms(const Session& owner, const QString& term) {
   QApplication::setOverrideCursor(Qt::BusyCursor);
   owner_ = &owner;
   term_ = term;
-  const SparseMatrixSingle* columns = TermColumns(owner);
+  // Intervals exist once the views are built; until then the tweets answer, and the heading
+  // says so.
+  const bool intervalsReady = owner.ModelsBuilt() && owner.WordModel().IntervalCount() > 0;
+  const Source from = source_ == kSameInterval && !intervalsReady ? kSameTweet : source_;
+  const SparseMatrixSingle* columns = TermColumns(owner, from);
   const SparseVectorSingle similar = columns->GetSimilarityVector(termIndex, *columns, 2);
-  heading_->setText(u"Terms that co-occur with '"_s + term + u"'"_s);
+  heading_->setText(
+      u"Terms that co-occur with '"_s + term + u"'"_s +
+      (from == source_ ? QString() : u" in the same tweets (build the views for intervals)"_s));
   std::vector<RelatedTermsModel::Row> rows;
   const auto terms = similar.ElementIndexes();
   const auto scores = similar.ElementValues();

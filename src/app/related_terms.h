@@ -72,7 +72,7 @@ class RelatedTerms final : public QWidget {
   void termSelected(const QString& term);
 
  private:
-  const SparseMatrixSingle* TermColumns(const Session& owner);
+  const SparseMatrixSingle* TermColumns(const Session& owner, Source source);
 
   QLabel* heading_ = nullptr;
   QTableView* list_ = nullptr;

@@ -39,6 +39,26 @@ class ExpressionPattern {
 
 }  // namespace
 
+bool HasShortURLs(const DocumentSet& documents, FieldIndex urlField) {
+  if (urlField >= documents.FieldCount()) return false;
+  for (DocIndex doc = 0; doc < documents.DocumentCount(); ++doc) {
+    std::string_view cell = documents.Cell(doc, urlField);
+    while (!cell.empty()) {
+      const std::size_t start = cell.find_first_not_of(" \t");
+      if (start == std::string_view::npos) break;
+      cell.remove_prefix(start);
+      const std::size_t end = std::min(cell.find_first_of(" \t"), cell.size());
+      const std::string_view link = cell.substr(0, end);
+      if (link.find('.') != std::string_view::npos &&
+          GetURLDomain(link, true).size() < kLongHostLength) {
+        return true;
+      }
+      cell.remove_prefix(end);
+    }
+  }
+  return false;
+}
+
 std::string ShortURLProgressText(std::int32_t processed, std::int32_t links, std::int32_t attempts,
                                  std::int32_t successes) {
   return "Attempting to resolve Short URLs:\r\nProcessed " + std::to_string(processed) +

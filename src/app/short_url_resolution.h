@@ -43,6 +43,10 @@ using ExpandFunction = std::function<ExpandedURL(std::string_view shortURL)>;
 // Receives the progress label's text whenever it changes (on the worker thread).
 using ProgressTextFunction = std::function<void(const std::string& text)>;
 
+// Whether any link in the column counts as short (host of fewer than 8 characters once its
+// first label is stripped), so that expanding the links could change something.
+bool HasShortURLs(const DocumentSet& documents, FieldIndex urlField);
+
 // The label text after `processed` of `links` terms.
 std::string ShortURLProgressText(std::int32_t processed, std::int32_t links, std::int32_t attempts,
                                  std::int32_t successes);

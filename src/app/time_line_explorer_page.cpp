@@ -417,11 +417,20 @@ void TimeLineExplorerPage::SetSentimentAverage(SentimentAverage average) {
 
 void TimeLineExplorerPage::SetCellStyle(int style) {
   if (style < 0 || style > 4) return;
+  // The user's pick stays, through later layouts and rebuilds.
+  userCellStyle_ = style;
+  ShowCellStyle(style);
+  if (tifmView_) {
+    tifmView_->SetKeepCellStyle(true);
+    tifmView_->SetCellStyle(static_cast<std::uint8_t>(style));
+  }
+  ScheduleChartAlignment();
+}
+
+void TimeLineExplorerPage::ShowCellStyle(int style) {
   for (std::size_t i = 0; i < cellStyle_.size(); ++i) {
     cellStyle_[i]->setChecked(static_cast<int>(i) == style);
   }
-  if (tifmView_) tifmView_->SetCellStyle(static_cast<std::uint8_t>(style));
-  ScheduleChartAlignment();
 }
 
 void TimeLineExplorerPage::SetFilterRows(bool filter) {

@@ -20,6 +20,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <QString>
@@ -106,6 +107,8 @@ class TimeLineExplorerPage final : public QWidget {
   void SetSentimentAverage(SentimentAverage average);
   void Redraw();
   void SetCellStyle(int style);
+  // Ticks the menu item of the style the term time line draws.
+  void ShowCellStyle(int style);
   void SetFilterRows(bool filter);
   void SetBurstMeasure(std::int32_t measure);
   // "Follow URL": opens the link of the selected message.
@@ -268,6 +271,7 @@ class TimeLineExplorerPage final : public QWidget {
   QAction* filterRows_ = nullptr;
   std::array<QAction*, 3> sentiAvg_{};
   std::array<QAction*, 5> cellStyle_{};
+  std::optional<int> userCellStyle_;
   std::array<QAction*, 3> burst_{};
 };
 

@@ -230,21 +230,21 @@ void TimeLineExplorerPage::ShowTermTimeLine() {
   tifmView_->setObjectName(u"TIFMView"_s);
   tifmView_->InitializeTLCtl(tifmFrame_, tifmViewContainer_, tifmViewHScroller_,
                              tifmViewVScroller_);
+  connect(tifmView_.get(), &TableLens::CellStyleChanged, this, [this](int style) {
+    ShowCellStyle(style);
+    ScheduleChartAlignment();
+  });
   ShowTermTimeline(*tifmView_, session.WordModel(), session.WordIndex(), session.IntervalUnit());
-  for (std::size_t i = 0; i < cellStyle_.size(); ++i) {
-    cellStyle_[i]->setChecked(i == TableLens::kLine);
+  if (userCellStyle_) {
+    tifmView_->SetKeepCellStyle(true);
+    tifmView_->SetCellStyle(static_cast<std::uint8_t>(*userCellStyle_));
   }
+  ShowCellStyle(tifmView_->CellStyle());
   filterRows_->setChecked(false);
   connect(tifmView_.get(), &TableLens::CellMouseClick, this,
           &TimeLineExplorerPage::TIFMView_CellMouseClick);
   connect(tifmView_.get(), &TableLens::CellMouseOver, this,
           &TimeLineExplorerPage::TIFMView_CellMouseOver);
-  connect(tifmView_.get(), &TableLens::CellStyleChanged, this, [this](int style) {
-    for (std::size_t i = 0; i < cellStyle_.size(); ++i) {
-      cellStyle_[i]->setChecked(static_cast<int>(i) == style);
-    }
-    ScheduleChartAlignment();
-  });
   // A new size lays the lens out again: the chart follows its columns.
   tifmViewContainer_->installEventFilter(this);
 }

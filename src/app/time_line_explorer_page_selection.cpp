@@ -84,10 +84,13 @@ void TimeLineExplorerPage::ShowInterval(std::int32_t interval) {
     for (DocIndex d = first; d <= last; ++d) rows.push_back(d);
   }
   const auto count = static_cast<std::int64_t>(rows.size());
+  const QString span = rows.empty() ? QString()
+                                    : ListedSpan(RowDateTime(session.Documents(), rows.front()),
+                                                 RowDateTime(session.Documents(), rows.back()));
   tweetModel_->SetRows(std::move(rows));
   tweetView_->horizontalHeader()->setSortIndicatorShown(false);
-  const auto bounds = words.IntervalDateTimeBounds(interval, session.IntervalUnit());
-  SetSummary(IntervalSummary(count, Text(bounds[0]), Text(bounds[1])));
+  const auto bounds = IntervalCalendarBounds(words, interval, session.IntervalUnit());
+  SetSummary(IntervalSummary(count, bounds[0], bounds[1]) + span);
 }
 
 void TimeLineExplorerPage::ShowTermOccurrences(IndexKind kind, std::int32_t term,
@@ -104,8 +107,8 @@ void TimeLineExplorerPage::ShowTermOccurrences(IndexKind kind, std::int32_t term
     const TextStream& words = session.WordModel();
     from = words.FirstDocumentIndex(first);
     to = words.LastDocumentIndex(last);
-    start = Text(words.IntervalDateTimeBounds(first, session.IntervalUnit())[0]);
-    end = Text(words.IntervalDateTimeBounds(last, session.IntervalUnit())[1]);
+    start = IntervalCalendarBounds(words, first, session.IntervalUnit())[0];
+    end = IntervalCalendarBounds(words, last, session.IntervalUnit())[1];
   } else {
     // Before a build there are no intervals: the whole corpus, from its first to its last date.
     const DocumentSet& documents = session.Documents();
@@ -117,9 +120,12 @@ void TimeLineExplorerPage::ShowTermOccurrences(IndexKind kind, std::int32_t term
     if (matrix.Value(term, d + 1) != 0.0f) rows.push_back(d);
   }
   const auto count = static_cast<std::int64_t>(rows.size());
+  const QString span = rows.empty() ? QString()
+                                    : ListedSpan(RowDateTime(session.Documents(), rows.front()),
+                                                 RowDateTime(session.Documents(), rows.back()));
   tweetModel_->SetRows(std::move(rows));
   tweetView_->horizontalHeader()->setSortIndicatorShown(false);
-  SetSummary(TermSummary(kind, count, Text(index.Term(term)), start, end));
+  SetSummary(TermSummary(kind, count, Text(index.Term(term)), start, end) + span);
 }
 
 void TimeLineExplorerPage::ShowWordOccurrences(int term, int firstInterval, int lastInterval) {
@@ -147,8 +153,10 @@ void TimeLineExplorerPage::ShowTweets(const QVector<int>& rows) {
   for (const int row : rows) {
     if (row >= 0 && row < documents) shown.push_back(row);
   }
+  const auto count = static_cast<std::int64_t>(shown.size());
   tweetModel_->SetRows(std::move(shown));
   tweetView_->horizontalHeader()->setSortIndicatorShown(false);
+  SetSummary(MapViewSummary(count));
 }
 
 void TimeLineExplorerPage::ClearIntervalLists() {

@@ -1,5 +1,8 @@
 #include "app/tweet_view_summary.h"
 
+#include "common/date_time.h"
+#include "temporal/text_stream.h"
+
 namespace sylvora::app {
 
 using namespace Qt::StringLiterals;
@@ -14,6 +17,39 @@ QString Range(const QString& start, const QString& end) {
 
 QString IntervalSummary(std::int64_t count, const QString& start, const QString& end) {
   return u"SHOWING THE "_s + QString::number(count) + u" TWEETS"_s + Range(start, end);
+}
+
+QString MapViewSummary(std::int64_t count) {
+  return u"SHOWING THE "_s + QString::number(count) + u" TWEETS OF THE TWEET MAP VIEW"_s;
+}
+
+QString ListedSpan(const QString& first, const QString& last) {
+  if (first.isEmpty()) return {};
+  return u" (FIRST "_s + first + u", LAST "_s + last + u')';
+}
+
+std::array<QString, 2> IntervalCalendarBounds(const TextStream& model, std::int32_t interval,
+                                              const std::string& unitCode) {
+  const auto unit = ParseTimeUnit(unitCode);
+  const auto bounds = model.IntervalDateTimeBounds(interval, unitCode);
+  const auto start = DateTime::Parse(bounds[0]);
+  if (!unit || !start)
+    return {QString::fromStdString(bounds[0]), QString::fromStdString(bounds[1])};
+  // A Sunday midnight is a boundary of every unit, weeks included.
+  const DateTime boundary = *DateTime::FromParts(1970, 1, 4);
+  const DateTime from = DateAdd(*unit, DateDiff(*unit, boundary, *start), boundary);
+  const std::int64_t length = DateDiff(*unit, *start, *DateTime::Parse(bounds[1]));
+  return {QString::fromStdString(from.Format()),
+          QString::fromStdString(DateAdd(*unit, length, from).Format())};
+}
+
+QString RowDateTime(const DocumentSet& documents, DocIndex row) {
+  const std::string_view cell = documents.Cell(row, documents.DateTimeField());
+  std::string text(cell);
+  std::erase(text, '"');
+  if (const auto dateTime = DateTime::Parse(text))
+    return QString::fromStdString(dateTime->Format());
+  return QString::fromStdString(text);
 }
 
 QString TermSummary(IndexKind kind, std::int64_t count, const QString& term, const QString& start,

@@ -566,8 +566,15 @@ void PointMap2D::PaintOverlay(QPainter& painter) const {
   }
 }
 
+void PointMap2D::SetEmptyText(const QString& text) {
+  emptyText_ = text;
+  if (surface_) surface_->Refresh();
+}
+
 void PointMap2D::Paint(QPainter& painter) const {
-  if (picture_.isNull()) {
+  if (picture_.isNull() || nodeCount_ == 0) {
+    painter.setPen(QColor(120, 120, 120));
+    painter.drawText(painter.viewport(), Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
     return;
   }
   painter.drawImage(0, 0, picture_);

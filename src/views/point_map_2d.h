@@ -87,6 +87,10 @@ class PointMap2D : public QObject {
 
   bool ShowEdges() const { return showEdges_; }
   void SetShowEdges(bool show);
+  // A one-line hint drawn in grey in the middle of a map that has no nodes.
+  const QString& EmptyText() const { return emptyText_; }
+  void SetEmptyText(const QString& text);
+
   bool ShowNodeLabels() const { return showNodeLabels_; }
   void SetShowNodeLabels(bool show);
   std::int16_t NodeLabelThreshold() const { return nodeLabelThreshold_; }
@@ -293,6 +297,7 @@ class PointMap2D : public QObject {
   // the same pixels.
   ViewRect renderedView_{};
   QFont labelFont_;
+  QString emptyText_;
   QImage picture_;
 };
 

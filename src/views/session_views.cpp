@@ -1,5 +1,8 @@
 #include "views/session_views.h"
 
+#include <algorithm>
+#include <cmath>
+#include <functional>
 #include <vector>
 
 #include "indexing/term_document_matrix.h"
@@ -23,6 +26,33 @@ void ShowWordMap(PointMap2D& map, const ClusterMap& wordMap, std::int16_t labelT
   map.SetNodeLabelThreshold(labelThreshold);
   // Writing the base size back sizes every node as weight^0.75 x base and draws.
   map.SetBaseNodeSize(map.BaseNodeSize());
+}
+
+std::int16_t FirstLookLabelThreshold(const std::vector<float>& weights, std::size_t wanted) {
+  if (weights.empty()) return 0;
+  std::vector<float> heaviest(weights);
+  std::sort(heaviest.begin(), heaviest.end(), std::greater<>());
+  const auto labelled = [&heaviest](float threshold) {
+    // The weights at or above the threshold lead the descending list.
+    return static_cast<std::size_t>(
+        std::upper_bound(heaviest.begin(), heaviest.end(), threshold, std::greater<>()) -
+        heaviest.begin());
+  };
+  const float top = std::clamp(heaviest.front(), 0.0f, 32767.0f);
+  // Candidates are whole thresholds up to the heaviest weight: the labelled count only falls.
+  std::int16_t chosen = static_cast<std::int16_t>(std::floor(top));
+  std::int32_t low = 0;
+  std::int32_t high = chosen;
+  while (low <= high) {
+    const std::int32_t middle = (low + high) / 2;
+    if (labelled(static_cast<float>(middle)) <= wanted) {
+      chosen = static_cast<std::int16_t>(middle);
+      high = middle - 1;
+    } else {
+      low = middle + 1;
+    }
+  }
+  return chosen;
 }
 
 void ShowClusterMap(PointMap2D& map, const ClusterMap& clusterMap,

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "session/cluster_map.h"
 #include "views/point_map_2d.h"
@@ -22,6 +23,11 @@ class TextStream;
 // The map keeps its colours; the caller may set a readable label colour first.
 void ShowWordMap(PointMap2D& map, const ClusterMap& wordMap,
                  std::int16_t labelThreshold = kWordMapLabelThreshold);
+
+// The label threshold (documents per thousand) that labels about `wanted` of the heaviest words
+// of a word map with these weights: the smallest whole threshold that labels at most `wanted`
+// words, and never one that labels none.
+std::int16_t FirstLookLabelThreshold(const std::vector<float>& weights, std::size_t wanted = 30);
 
 // Draws any map of the cluster explorer: the word map as ShowWordMap does; the interval and
 // tweet maps with their weights, labels "1".."n" (all shown), links and circle outlines.

@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPen>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -52,6 +53,10 @@ TableLens::TableLens(Notifier& notifier, QObject* parent)
       headerFont_(QStringLiteral("Arial Narrow"), 8, QFont::Bold) {
   cellFont_.setStyleHint(QFont::TypeWriter);
   headerFont_.setStyleHint(QFont::SansSerif);
+  // Where Arial Narrow is missing, a condensed face of Debian's fonts draws the same width.
+  headerFont_.setFamilies({QStringLiteral("Arial Narrow"), QStringLiteral("DejaVu Sans Condensed"),
+                           QStringLiteral("Liberation Sans Narrow"),
+                           QStringLiteral("DejaVu Sans")});
 }
 
 TableLens::~TableLens() = default;
@@ -194,9 +199,54 @@ std::int32_t TableLens::SlotRow(std::int32_t slot) const {
 
 QString TableLens::RowHeaderText(std::int32_t row) const {
   const QString name = RowName(row);
-  if (TextWidthUnits(name, headerFont_) >= 1.0 - headerWidth_)
-    return name.left(6) + QStringLiteral("..");
-  return name;
+  const double room = 1.0 - headerWidth_ - 2.0 * marginX_;
+  if (TextWidthUnits(name, headerFont_) <= room) return name;
+  // Shortened as far as the header font needs, never to fewer than one character.
+  for (qsizetype keep = std::min<qsizetype>(6, name.size() - 1); keep > 1; --keep) {
+    const QString shown = name.left(keep) + QStringLiteral("..");
+    if (TextWidthUnits(shown, headerFont_) <= room) return shown;
+  }
+  return name.left(1) + QStringLiteral("..");
+}
+
+QStringList TableLens::ColumnLabelForms(const QString& name) {
+  // "YYYY-MM-DD HH:MM:SS" and its shorter readable forms, longest first.
+  static const QRegularExpression kDateTime(
+      QStringLiteral(R"(^(\d{4})-(\d{2})-(\d{2})[ T](\d{2}):(\d{2})(:\d{2})?$)"));
+  const QRegularExpressionMatch match = kDateTime.match(name);
+  if (!match.hasMatch()) return {name};
+  const QString year = match.captured(1), month = match.captured(2), day = match.captured(3);
+  const QString time = match.captured(4) + u':' + match.captured(5);
+  return {name,
+          year + u'-' + month + u'-' + day + u' ' + time,
+          month + u'-' + day + u' ' + time,
+          year + u'-' + month + u'-' + day,
+          month + u'-' + day,
+          day};
+}
+
+QString TableLens::ColumnLabel(std::int32_t column, double roomColumns) const {
+  const QStringList forms = ColumnLabelForms(ColumnName(column));
+  for (const QString& form : forms) {
+    if (TextWidthUnits(form, headerFont_) <= roomColumns) return form;
+  }
+  return forms.back();
+}
+
+std::int32_t TableLens::ColumnLabelStep() const {
+  if (table_ == nullptr || visibleColumns_ < 1) return 1;
+  // The shortest form of the first name must fit; steps grow 1, 2, 5, 10, 20, 50...
+  const std::int32_t last = std::min(table_->ColCount(), leftColumn_ + visibleColumns_ - 1);
+  double needed = 0.0;
+  for (const std::int32_t column : {leftColumn_, last}) {
+    const QString shortest = ColumnLabelForms(ColumnName(column)).back();
+    needed = std::max(needed, TextWidthUnits(shortest, headerFont_) + 0.2);
+  }
+  for (std::int32_t step = 1;; step *= 10) {
+    for (const std::int32_t candidate : {step, 2 * step, 5 * step}) {
+      if (candidate >= needed || candidate >= visibleColumns_) return candidate;
+    }
+  }
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -242,7 +292,9 @@ void TableLens::Layout() {
     surface_->ConfigureScrollBar(Qt::Horizontal, cols / horizontalUnit_, 1, visibleColumns_);
     surface_->ConfigureScrollBar(Qt::Vertical, rows / verticalUnit_, 1, visibleRows_);
   }
-  const double spare = 1.0 - TextWidthUnits(QStringLiteral("abcdefg"), cellFont_);
+  // The row header holds nine letters of the font that draws it: five capitals and most words
+  // show whole.
+  const double spare = 1.0 - TextWidthUnits(QStringLiteral("abcdefghi"), headerFont_);
   headerWidth_ = spare >= 0.0 ? 0.0f : static_cast<float>(spare);
 
   decimals_ = 5;
@@ -253,6 +305,7 @@ void TableLens::Layout() {
     }
   }
 
+  if (keepCellStyle_) return;
   if (decimals_ < 1 && cellStyle_ == kText) {
     cellStyle_ = kTile;
     emit CellStyleChanged(cellStyle_);
@@ -297,18 +350,18 @@ void TableLens::Redraw() {
     const QFontMetricsF headerMetrics(headerFont_, &picture_);
     const double ascentHeader = headerMetrics.ascent();
 
-    // Column header: labels every `step` columns when names do not fit one column.
+    // Column header: one label every `step` columns, each the longest form of its name that
+    // fits the room of `step` columns (a date-time loses its seconds, its time, its year).
     painter.setFont(headerFont_);
-    const std::int32_t perColumn =
-        RoundTo16Bits(1.0 / TextWidthUnits(QStringLiteral("a"), headerFont_));
-    const std::int32_t step = perColumn >= 4 ? 1 : (perColumn >= 2 ? 10 : 50);
+    const std::int32_t step = ColumnLabelStep();
     for (std::int32_t c = 1; c <= visibleColumns_; c += step) {
       painter.fillRect(QRectF(ToPixels(c + marginX_, marginY_),
                               ToPixels(c + step - step * marginX_, 1.0 - marginY_)),
                        headerBackColour_);
       painter.setPen(headerForeColour_);
       const QPointF at = ToPixels(c + marginX_ + 0.1, 0.0);
-      painter.drawText(QPointF(at.x(), at.y() + ascentHeader), ColumnName(leftColumn_ + c - 1));
+      painter.drawText(QPointF(at.x(), at.y() + ascentHeader),
+                       ColumnLabel(leftColumn_ + c - 1, step - 0.2));
     }
 
     // Row header.
@@ -451,9 +504,18 @@ void TableLens::MouseMove(QPointF position) {
   if (table_ == nullptr) return;
   const double x = UnitsX(position.x());
   const double y = UnitsY(position.y());
-  if (x < 1.0 || y < 1.0) return;
   const std::int32_t col = static_cast<std::int32_t>(std::floor(x)) + leftColumn_ - 1;
   const std::int32_t row = SlotRow(static_cast<std::int32_t>(std::floor(y)));
+  // Over a header, the tooltip holds the whole name that the header may shorten.
+  if (x < 1.0 || y < 1.0) {
+    if (surface_ == nullptr) return;
+    if (y < 1.0 && x >= 1.0 && col >= 1 && col <= table_->ColCount()) {
+      surface_->SetToolTip(ColumnName(col));
+    } else if (x < 1.0 && y >= 1.0 && row != 0) {
+      surface_->SetToolTip(RowName(row));
+    }
+    return;
+  }
   if (row == 0 || col < 1 || col > table_->ColCount()) return;
   hoverColumn_ = col;
   hoverRow_ = row;

@@ -32,6 +32,7 @@
 #include <QRectF>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <memory>
@@ -103,6 +104,10 @@ class TableLens : public QObject {
   // fits a column, and any other style to Text when three do, raising CellStyleChanged) and
   // redraws. Codes above 4 draw headers without cells.
   void SetCellStyle(std::uint8_t style);
+  // When set, the layout keeps the style it is given instead of switching between Text and the
+  // drawn styles: a style the user picked stays. Off by default.
+  bool KeepCellStyle() const { return keepCellStyle_; }
+  void SetKeepCellStyle(bool keep) { keepCellStyle_ = keep; }
 
   bool NormedCellValues() const { return normedCellValues_; }
   void SetNormedCellValues(bool normed);
@@ -147,6 +152,9 @@ class TableLens : public QObject {
   std::int32_t SlotRow(std::int32_t slot) const;
   // The text printed in the row header for `row` (long names shortened to 6 characters + "..").
   QString RowHeaderText(std::int32_t row) const;
+  // The forms a column name may take in the header, longest first: a date-time
+  // "YYYY-MM-DD HH:MM:SS" also as "YYYY-MM-DD HH:MM", "MM-DD HH:MM", "YYYY-MM-DD", "MM-DD", "DD".
+  static QStringList ColumnLabelForms(const QString& name);
   // Pixel rectangle of cell (slot, visible column); column 0 is the row header, slot 0 the
   // column header.
   QRectF CellRect(std::int32_t slot, std::int32_t visibleColumn) const;
@@ -182,6 +190,10 @@ class TableLens : public QObject {
   QSize PictureSize() const;
   // Width of `text` in column units with the current scale.
   double TextWidthUnits(const QString& text, const QFont& font) const;
+  // The longest form of column `column`'s name that fits `roomColumns` columns.
+  QString ColumnLabel(std::int32_t column, double roomColumns) const;
+  // How many columns one header label spans so that the shortest form fits.
+  std::int32_t ColumnLabelStep() const;
   double PixelsPerColumn() const;
   double PixelsPerRow() const;
   QPointF ToPixels(double x, double y) const;
@@ -206,6 +218,7 @@ class TableLens : public QObject {
   std::int32_t maxVisibleRows_ = 0;
   std::int32_t maxVisibleColumns_ = 0;
   std::uint8_t cellStyle_ = kText;
+  bool keepCellStyle_ = false;
   QColor cellTextColour_{0, 0, 0};
   QColor headerForeColour_{0, 0, 0};
   QColor headerBackColour_{180, 225, 245};

@@ -313,7 +313,10 @@ QString TimeLineChart::ChartDetails(std::int32_t interval) const {
 
 QString TimeLineChart::ToolTipText(std::int32_t interval) const {
   if (!ValidInterval(interval)) return {};
-  return data_.intervals[static_cast<std::size_t>(interval - 1)].events;
+  // The model keeps each event after a "|": one event a line here.
+  QString text = data_.intervals[static_cast<std::size_t>(interval - 1)].events;
+  if (text.startsWith(u'|')) text.remove(0, 1);
+  return text.replace(u'|', u'\n');
 }
 
 void TimeLineChart::SetHoverInterval(std::int32_t interval) {

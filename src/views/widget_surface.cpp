@@ -84,6 +84,8 @@ bool WidgetSurface::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Paint: {
       if (!handlers_.paint) return false;
       QPainter painter(widget_);
+      // A view with nothing to show yet leaves white, not what was on the screen before.
+      painter.fillRect(widget_->rect(), Qt::white);
       handlers_.paint(painter);
       return true;
     }

@@ -1,0 +1,212 @@
+// What a new user meets first, through the window: the load's feedback and its boxes, the
+// empty map surfaces, the cell style menu, the term time line's headers, the first label
+// threshold of the word map, "Related Words" before the views, the message list's captions,
+// and the load column at 1366 x 768.
+#include <QAction>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QTableView>
+#include <QTest>
+
+#include "app/cluster_explorer_page.h"
+#include "app/related_terms.h"
+#include "app/time_line_explorer_page.h"
+#include "app/tweet_list_model.h"
+#include "views/session_views.h"
+#include "views/table_lens.h"
+#include "window_fixture.h"
+
+using namespace sylvora;
+using namespace sylvora::testing;
+
+namespace {
+
+const QString kSample = DataFile(QStringLiteral("sample_twitter11.txt"));
+
+QString ProgressText(WindowFixture& f) {
+  return f.Find<QLabel>(QStringLiteral("LoadProgress"))->text();
+}
+
+// Share of the picture's pixels that are pure white.
+double WhiteShare(const QImage& image) {
+  qint64 white = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) white += image.pixel(x, y) == qRgb(255, 255, 255);
+  }
+  return image.isNull() ? 0.0 : static_cast<double>(white) / (image.width() * image.height());
+}
+
+}  // namespace
+
+class FirstUseTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void loadFeedbackWithoutNeedlessBoxes() {
+    // A corpus named at start: no box at all, the success in the status bar, the notes (no link
+    // service for a file with short links) in the progress text.
+    WindowOptions options;
+    options.commandLine = kSample;
+    WindowFixture f(options);
+    QCOMPARE(f.platform.boxes.size(), 0);
+    QVERIFY(f.Window().statusBar()->currentMessage().contains(QStringLiteral("successfully")));
+    QVERIFY(ProgressText(f).contains(QStringLiteral("Expanding Short URLs")));
+    // A typed path names its file in the caption.
+    QVERIFY(f.Window().windowTitle().contains(QStringLiteral("[sample_twitter11.txt, 5000")));
+
+    // A missing file and a folder say why, in a box and in the progress text.
+    f.platform.boxes.clear();
+    QVERIFY(!f.Load(f.Folder() + QStringLiteral("/missing.txt")));
+    QVERIFY(!f.Load(f.Folder()));
+    QCOMPARE(f.platform.boxes.size(), 2);
+    QVERIFY(f.platform.boxes[0].text.contains(QStringLiteral("does not exist")));
+    QVERIFY(f.platform.boxes[1].text.contains(QStringLiteral("folder")));
+    QCOMPARE(f.platform.boxes[1].title, QStringLiteral("Load Error"));
+    QVERIFY(ProgressText(f).contains(QStringLiteral("folder")));
+
+    // Without short links there is nothing to expand and nothing to say about it.
+    const QString plain = f.Folder() + QStringLiteral("/plain.txt");
+    {
+      QFile file(plain);
+      QVERIFY(file.open(QIODevice::WriteOnly));
+      QFile sample(kSample);
+      QVERIFY(sample.open(QIODevice::ReadOnly));
+      QByteArray bytes = sample.read(1 << 20);
+      bytes.replace("http://", "");
+      file.write(bytes.left(bytes.lastIndexOf('\n') + 1));
+    }
+    QVERIFY(f.Load(plain));
+    QVERIFY(!ProgressText(f).contains(QStringLiteral("Expanding Short URLs")));
+  }
+
+  void failedStartupLoadIsNotCalledASuccess() {
+    WindowOptions options;
+    options.commandLine = QStringLiteral("/no/such/corpus.txt");
+    WindowFixture f(options);
+    QCOMPARE(f.platform.boxes.size(), 1);
+    QCOMPARE(f.platform.boxes[0].icon, MessageIcon::kCritical);
+    QVERIFY(!f.Window().statusBar()->currentMessage().contains(QStringLiteral("successfully")));
+  }
+
+  void emptyMapsPaintTheirBackgroundAndAHint() {
+    WindowFixture f;
+    f.Window().resize(1280, 800);
+    f.Window().show();
+    auto* surface = f.Find<QWidget>(QStringLiteral("TermSimVisContainer"));
+    QVERIFY(surface != nullptr);
+    const QImage picture = surface->grab().toImage();
+    // The hint is a few grey letters on white: no pixels of other widgets.
+    QVERIFY2(WhiteShare(picture) > 0.9, qPrintable(QString::number(WhiteShare(picture))));
+    QVERIFY(WhiteShare(picture) < 1.0);
+  }
+
+  void cellStyleMenuFollowsTheViewAndTheUsersPickStays() {
+    WindowFixture f;
+    QVERIFY(f.Load(kSample) && f.Index());
+    app::TimeLineExplorerPage& page = f.Window().TimeLine();
+    QVERIFY(page.BuildModels_Click() && f.WaitIdle());
+    const auto checkedStyle = [&f]() {
+      for (QAction* action : f.Window().findChildren<QAction*>(QStringLiteral("mTIVCell"))) {
+        if (action->isChecked()) return action->property("index").toInt();
+      }
+      return -1;
+    };
+    TableLens* lens = page.TIFMView();
+    QVERIFY(lens != nullptr);
+    QCOMPARE(checkedStyle(), static_cast<int>(lens->CellStyle()));
+
+    page.SetCellStyle(TableLens::kVerticalBar);
+    QCOMPARE(static_cast<int>(lens->CellStyle()), static_cast<int>(TableLens::kVerticalBar));
+    QVERIFY(page.BuildModels_Click() && f.WaitIdle());
+    lens = page.TIFMView();
+    QCOMPARE(static_cast<int>(lens->CellStyle()), static_cast<int>(TableLens::kVerticalBar));
+    QCOMPARE(checkedStyle(), static_cast<int>(TableLens::kVerticalBar));
+
+    // Headers: five-letter words whole, dates in a form that fits the column.
+    for (std::int32_t row = 1; row <= 40; ++row) {
+      if (lens->RowName(row).size() <= 5) QCOMPARE(lens->RowHeaderText(row), lens->RowName(row));
+    }
+  }
+
+  void columnLabelFormsShortenDatesReadably() {
+    QCOMPARE(TableLens::ColumnLabelForms(QStringLiteral("2013-09-05 00:13:19")),
+             (QStringList{QStringLiteral("2013-09-05 00:13:19"), QStringLiteral("2013-09-05 00:13"),
+                          QStringLiteral("09-05 00:13"), QStringLiteral("2013-09-05"),
+                          QStringLiteral("09-05"), QStringLiteral("05")}));
+    QCOMPARE(TableLens::ColumnLabelForms(QStringLiteral("C12")),
+             QStringList{QStringLiteral("C12")});
+  }
+
+  void firstLookLabelsAHandfulOfWords() {
+    struct Case {
+      std::vector<float> weights;
+      std::size_t wanted;
+      std::int16_t threshold;
+    };
+    const Case cases[] = {
+        {{}, 30, 0},
+        {{500.0f, 300.0f, 2.0f, 1.5f, 1.0f}, 2, 3},   // the two heaviest
+        {{500.0f, 300.0f, 2.0f, 1.5f, 1.0f}, 30, 0},  // fewer words than wanted: all
+        {{7.0f, 7.0f, 7.0f, 0.5f}, 1, 7},             // ties at the top are never left blank
+        {{120.0f, 60.0f, 59.5f, 3.0f}, 3, 4},         // 120, 60 and 59.5
+    };
+    for (const Case& c : cases) QCOMPARE(FirstLookLabelThreshold(c.weights, c.wanted), c.threshold);
+  }
+
+  void relatedWordsBeforeTheViewsUseTheTweets() {
+    WindowFixture f;
+    QVERIFY(f.Load(kSample) && f.Index());
+    app::RelatedTerms& related = f.Window().RelatedWords();
+    QVERIFY(related.ShowRelatedTerms(f.Window().CurrentSession(), QStringLiteral("power")));
+    QVERIFY(related.HeadingText().contains(QStringLiteral("same tweets")));
+    QVERIFY(related.findChild<QTableView*>(QStringLiteral("TermList"))->model()->rowCount() > 0);
+  }
+
+  void messageCaptionsSayWhatIsListed() {
+    WindowFixture f;
+    QVERIFY(f.Load(kSample) && f.Index());
+    app::TimeLineExplorerPage& page = f.Window().TimeLine();
+    QVERIFY(page.BuildModels_Click() && f.WaitIdle());
+    page.SelectInterval(9);
+    auto* summary = f.Find<QLabel>(QStringLiteral("TweetViewSummary"));
+    auto* list = f.Find<QTableView>(QStringLiteral("TweetView"));
+    const auto* model = static_cast<const app::TweetListModel*>(list->model());
+    const QString caption = summary->text();
+    // Day intervals run from midnight to midnight; the first and last listed are named.
+    QVERIFY2(caption.contains(QStringLiteral(" 00:00:00 TO: ")), qPrintable(caption));
+    const QString firstTime = model->data(model->index(0, 0)).toString().right(8);
+    QVERIFY2(caption.contains(QStringLiteral("(FIRST ")) && caption.contains(firstTime),
+             qPrintable(caption + QStringLiteral(" / ") + firstTime));
+
+    page.ShowTweets({0, 1, 2});
+    QVERIFY(summary->text().startsWith(QStringLiteral("SHOWING THE 3 TWEETS OF THE TWEET MAP")));
+  }
+
+  void loadColumnScrollsAtSmallScreenHeight() {
+    WindowFixture f;
+    f.Window().resize(1366, 768);
+    f.Window().show();
+    f.Find<QPushButton>(QStringLiteral("ShowExpPan"))->click();
+    QTest::qWait(20);
+    QCOMPARE(f.Window().height(), 768);
+    auto* save = f.Find<QPushButton>(QStringLiteral("SavePaths"));
+    auto* scroll = f.Find<QScrollArea>(QStringLiteral("LoadColumnScroll"));
+    QVERIFY(save != nullptr && scroll != nullptr);
+    scroll->ensureWidgetVisible(save);
+    QVERIFY(!save->visibleRegion().isEmpty());
+    for (auto* box : f.Find<QWidget>(QStringLiteral("ExpertPanel"))->findChildren<QGroupBox*>()) {
+      QVERIFY2(box->height() >= box->minimumSizeHint().height(), qPrintable(box->title()));
+    }
+    if (const QByteArray folder = qgetenv("SYLVORA_VIEW_SNAPSHOTS"); !folder.isEmpty()) {
+      f.Window().grab().save(QString::fromUtf8(folder) + QStringLiteral("/load-1366x768.png"));
+    }
+  }
+};
+
+QTEST_MAIN(FirstUseTest)
+#include "first_use_test.moc"
