@@ -82,8 +82,8 @@ bool TimeLineExplorerPage::BuildModels_Click() {
 
   ModelOptions options;
   options.intervalLength = intervalLen_->text().toStdString();
-  // The elapsed-time column was derived in the corpus's unit: the intervals count that unit.
-  options.unitCode.clear();
+  // The unit chosen now is the unit of the intervals.
+  options.unitCode = intervalUnit_.toStdString();
   options.events = events_;
   // The term time line shows one pixel column at most per interval.
   options.maxVisibleColumns =

@@ -35,6 +35,10 @@
 
 namespace sylvora {
 
+// The name of an elapsed-time column counted in `interval` ("Elapsed_Hours" for "h"); "" for an
+// unknown unit code.
+std::string_view ElapsedFieldName(std::string_view interval);
+
 class ImportedRows;
 
 class DocumentSet {

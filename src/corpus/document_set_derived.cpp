@@ -65,6 +65,14 @@ std::string ConvertTwitterDate(std::string_view cell) {
   return out;
 }
 
+// The extent of a tag or link starting at `start`: up to the next space, or the end.
+std::size_t TokenEnd(std::string_view text, std::size_t start) {
+  const std::size_t space = text.find(' ', start);
+  return space == std::string_view::npos ? text.size() : space;
+}
+
+}  // namespace
+
 std::string_view ElapsedFieldName(std::string_view interval) {
   if (interval == "s") return "Elapsed_Seconds";
   if (interval == "n") return "Elapsed_Minutes";
@@ -73,14 +81,6 @@ std::string_view ElapsedFieldName(std::string_view interval) {
   if (interval == "ww") return "Elapsed_Weeks";
   return "";
 }
-
-// The extent of a tag or link starting at `start`: up to the next space, or the end.
-std::size_t TokenEnd(std::string_view text, std::size_t start) {
-  const std::size_t space = text.find(' ', start);
-  return space == std::string_view::npos ? text.size() : space;
-}
-
-}  // namespace
 
 void DocumentSet::ConvertTwitterDateTimeField(std::string_view formatName, FieldIndex fldNum) {
   std::string (*convert)(std::string_view);

@@ -5,6 +5,7 @@
 #include "common/date_time.h"
 #include "common/errors.h"
 #include "common/leading_number.h"
+#include "session/elapsed_time_unit.h"
 
 namespace sylvora {
 namespace {
@@ -137,6 +138,16 @@ ModelReport ModelRun::Run() {
   if (!ParseTimeUnit(report_.unitCode)) {
     report_.error = "Unknown time unit \"" + report_.unitCode + "\" (use s, n, h, d or ww)";
     return report_;
+  }
+  // Intervals count the unit of the elapsed-time column: count again in the asked unit, or
+  // say why the corpus's own unit stays.
+  if (report_.unitCode != corpus.elapsedTimeUnit) {
+    std::string why;
+    if (!ChangeElapsedTimeUnit(session_, report_.unitCode, why, Named("elapsed time"))) {
+      if (progressCancelled_) return Stop("Model building cancelled", true);
+      report_.warnings.push_back(why);
+      report_.unitCode = corpus.elapsedTimeUnit;
+    }
   }
   if (!CheckLength()) return report_;
   report_.intervalLength = length_;

@@ -3,6 +3,7 @@
 // threshold of the word map, "Related Words" before the views, the message list's captions,
 // and the load column at 1366 x 768.
 #include <QAction>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -130,6 +131,23 @@ class FirstUseTest : public QObject {
     // Headers: five-letter words whole, dates in a form that fits the column.
     for (std::int32_t row = 1; row <= 40; ++row) {
       if (lens->RowName(row).size() <= 5) QCOMPARE(lens->RowHeaderText(row), lens->RowName(row));
+    }
+  }
+
+  void unitComboSetsTheIntervalUnit() {
+    WindowFixture f;
+    QVERIFY(f.Load(kSample) && f.Index());
+    app::TimeLineExplorerPage& page = f.Window().TimeLine();
+    // The sample spans 2 to 19 September 2013: 18 days, 3 weeks (weeks start on Sunday).
+    const std::pair<const char*, std::int32_t> cases[] = {{"Days", 18}, {"Weeks", 3}, {"Hours", 0}};
+    for (const auto& [unit, intervals] : cases) {
+      f.Find<QComboBox>(QStringLiteral("ETI_Combo"))->setCurrentText(QString::fromUtf8(unit));
+      f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(QStringLiteral("1"));
+      f.platform.answers = {Answer::kOk, Answer::kOk};
+      QVERIFY(page.BuildModels_Click() && f.WaitIdle());
+      const std::int32_t built = f.Window().CurrentSession().WordModel().IntervalCount();
+      if (intervals > 0) QCOMPARE(built, intervals);
+      if (intervals == 0) QVERIFY2(built > 400, qPrintable(QString::number(built)));
     }
   }
 
