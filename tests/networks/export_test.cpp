@@ -24,17 +24,9 @@ constexpr const char* kDotHeader =
 // A three-node chain 0 - 1 - 2 of distances 0.5 and 0.25.
 ProximityMatrix Chain() {
   return MakeMatrix(3, 4,
-                    {
-                        N,
-                        0.5f,
-                        N,  //
-                        0.5f,
-                        N,
-                        0.25f,  //
-                        N,
-                        0.25f,
-                        N,
-                    });
+                    {N, 0.5f, N,      //
+                     0.5f, N, 0.25f,  //
+                     N, 0.25f, N});
 }
 
 TEST(Matrix2Dot, WritesEdgesAscendingByLengthNumberedFromOne) {
@@ -84,24 +76,10 @@ TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
   // Five equal lengths and one shorter, listed (0,1) (0,2) (0,3) (1,2) (1,3) (2,3): the gap-3
   // pass moves (1,2) to the front, and (0,1) after it.
   ProximityMatrix m = MakeMatrix(4, 3,
-                                 {
-                                     N,
-                                     0.5f,
-                                     0.5f,
-                                     0.5f,  //
-                                     0.5f,
-                                     N,
-                                     0.125f,
-                                     0.5f,  //
-                                     0.5f,
-                                     0.125f,
-                                     N,
-                                     0.5f,  //
-                                     0.5f,
-                                     0.5f,
-                                     0.5f,
-                                     N,
-                                 });
+                                 {N, 0.5f, 0.5f, 0.5f,    //
+                                  0.5f, N, 0.125f, 0.5f,  //
+                                  0.5f, 0.125f, N, 0.5f,  //
+                                  0.5f, 0.5f, 0.5f, N});
   EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f), std::string(kDotHeader) +
                                                        "\t1 -- 2 [len=0.12500];\r\n"
                                                        "\t0 -- 2 [len=0.50000];\r\n"
@@ -124,24 +102,10 @@ TEST(Matrix2Dot, EmptyMatrixGivesHeaderAndClosingBrace) {
 TEST(Matrix2Dot, MapPathFromSimilaritiesToTreeToText) {
   // Sim2Dis, the spanning tree from the best edge, and DOT with numbering from 1, as maps do.
   ProximityMatrix m = MakeMatrix(4, 2,
-                                 {
-                                     N,
-                                     0.5f,
-                                     0.5f,
-                                     0.1f,  //
-                                     0.5f,
-                                     N,
-                                     0.9f,
-                                     0.2f,  //
-                                     0.5f,
-                                     0.9f,
-                                     N,
-                                     0.3f,  //
-                                     0.1f,
-                                     0.2f,
-                                     0.3f,
-                                     N,
-                                 });
+                                 {N, 0.5f, 0.5f, 0.1f,  //
+                                  0.5f, N, 0.9f, 0.2f,  //
+                                  0.5f, 0.9f, N, 0.3f,  //
+                                  0.1f, 0.2f, 0.3f, N});
   m.Sim2Dis();
   NetworkResult tree = m.Transform2MST(-1);
   ASSERT_TRUE(tree);

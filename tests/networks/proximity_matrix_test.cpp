@@ -67,17 +67,9 @@ TEST(ProximityMatrix, TraceIsOffByDefault) {
 TEST(Sim2Dis, TogglesValuesAndTypes) {
   for (const std::int32_t type : {1, 2}) {
     ProximityMatrix m = MakeMatrix(3, type,
-                                   {
-                                       N,
-                                       0.8f,
-                                       N,  //
-                                       0.8f,
-                                       N,
-                                       0.0f,  //
-                                       N,
-                                       0.0f,
-                                       N,
-                                   });
+                                   {N, 0.8f, N,     //
+                                    0.8f, N, 0.0f,  //
+                                    N, 0.0f, N});
     m.Sim2Dis();
     EXPECT_EQ(m.CurrentMatrixType(), type + 2);
     EXPECT_EQ(m.Value(0, 1), 1.0f - 0.8f);
@@ -111,17 +103,9 @@ TEST(Sim2Dis, EmptyMatrixDoesNothingAndTraces) {
 
 TEST(GetEdgeList, ListsTheUpperTriangleWithinTheBandInScanOrder) {
   const ProximityMatrix m = MakeMatrix(3, 1,
-                                       {
-                                           N,
-                                           0.9f,
-                                           0.0f,  //
-                                           0.9f,
-                                           N,
-                                           1.5f,  //
-                                           0.0f,
-                                           1.5f,
-                                           N,
-                                       });
+                                       {N, 0.9f, 0.0f,  //
+                                        0.9f, N, 1.5f,  //
+                                        0.0f, 1.5f, N});
   EXPECT_EQ(m.GetEdgeList(0.0f, 1.0f), (std::vector<EdgeRecord>{{0.9f, 0, 1}, {0.0f, 0, 2}}));
   EXPECT_EQ(m.GetEdgeList(-1.0f, 2.0f).size(), 3u);
   EXPECT_TRUE(m.GetEdgeList(2.0f, 3.0f).empty());
