@@ -13,7 +13,6 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-
 TEST(BuildTDM, ReleasesTheTextOnlyWhenItPrunes) {
   const TermDocumentMatrix pruned = testing::SpaceIndex({"cat dog", "dog eel"}, 999, true, 1, 2);
   EXPECT_EQ(pruned.Text(1), "");
