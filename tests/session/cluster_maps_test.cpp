@@ -13,6 +13,7 @@
 
 #include "layout/shell_and_wait.h"
 #include "session/corpus_index.h"
+#include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 #include "temporal/text_stream.h"
@@ -207,7 +208,7 @@ class SmallCorpusTest : public MapTest {
     documents.SetElapsedTimeField(3);
     documents.SetFieldExpressionPattern("001");
     IndexOptions options;
-    options.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+    options.stopListPath = testing::StopListPath();
     options.minDocFrequency = 2;
     options.maxDocFrequency = 24;
     options.porter = false;
@@ -380,7 +381,7 @@ TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
   session.Documents().SetElapsedTimeField(3);
   session.Documents().SetFieldExpressionPattern("001");
   IndexOptions options;
-  options.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+  options.stopListPath = testing::StopListPath();
   options.minDocFrequency = 1;
   options.maxDocFrequency = 6;
   ASSERT_TRUE(BuildIndexes(session, options).indexed);

@@ -5,10 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
+#include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -19,49 +18,12 @@ using testing::RecordedMessage;
 using testing::RecordingNotifier;
 using testing::TempDir;
 
-struct Tweet {
-  int hour = 0;  // hours after 2013-09-02 00:00 (UTC)
-  std::string text;
-  std::string pos = "2";
-  std::string neg = "-1";
-  std::string user = "ann";
-};
-
-// One line of the sixteen-column export.
-std::string Line(const Tweet& t) {
-  const int day = 2 + t.hour / 24;
-  char date[64];
-  std::snprintf(date, sizeof date, "Mon Sep %02d %02d:00:00 +0000 2013", day, t.hour % 24);
-  std::string line;
-  for (const std::string& cell :
-       {std::string(date), t.user, t.text, std::string("123"), "Real " + t.user, std::string("10"),
-        std::string("20"), std::string("0"), std::string("UTC"), std::string(""), std::string("99"),
-        std::string("0"), std::string(""), t.pos, t.neg, std::string("1")}) {
-    line += (line.empty() ? "" : "\t") + cell;
-  }
-  return line + "\n";
-}
+using testing::Tweet;
 
 class IntervalModels : public ::testing::Test {
  protected:
   // Loads and indexes the tweets (every term kept).
-  void Prepare(const std::vector<Tweet>& tweets) {
-    std::string content;
-    for (const Tweet& t : tweets) content += Line(t);
-    LoadOptions load;
-    load.path = dir_.WriteFile("corpus.txt", content);
-    load.minDocLen = 0;
-    RecordingNotifier quiet;
-    const LoadReport loaded = LoadCorpus(session_, load, quiet);
-    ASSERT_TRUE(loaded.loaded) << loaded.error;
-    IndexOptions index;
-    index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
-    index.minDocFrequency = 1;
-    index.maxDocFrequency = 1e9;
-    index.secondaryMinDocFrequency = 1;
-    const IndexReport indexed = BuildIndexes(session_, index);
-    ASSERT_TRUE(indexed.indexed) << indexed.error;
-  }
+  void Prepare(const std::vector<Tweet>& tweets) { testing::LoadAndIndex(session_, dir_, tweets); }
 
   ModelReport Build(const std::string& length, const ModelOptions& base = {}) {
     ModelOptions options = base;
@@ -132,7 +94,7 @@ TEST_F(IntervalModels, IndexingAgainDropsTheModels) {
   Prepare(EveryTwoHours());
   ASSERT_TRUE(Build("4").built);
   IndexOptions index;
-  index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+  index.stopListPath = testing::StopListPath();
   index.minDocFrequency = 1;
   index.maxDocFrequency = 1e9;
   ASSERT_TRUE(BuildIndexes(session_, index).indexed);
