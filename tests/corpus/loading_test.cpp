@@ -240,15 +240,6 @@ TEST_F(Loading, MissingUnreadableAndFolderPathsFail) {
   }
 }
 
-TEST_F(Loading, SaveThatCannotCreateItsFileFails) {
-  std::string path = dir_.WriteFile("corpus.txt", Tweet7(1) + "\n" + Tweet7(2));
-  // A folder in the way of the file to be written.
-  ASSERT_TRUE(std::filesystem::create_directory(dir_.Path() / "corpus_N2.txt"));
-  EXPECT_FALSE(set_.LoadDocuments(path, 7, "\n", 0, 0, true));
-  EXPECT_NE(set_.LastError().find("corpus_N2.txt"), std::string::npos);
-  EXPECT_EQ(set_.DocumentCount(), 0);
-}
-
 TEST_F(Loading, WrongFormatLoadsButKeepsCellsWhereTheyFall) {
   // A tagged file read as tab-separated: each line becomes one document with one column.
   ASSERT_TRUE(Load("<DOC><DOCNO>1</DOCNO></DOC>\n<DOC><DOCNO>2</DOCNO></DOC>", 8));

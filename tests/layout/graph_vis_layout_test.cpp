@@ -163,14 +163,6 @@ TEST_F(GraphVisLayoutTest, UnwritableFolderGivesTheFailureMessage) {
   EXPECT_EQ(spatial_.LastShellCode(), -1);
 }
 
-TEST_F(GraphVisLayoutTest, CancelledWaitFailsSilently) {
-  Program("sfdp", "exec sleep 30");
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  EXPECT_FALSE(spatial_.GraphVisLayout_CLI(graphviz_.Path().string(), "sfdp", kDot, 4, 1, stop));
-  EXPECT_EQ(spatial_.LastShellCode(), kShellAbandoned);
-  EXPECT_TRUE(notifier_.Messages().empty());
-}
-
 TEST(DefaultLayoutFolderTest, IsAPrivateFolderOfThisProcess) {
   const std::string& folder = DefaultLayoutFolder();
   ASSERT_FALSE(folder.empty());

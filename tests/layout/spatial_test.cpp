@@ -195,19 +195,6 @@ INSTANTIATE_TEST_SUITE_P(
                       MalformedCase{"CommaDecimal", "graph 1 2 3\nnode 1 1,5 2\n"}),
     [](const auto& info) { return info.param.name; });
 
-TEST_F(LoadGVPlainTest, MissingFileFails) {
-  EXPECT_FALSE(spatial_.LoadGVPlain((dir_.Path() / "absent.txt").string(), 1, 2, error_));
-  EXPECT_NE(error_.find("absent.txt"), std::string::npos);
-  EXPECT_EQ(spatial_.NodeCount(), 2);
-  EXPECT_EQ(spatial_.X(1), 0.0f);
-}
-
-TEST_F(LoadGVPlainTest, ProgressCanCancel) {
-  path_ = dir_.WriteFile("gvout.txt", "graph 1 2 3\nnode 1 1 1\n");
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  EXPECT_FALSE(spatial_.LoadGVPlain(path_, 1, 5000, error_, stop));
-}
-
 TEST(SpatialExtremesTest, StartAtPlusAndMinusOneHundred) {
   TempDir dir;
   Spatial spatial;

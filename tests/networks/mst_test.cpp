@@ -100,14 +100,6 @@ TEST(Transform2MST, EmptyOrLinklessSourcesAreErrorResults) {
   EXPECT_EQ(none.Message(), "The matrix has no links with values between 0 and 1");
 }
 
-TEST(Transform2MST, CancelledByProgressGivesNoMatrix) {
-  const ProximityMatrix m = MakeMatrix(4, 2, kTieSimilarities);
-  const NetworkResult tree =
-      m.Transform2MST(-1, [](std::string_view, std::int64_t, std::int64_t) { return false; });
-  EXPECT_FALSE(tree);
-  EXPECT_EQ(tree.Message(), "Cancelled");
-}
-
 // Total weight of a spanning forest by Kruskal over a library sort: the optimum, whatever the
 // tie order.
 double OptimalWeight(const std::vector<float>& values, std::int32_t n, bool largest) {

@@ -83,14 +83,6 @@ TEST(ColumnSimilarityArrayTest, DenseSymmetricCosinesWithOnesOnTheDiagonal) {
   for (std::size_t i = 0; i < 16; ++i) EXPECT_FLOAT_EQ(s[i], expected[i]) << "cell " << i;
 }
 
-TEST(ColumnSimilarityArrayTest, CancelGivesNothing) {
-  SparseMatrixSingle m;
-  m.Reset(2, 2);
-  m.SetValue(1, 1, 1.0f);
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  EXPECT_TRUE(ColumnSimilarityArray(m, stop).empty());
-}
-
 // Similarities 0.75 (nodes 0-1), 0.5 (1-2) and 0.25 (0-2): distances 0.25, 0.5, 0.75, so the
 // tree keeps 0-1 and 1-2.
 std::vector<float> ThreeNodes() { return {1, 0.75f, 0.25f, 0.75f, 1, 0.5f, 0.25f, 0.5f, 1}; }
