@@ -148,23 +148,6 @@ TEST_F(CorpusGeneratorTest, FilesAreUtf8WithLineFeedsOnly) {
   }
 }
 
-TEST_F(CorpusGeneratorTest, NewestFirstLayoutHasDescendingTweetDates) {
-  const auto rows = Table(C().twitter11);
-  std::int64_t previous = INT64_MAX;
-  for (const Row& row : rows) {
-    ASSERT_EQ(row[0].size(), 30u) << row[0];
-    EXPECT_EQ(row[0].substr(19, 7), " +0000 ");
-    const std::int64_t t = ParseDate(row[0]).SecondsSinceEpoch();
-    ASSERT_LE(t, previous) << row[0];
-    previous = t;
-    EXPECT_GE(t, C().generator.StartTime());
-    EXPECT_LT(t, C().generator.EndTime());
-  }
-  // Tweet IDs grow with time.
-  EXPECT_GT(Number(rows.back()[3]), 0);
-  EXPECT_LT(std::stoull(std::string(rows.back()[3])), std::stoull(std::string(rows.front()[3])));
-}
-
 TEST_F(CorpusGeneratorTest, MonitoringLayoutIsOldestFirstWithWholeElapsedHours) {
   const auto rows = Table(C().monitoring);
   const DateTime first = ParseDate(rows[1][6]);
@@ -176,35 +159,6 @@ TEST_F(CorpusGeneratorTest, MonitoringLayoutIsOldestFirstWithWholeElapsedHours) 
     previous = date;
     ASSERT_EQ(Number(rows[i][18]), DateDiff(TimeUnit::kHour, first, date)) << rows[i][6];
   }
-}
-
-TEST_F(CorpusGeneratorTest, SixColumnLayoutIsOldestFirstButForAFewSwappedNeighbours) {
-  const auto rows = Table(C().twitter);
-  std::vector<std::int64_t> times;
-  for (std::size_t i = 1; i < rows.size(); ++i) {
-    ASSERT_EQ(rows[i][0].size(), 18u) << rows[i][0];  // YYYYMMDDTHH:MM:SSZ
-    ASSERT_EQ(rows[i][0].back(), 'Z');
-    times.push_back(ParseDate(rows[i][0]).SecondsSinceEpoch());
-  }
-  std::size_t descents = 0;
-  std::size_t hourDescents = 0;
-  for (std::size_t i = 1; i < times.size(); ++i) {
-    if (times[i] >= times[i - 1]) continue;
-    ++descents;
-    if (times[i] / 3600 != times[i - 1] / 3600) ++hourDescents;
-    // Putting the pair back in place restores the order around it.
-    std::swap(times[i], times[i - 1]);
-    if (i >= 2) {
-      EXPECT_LE(times[i - 2], times[i - 1]);
-    }
-    if (i + 1 < times.size()) {
-      EXPECT_LE(times[i], times[i + 1]);
-    }
-  }
-  EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
-  EXPECT_GE(descents, 5u);
-  EXPECT_LT(descents, times.size() / 50);
-  EXPECT_GE(hourDescents, 3u) << "the disorder must show at the resolution of hours";
 }
 
 TEST_F(CorpusGeneratorTest, AllLayoutsCarryTheSameTweets) {
