@@ -98,69 +98,6 @@ class CorpusGeneratorTest : public ::testing::Test {
 
 // ---------------------------------------------------------------------------------------------
 
-TEST_F(CorpusGeneratorTest, EveryLayoutHasItsColumnCount) {
-  const auto t11 = Table(C().twitter11);
-  ASSERT_EQ(t11.size(), 20000u);
-  for (const Row& row : t11) ASSERT_EQ(row.size(), 16u) << row[0];
-
-  const auto t7 = Table(C().twitter);
-  ASSERT_EQ(t7.size(), 20001u);
-  EXPECT_EQ(Lines(C().twitter)[0], "DateTime\tUser\tTweet\tSent+\tSent-\tSentSum");
-  std::size_t split = 0;
-  for (std::size_t i = 1; i < t7.size(); ++i) {
-    ASSERT_TRUE(t7[i].size() == 6 || t7[i].size() == 7) << Lines(C().twitter)[i];
-    if (t7[i].size() == 7) ++split;
-  }
-  std::size_t expectedSplit = 0;
-  for (const auto& t : C().tweets) expectedSplit += t.strayTab != 0 ? 1 : 0;
-  EXPECT_EQ(split, expectedSplit);
-  EXPECT_GE(split, 10u) << "a few tweets must be split by a stray tab";
-  EXPECT_LE(split, 100u);
-
-  const auto t9 = Table(C().monitoring);
-  ASSERT_EQ(t9.size(), 20001u);
-  for (const Row& row : t9) ASSERT_EQ(row.size(), 22u);
-  const Row& header = t9[0];
-  EXPECT_EQ(header[0], "ARTICLE_ID");
-  EXPECT_EQ(header[2], "AUTHOR");
-  EXPECT_EQ(header[3], "CONTENT");
-  EXPECT_EQ(header[6], "PUBLISH_DATE");
-  EXPECT_EQ(header[18], "ELAPSED_HOURS");
-  EXPECT_EQ(header[19], "LINK");
-  EXPECT_EQ(header[20], "SENT_POS");
-  EXPECT_EQ(header[21], "SENT_NEG");
-  for (std::string_view name : header) EXPECT_FALSE(name.empty());
-}
-
-TEST_F(CorpusGeneratorTest, FilesAreUtf8WithLineFeedsOnly) {
-  for (const std::string* text : {&C().twitter, &C().twitter11, &C().monitoring}) {
-    EXPECT_EQ(text->find('\r'), std::string::npos);
-    ASSERT_FALSE(text->empty());
-    EXPECT_EQ(text->back(), '\n');
-    EXPECT_EQ(text->find("\n\n"), std::string::npos);
-    EXPECT_TRUE(IsValidUtf8(*text));
-  }
-  for (const auto& t : C().tweets) {
-    ASSERT_EQ(t.text.find('\t'), std::string::npos) << t.text;
-    ASSERT_EQ(t.text.find('\n'), std::string::npos) << t.text;
-    ASSERT_FALSE(t.text.empty());
-    ASSERT_NE(t.text.front(), ' ');
-  }
-}
-
-TEST_F(CorpusGeneratorTest, MonitoringLayoutIsOldestFirstWithWholeElapsedHours) {
-  const auto rows = Table(C().monitoring);
-  const DateTime first = ParseDate(rows[1][6]);
-  DateTime previous = first;
-  for (std::size_t i = 1; i < rows.size(); ++i) {
-    ASSERT_EQ(rows[i][6].size(), 16u) << rows[i][6];  // DD/MM/YYYY HH:MM
-    const DateTime date = ParseDate(rows[i][6]);
-    ASSERT_GE(date, previous) << rows[i][6];
-    previous = date;
-    ASSERT_EQ(Number(rows[i][18]), DateDiff(TimeUnit::kHour, first, date)) << rows[i][6];
-  }
-}
-
 TEST_F(CorpusGeneratorTest, AllLayoutsCarryTheSameTweets) {
   const auto& tweets = C().tweets;
   const auto& users = C().generator.Users();

@@ -101,9 +101,16 @@ TEST_F(IntervalModels, IndexingAgainDropsTheModels) {
   EXPECT_FALSE(session_.ModelsBuilt());
   for (const IndexKind kind : kIndexKinds) EXPECT_EQ(session_.Model(kind).IntervalCount(), 0);
   EXPECT_EQ(session_.IntervalLength(), 0);
+  // Clearing the indexes clears them too.
+  ASSERT_TRUE(Build("4").built);
+  session_.ClearIndexes();
+  EXPECT_FALSE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
 }
 
 TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
+  EXPECT_FALSE(Build("4").built);  // nothing to model before indexing, and nothing said
+  EXPECT_TRUE(Messages().empty());
   Prepare(EveryTwoHours());
   ASSERT_TRUE(Build("4").built);
   for (const std::string length : {"0", "-5", "abc", "", "0.4", "  -1"}) {
@@ -122,6 +129,9 @@ TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
   // A leading number is enough, and halves round to even.
   EXPECT_EQ(Build("4 hours").intervalLength, 4);
   EXPECT_EQ(Build("2.5").intervalLength, 2);
+  ModelOptions fortnights;
+  fortnights.unitCode = "fortnight";
+  EXPECT_NE(Build("4", fortnights).error.find("fortnight"), std::string::npos);
 }
 
 TEST_F(IntervalModels, ALengthGivingFewerThanTwoIntervalsStops) {
@@ -138,19 +148,15 @@ TEST_F(IntervalModels, ALengthGivingFewerThanTwoIntervalsStops) {
   EXPECT_FALSE(session_.ModelsBuilt());
 }
 
-TEST_F(IntervalModels, TwoIntervalsGoOnAfterTheQuestion) {
-  Prepare({{0, "storm"}, {10, "storm"}, {48, "storm"}});
-  const ModelReport report = Build("24");  // 48 / 24 = 2
-  ASSERT_TRUE(report.built) << report.error;
+TEST_F(IntervalModels, FewIntervalsAskFirstAndCancelKeepsTheOldModels) {
+  Prepare(EveryTwoHours());
+  ASSERT_TRUE(Build("4").built);
+  const ModelReport few = Build("24");  // 48 / 24 = 2: goes on after the question
+  ASSERT_TRUE(few.built) << few.error;
   ASSERT_EQ(Messages().size(), 1u);
   EXPECT_TRUE(Messages()[0].question);
   EXPECT_EQ(Messages()[0].text, "Model will have fewer than 10 intervals. Proceed anyway?");
-  EXPECT_EQ(Messages()[0].title, "Interval length warning");
-  EXPECT_EQ(report.intervalCount, 3);
-}
-
-TEST_F(IntervalModels, CancellingTheFewIntervalsQuestionKeepsTheOldModels) {
-  Prepare(EveryTwoHours());
+  EXPECT_EQ(few.intervalCount, 3);
   ASSERT_TRUE(Build("4").built);
   notifier_.QueueAnswer(Answer::kCancel);
   const ModelReport report = Build("12");  // 48 / 12 = 4 intervals
@@ -224,22 +230,6 @@ TEST_F(IntervalModels, ACorpusWithoutSentimentStillBuilds) {
   EXPECT_EQ(session_.WordModel().SIFM().Vector(1)->NZElementCount(), 0);
 }
 
-TEST_F(IntervalModels, NothingToModelBeforeIndexing) {
-  const ModelReport report = Build("4");
-  EXPECT_FALSE(report.built);
-  EXPECT_FALSE(report.error.empty());
-  EXPECT_TRUE(Messages().empty());
-}
-
-TEST_F(IntervalModels, AnUnknownUnitIsRefused) {
-  Prepare(EveryTwoHours());
-  ModelOptions options;
-  options.unitCode = "fortnight";
-  const ModelReport report = Build("4", options);
-  EXPECT_FALSE(report.built);
-  EXPECT_NE(report.error.find("fortnight"), std::string::npos);
-}
-
 TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
   Prepare(EveryTwoHours());
   ModelOptions options;
@@ -254,15 +244,6 @@ TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
   EXPECT_TRUE(report.cancelled);
   EXPECT_FALSE(session_.ModelsBuilt());
   EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
-}
-
-TEST_F(IntervalModels, ClearingTheIndexesClearsTheModels) {
-  Prepare(EveryTwoHours());
-  ASSERT_TRUE(Build("4").built);
-  session_.ClearIndexes();
-  EXPECT_FALSE(session_.ModelsBuilt());
-  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
-  EXPECT_EQ(session_.IntervalLength(), 0);
 }
 
 // A words model whose intervals hold the given numbers of distinct terms.
