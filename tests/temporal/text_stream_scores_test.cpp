@@ -50,12 +50,6 @@ TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
   EXPECT_FLOAT_EQ(s.RatioBurstScore(cc, 1), 0.0f);
 }
 
-TEST(BurstScores, ATermInEveryDocumentScoresLn101) {
-  StreamCorpus c = Built({{0, "aa bb"}, {10, "aa"}});
-  EXPECT_FLOAT_EQ(c.stream->RatioBurstScore(c.Term("aa"), 1), static_cast<float>(std::log(101.0)));
-  EXPECT_FLOAT_EQ(c.stream->RatioBurstScore(c.Term("aa"), 2), static_cast<float>(std::log(101.0)));
-}
-
 TEST(BurstScores, TemporalRatioComparesWithThePreviousInterval) {
   StreamCorpus c = Built(FourIntervals());
   TextStream& s = *c.stream;
