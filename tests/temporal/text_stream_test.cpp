@@ -134,16 +134,15 @@ TEST(TextStreamFailures, ACorpusInOneIntervalShowsTheMessageAndReturnsFalse) {
   EXPECT_EQ(s.TIFM().Vector(1)->NZElementCount(), 0);
 }
 
-TEST(TextStreamFailures, LengthsBelowOneAreRefused) {
+TEST(TextStreamFailures, LengthsBelowOneAndTooManyIntervalsAreRefused) {
   for (const std::int32_t length : {0, -1, -24}) {
     StreamCorpus c = MakeStreamCorpus(AtTimes({0, 50}));
     EXPECT_THROW(Build(c, length), RangeError) << length;
   }
-}
-
-TEST(TextStreamFailures, TooManyIntervalsAreRefused) {
   StreamCorpus c = MakeStreamCorpus(AtTimes({0, 2'000'000'000}));
   EXPECT_THROW(Build(c, 1), RangeError);
+  TextStream unbound;
+  EXPECT_THROW(unbound.BuildTermIntervalFrequencyModel(0, 1), RangeError);
 }
 
 TEST(TextStreamFailures, HugeTemporalValuesAreHeldToThe32BitRange) {
@@ -155,11 +154,6 @@ TEST(TextStreamFailures, HugeTemporalValuesAreHeldToThe32BitRange) {
   EXPECT_EQ(c.stream->BaseValue(), INT32_MIN);
   EXPECT_EQ(c.stream->LastValue(), INT32_MAX);
   EXPECT_EQ(c.stream->IntervalCount(), 5);
-}
-
-TEST(TextStreamFailures, AnUnboundStreamCannotBuild) {
-  TextStream stream;
-  EXPECT_THROW(stream.BuildTermIntervalFrequencyModel(0, 1), RangeError);
 }
 
 TEST(TextStreamFailures, AnUnboundStreamAnswersNothing) {
