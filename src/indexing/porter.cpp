@@ -70,6 +70,62 @@ bool EndsWithEnding(std::string_view word, std::string_view suffix) {
   return true;
 }
 
+// m in [C](VC)^m[V]: how many runs of vowels are followed by a consonant.
+int WordMeasure(std::string_view word) {
+  int measure = 0;
+  bool inVowels = false;
+  bool previousIsVowelLetter = false;
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    const char c = word[i];
+    const bool isVowelLetter = IsVowelLetter(c);
+    if (isVowelLetter || (c == 'y' && i > 0 && !previousIsVowelLetter)) {
+      inVowels = true;
+    } else if (inVowels) {
+      ++measure;
+      inVowels = false;
+    }
+    previousIsVowelLetter = isVowelLetter;
+  }
+  return measure;
+}
+
+// Whether any character is a vowel.
+bool ContainsVowel(std::string_view word) {
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    if (IsVowelAt(word, i)) return true;
+  }
+  return false;
+}
+
+// Whether the last two characters are equal and not a doubled vowel letter. A final "yy"
+// counts only in a 2-character word or after one of a, e, i, o, u.
+bool EndsWithDoubleConsonant(std::string_view word) {
+  if (word.empty()) return false;
+  const std::size_t last = PreviousCharacterStart(word, word.size());
+  if (last == 0) return false;
+  const std::size_t secondLast = PreviousCharacterStart(word, last);
+  if (word.substr(secondLast, last - secondLast) != word.substr(last)) return false;
+  if (word.size() - last != 1) return true;
+  const char c = word[last];
+  if (IsVowelLetter(c)) return false;
+  if (c == 'y' && secondLast > 0) return IsVowelLetter(word[secondLast - 1]);
+  return true;
+}
+
+// Whether the word has at least 3 characters, ends consonant-vowel-consonant, and its last
+// character is not w, x or y.
+bool EndsWithCVC(std::string_view word) {
+  if (word.empty()) return false;
+  const std::size_t third = PreviousCharacterStart(word, word.size());
+  if (third == 0) return false;
+  const std::size_t second = PreviousCharacterStart(word, third);
+  if (second == 0) return false;
+  const std::size_t first = PreviousCharacterStart(word, second);
+  const char last = word[third];
+  return !IsVowelAt(word, first) && IsVowelAt(word, second) && !IsVowelAt(word, third) &&
+         last != 'w' && last != 'x' && last != 'y';
+}
+
 // One row of a suffix table: an ending and the text that takes its place.
 struct SuffixRule {
   std::string_view suffix;
@@ -176,21 +232,21 @@ void Step1a(WorkingWord& word) {
 void TidyAfterStep1b(WorkingWord& word) {
   if (word.EndsWith("at") || word.EndsWith("bl") || word.EndsWith("iz")) {
     word.Append("e");  // "at" -> "ate", "bl" -> "ble", "iz" -> "ize"
-  } else if (detail::EndsWithDoubleConsonant(word.View())) {
+  } else if (EndsWithDoubleConsonant(word.View())) {
     const char last = word.Last();
     if (last != 'l' && last != 's' && last != 'z') word.DropLastCharacter();
-  } else if (detail::WordMeasure(word.View()) == 1 && detail::EndsWithCVC(word.View())) {
+  } else if (WordMeasure(word.View()) == 1 && EndsWithCVC(word.View())) {
     word.Append("e");
   }
 }
 
 void Step1b(WorkingWord& word) {
   if (word.EndsWith("eed")) {
-    if (detail::WordMeasure(word.Without(3)) > 0) word.ReplaceEnding(3, "ee");
+    if (WordMeasure(word.Without(3)) > 0) word.ReplaceEnding(3, "ee");
     return;
   }
   for (const std::string_view ending : {std::string_view("ed"), std::string_view("ing")}) {
-    if (word.EndsWith(ending) && detail::ContainsVowel(word.Without(ending.size()))) {
+    if (word.EndsWith(ending) && ContainsVowel(word.Without(ending.size()))) {
       word.ReplaceEnding(ending.size(), "");
       TidyAfterStep1b(word);
       return;
@@ -199,7 +255,7 @@ void Step1b(WorkingWord& word) {
 }
 
 void Step1c(WorkingWord& word) {
-  if (word.EndsWith("y") && detail::ContainsVowel(word.Without(1))) word.SetLast('i');
+  if (word.EndsWith("y") && ContainsVowel(word.Without(1))) word.SetLast('i');
 }
 
 // Steps 2 and 3: only the first row whose ending matches counts; it applies when the rest of
@@ -208,7 +264,7 @@ template <std::size_t N>
 void ApplyFirstMatchingRule(WorkingWord& word, const SuffixTable<N>& table) {
   const SuffixRule* rule = table.FirstMatch(word.View());
   if (rule == nullptr) return;
-  if (detail::WordMeasure(word.Without(rule->suffix.size())) > 0) {
+  if (WordMeasure(word.Without(rule->suffix.size())) > 0) {
     word.ReplaceEnding(rule->suffix.size(), rule->replacement);
   }
 }
@@ -219,7 +275,7 @@ void Step4(WorkingWord& word) {
   const SuffixRule* rule = kStep4Table.FirstMatch(word.View());
   if (rule == nullptr) return;
   const std::string_view rest = word.Without(rule->suffix.size());
-  if (detail::WordMeasure(rest) <= 1) return;
+  if (WordMeasure(rest) <= 1) return;
   if (rule->suffix == "ion" && rest.back() != 's' && rest.back() != 't') return;
   word.ReplaceEnding(rule->suffix.size(), "");
 }
@@ -227,11 +283,11 @@ void Step4(WorkingWord& word) {
 void Step5(WorkingWord& word) {
   if (word.EndsWith("e")) {
     const std::string_view rest = word.Without(1);
-    const int measure = detail::WordMeasure(rest);
-    if (measure > 1 || (measure == 1 && !detail::EndsWithCVC(rest))) word.ReplaceEnding(1, "");
+    const int measure = WordMeasure(rest);
+    if (measure > 1 || (measure == 1 && !EndsWithCVC(rest))) word.ReplaceEnding(1, "");
   }
-  if (word.Size() > 0 && word.Last() == 'l' && detail::WordMeasure(word.View()) > 1 &&
-      detail::EndsWithDoubleConsonant(word.View())) {
+  if (word.Size() > 0 && word.Last() == 'l' && WordMeasure(word.View()) > 1 &&
+      EndsWithDoubleConsonant(word.View())) {
     word.DropLastCharacter();
   }
 }
@@ -254,83 +310,4 @@ std::string Stem(std::string_view word) {
   return result;
 }
 
-namespace detail {
-
-std::string CVPattern(std::string_view word) {
-  std::string pattern;
-  pattern.reserve(word.size());
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    if (i > 0 && IsContinuationByte(word[i])) continue;
-    pattern.push_back(IsVowelAt(word, i) ? 'v' : 'c');
-  }
-  return pattern;
-}
-
-int WordMeasure(std::string_view word) {
-  int measure = 0;
-  bool inVowels = false;
-  bool previousIsVowelLetter = false;
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    const char c = word[i];
-    const bool isVowelLetter = IsVowelLetter(c);
-    if (isVowelLetter || (c == 'y' && i > 0 && !previousIsVowelLetter)) {
-      inVowels = true;
-    } else if (inVowels) {
-      ++measure;
-      inVowels = false;
-    }
-    previousIsVowelLetter = isVowelLetter;
-  }
-  return measure;
-}
-
-bool ContainsVowel(std::string_view word) {
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    if (IsVowelAt(word, i)) return true;
-  }
-  return false;
-}
-
-bool EndsWith(std::string_view word, std::string_view suffix) {
-  // Both are UTF-8, so a match starts on a character boundary, and a non-empty rest holds at
-  // least one character.
-  return suffix.size() < word.size() && word.ends_with(suffix);
-}
-
-bool EndsWithDoubleConsonant(std::string_view word) {
-  if (word.empty()) return false;
-  const std::size_t last = PreviousCharacterStart(word, word.size());
-  if (last == 0) return false;
-  const std::size_t secondLast = PreviousCharacterStart(word, last);
-  if (word.substr(secondLast, last - secondLast) != word.substr(last)) return false;
-  if (word.size() - last != 1) return true;
-  const char c = word[last];
-  if (IsVowelLetter(c)) return false;
-  if (c == 'y' && secondLast > 0) return IsVowelLetter(word[secondLast - 1]);
-  return true;
-}
-
-bool EndsWithCVC(std::string_view word) {
-  if (word.empty()) return false;
-  const std::size_t third = PreviousCharacterStart(word, word.size());
-  if (third == 0) return false;
-  const std::size_t second = PreviousCharacterStart(word, third);
-  if (second == 0) return false;
-  const std::size_t first = PreviousCharacterStart(word, second);
-  const char last = word[third];
-  return !IsVowelAt(word, first) && IsVowelAt(word, second) && !IsVowelAt(word, third) &&
-         last != 'w' && last != 'x' && last != 'y';
-}
-
-std::string ReplaceEnding(std::string_view word, std::size_t n, std::string_view replacement) {
-  std::size_t end = word.size();
-  for (std::size_t dropped = 0; dropped < n && end > 0; ++dropped) {
-    end = PreviousCharacterStart(word, end);
-  }
-  std::string result(word.substr(0, end));
-  result.append(replacement);
-  return result;
-}
-
-}  // namespace detail
 }  // namespace sylvora::Porter

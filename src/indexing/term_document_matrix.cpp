@@ -108,6 +108,4 @@ double TermDocumentMatrix::TermWeight(std::int32_t mIndex, std::int32_t nIndex, 
                       normalise ? DocumentMaximum(nIndex) : 0);
 }
 
-std::int32_t TermDocumentMatrix::Rank2Query(std::string_view, std::int32_t) const { return 0; }
-
 }  // namespace sylvora

@@ -172,9 +172,6 @@ class TermDocumentMatrix {
   bool WeightMatrixValues(std::int32_t scheme, const ProgressCallback& progress = {});
   bool WeightsApplied() const { return weightsApplied_; }
 
-  // Has no effect and returns 0 (a query ranking the system does not offer).
-  std::int32_t Rank2Query(std::string_view query, std::int32_t nRetrieve) const;
-
   // ---- File (term_document_matrix_file.cpp) ----
 
   std::uint8_t Version() const { return version_; }

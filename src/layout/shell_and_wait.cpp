@@ -70,9 +70,9 @@ enum class SliceEnd { kEnded, kTimedOut, kFailed };
 
 // Waits up to one slice for `pid` to end, polling waitpid with growing naps (1 ms .. 20 ms) so
 // that a quick program is noticed quickly and a slow one costs little.
-SliceEnd WaitSlice(pid_t pid, int& exitCode) {
+SliceEnd WaitSlice(pid_t pid, std::int32_t sliceMs, int& exitCode) {
   using Clock = std::chrono::steady_clock;
-  const auto end = Clock::now() + std::chrono::milliseconds(kShellWaitSliceMs);
+  const auto end = Clock::now() + std::chrono::milliseconds(sliceMs);
   auto nap = std::chrono::milliseconds(1);
   for (;;) {
     int status = 0;
@@ -130,18 +130,21 @@ std::vector<std::string> SplitCommandLine(std::string_view commandLine) {
 
 std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs,
                           std::int32_t windowStyle, std::int32_t breakOption,
-                          const ProgressCallback& progress) {
+                          const ProgressCallback& progress, std::int32_t sliceMs) {
   ShellOutcome outcome;
-  return ShellAndWait(commandLine, timeLimitMs, windowStyle, breakOption, progress, {}, outcome);
+  return ShellAndWait(commandLine, timeLimitMs, windowStyle, breakOption, progress, {}, outcome,
+                      sliceMs);
 }
 
 std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs,
                           std::int32_t windowStyle, std::int32_t breakOption,
                           const ProgressCallback& progress, const std::string& errorPath,
-                          ShellOutcome& outcome) {
+                          ShellOutcome& outcome, std::int32_t sliceMs) {
   outcome = ShellOutcome();
   const auto first = commandLine.find_first_not_of(' ');
-  if (first == std::string_view::npos || timeLimitMs < 0) return kShellInvalidArgument;
+  if (first == std::string_view::npos || timeLimitMs < 0 || sliceMs < 1) {
+    return kShellInvalidArgument;
+  }
   if (breakOption < 0 || breakOption > 2) return kShellInvalidArgument;
   if (windowStyle < 0 || windowStyle == 5 || windowStyle > 6) return kShellInvalidArgument;
 
@@ -164,13 +167,13 @@ std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs
 
   std::int64_t elapsed = 0;
   for (;;) {
-    const SliceEnd slice = WaitSlice(pid, outcome.exitCode);
+    const SliceEnd slice = WaitSlice(pid, sliceMs, outcome.exitCode);
     if (slice == SliceEnd::kEnded || slice == SliceEnd::kFailed) return kShellEnded;
     if (progress && !progress("Waiting for Graphviz", elapsed, timeLimitMs)) {
       KillAndReap(pid);
       return kShellAbandoned;
     }
-    elapsed += kShellWaitSliceMs;
+    elapsed += sliceMs;
     if (timeLimitMs > 0 && elapsed > timeLimitMs) {
       KillAndReap(pid);
       return kShellTimedOut;

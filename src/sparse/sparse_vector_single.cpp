@@ -201,8 +201,6 @@ void SparseVectorSingle::TruncateLocal(std::int32_t count) {
   declaredDimensions_ = n;
 }
 
-void SparseVectorSingle::TruncateGlobal(float /*thresh*/) {}
-
 std::int32_t SparseVectorSingle::FirstElementIndex() {
   cursor_ = 1;
   return elements_.empty() ? -1 : elements_.front();

@@ -102,9 +102,6 @@ class SparseVectorSingle {
   // beyond about +-16 million take the repeated scan, O(count * n).
   void TruncateLocal(std::int32_t count);
 
-  // Has no effect.
-  void TruncateGlobal(float thresh);
-
   // Iteration in ascending element order through a cursor over the list positions:
   // FirstElementIndex() then NextElementIndex() until -1. Writes do not move the cursor.
   // The element at position 1, or -1 when empty; the cursor goes to position 1.

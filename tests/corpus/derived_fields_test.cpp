@@ -51,19 +51,6 @@ TEST(ElapsedTime, CountsUnitsFromTheEarliestDocument) {
   EXPECT_EQ(Column(set, 2), (Cells{"0", "47", "37"}));
 }
 
-TEST(ElapsedTime, EveryUnitHasItsFieldName) {
-  const std::pair<const char*, const char*> units[] = {{"s", "Elapsed_Seconds"},
-                                                       {"n", "Elapsed_Minutes"},
-                                                       {"h", "Elapsed_Hours"},
-                                                       {"d", "Elapsed_Days"},
-                                                       {"ww", "Elapsed_Weeks"}};
-  for (const auto& [code, name] : units) {
-    DocumentSet set = Texts({"01/01/11 00:00:00", "09/01/11 00:01:00"});
-    ASSERT_TRUE(set.DeriveElapsedTimeField(0, code, "01 Jan 2011 00:00:01", true)) << code;
-    EXPECT_EQ(set.FieldName(1), name);
-  }
-}
-
 // Regression: one row without a date stopped the whole derivation, and the message quoted
 // the half-converted cell ("24// 01:04:44") instead of the file's text.
 TEST(ElapsedTime, RowsWithoutADateAreListedWithTheFilesText) {

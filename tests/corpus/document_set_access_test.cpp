@@ -79,15 +79,5 @@ TEST(DocumentSetAccess, RemoveDocumentShiftsLaterRowsUp) {
   EXPECT_EQ(set.DocumentCount(), 2);
 }
 
-TEST(DocumentSetAccess, SetDocumentsUsesTheFormatLayout) {
-  DocumentSet set = MakeSet({{"d", "u", "t"}, {"d2", "u2", "t2"}, {"d3", "u3", "t3"}}, 8);
-  EXPECT_EQ(set.DocumentCount(), 3);
-  EXPECT_EQ(set.FieldCount(), 16);
-  EXPECT_EQ(set.FieldName(12), "Link URL");
-  EXPECT_EQ(set.Text(2, 2), "t3");
-  EXPECT_EQ(set.Text(2, 3), "");
-  EXPECT_TRUE(std::filesystem::is_directory(set.FilePath())) << set.FilePath();
-}
-
 }  // namespace
 }  // namespace sylvora

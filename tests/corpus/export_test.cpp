@@ -68,15 +68,5 @@ TEST(ExportRIS, EmptySetGivesAnEmptyFileAndBadRolesWriteNothing) {
   EXPECT_FALSE(std::filesystem::exists(bad));
 }
 
-TEST(Export, AFileThatCannotBeCreatedIsReported) {
-  TempDir dir;
-  DocumentSet set = MakeSet({{"a"}, {"b"}}, 0);
-  const std::string path = (dir.Path() / "missing-folder" / "out.tsv").string();
-  EXPECT_FALSE(set.ExportTSV(path, false));
-  EXPECT_NE(set.LastError().find("Cannot create"), std::string::npos);
-  EXPECT_NE(set.LastError().find("out.tsv"), std::string::npos);
-  EXPECT_FALSE(set.ExportRIS(path));
-}
-
 }  // namespace
 }  // namespace sylvora

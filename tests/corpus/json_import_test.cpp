@@ -68,6 +68,14 @@ TEST_F(JsonImport, TwitterV2LineFillsTheTwitter11Fields) {
   EXPECT_EQ(Cell(0, kPos), "3");
   EXPECT_EQ(Cell(0, kNeg), "-2");
   EXPECT_EQ(Cell(0, kNet), "1");
+  // A top-level array of posts, and a limit on the count.
+  ASSERT_EQ(
+      Import(std::string("[\n") + kV2Line + ",\n" + kV2Line + ",\n" + kV2Line + "\n]", false, 2),
+      DetectionOutcome::kImport)
+      << report_.error;
+  EXPECT_EQ(report_.detection.container, JsonContainer::kArray);
+  EXPECT_EQ(documents_.DocumentCount(), 2);
+  EXPECT_EQ(Cell(1, kLink), "http://www.example.com/storm");
 }
 
 TEST_F(JsonImport, TwitterV2PagesTakeUserNamesFromIncludes) {
@@ -111,15 +119,6 @@ TEST_F(JsonImport, AuthorWithoutANameKeepsItsIdAndSaysSo) {
   EXPECT_TRUE(Has(report_.warnings[0], "1 posts name their author by id only"));
 }
 
-TEST_F(JsonImport, TopLevelArrayOfPosts) {
-  ASSERT_EQ(Import(std::string("[\n") + kV2Line + ",\n" + kV2Line + "\n]"),
-            DetectionOutcome::kImport)
-      << report_.error;
-  EXPECT_EQ(report_.detection.container, JsonContainer::kArray);
-  EXPECT_EQ(documents_.DocumentCount(), 2);
-  EXPECT_EQ(Cell(1, kLink), "http://www.example.com/storm");
-}
-
 // --- Twitter API v1.1 ---
 
 TEST_F(JsonImport, TwitterV11TakesFullTextAndRebuildsRetweets) {
@@ -151,9 +150,7 @@ TEST_F(JsonImport, TwitterV11TakesFullTextAndRebuildsRetweets) {
   EXPECT_EQ(Cell(1, kText), "RT @ann: The whole text <3 with more");
   EXPECT_EQ(Cell(1, kLink), "https://long.example/page");
   EXPECT_EQ(Cell(1, kId), "2");
-}
-
-TEST_F(JsonImport, TwitterV11StreamingExtendedTweet) {
+  // The streaming API's extended tweet.
   ASSERT_EQ(Import(R"({"created_at":"Wed Aug 27 13:08:45 +0000 2008","user":{"screen_name":"a"},)"
                    R"("text":"short…","extended_tweet":{"full_text":"long and whole",)"
                    R"("entities":{"urls":[{"expanded_url":"http://x.example/1"}]}}})"),
@@ -294,21 +291,11 @@ TEST_F(JsonImport, BrokenDocumentNamesItsLine) {
   EXPECT_EQ(documents_.DocumentCount(), 0);
 }
 
-TEST_F(JsonImport, MaxCountStopsEarly) {
-  std::string lines;
-  for (int i = 0; i < 5; ++i) lines += std::string(kV2Line) + "\n";
-  ASSERT_EQ(Import(lines, false, 3), DetectionOutcome::kImport);
-  EXPECT_EQ(documents_.DocumentCount(), 3);
-}
-
-TEST_F(JsonImport, InvalidUtf8IsInvalidJson) {
+TEST_F(JsonImport, InvalidUtf8IsInvalidJsonAndTabSeparatedTextIsLeftToTheLoader) {
   std::string line = kV2Line;
   line.replace(line.find("Storm"), 1, "\xC3");
   EXPECT_EQ(Import(line + "\n"), DetectionOutcome::kError);
   EXPECT_TRUE(Has(report_.error, "line 1")) << report_.error;
-}
-
-TEST_F(JsonImport, ATabSeparatedFileIsLeftToTheLoader) {
   EXPECT_EQ(Import("Wed Aug 27 13:08:45 +0000 2008\tann\thello, world\n"),
             DetectionOutcome::kTabSeparated);
   EXPECT_TRUE(report_.error.empty());

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "corpus/corpus_fixtures.h"
 #include "corpus/document_set.h"
 #include "support/temp_dir.h"
@@ -267,29 +264,6 @@ TEST_F(Loading, BadFilesFailWithAReasonAndLeaveTheSetUsable) {
     std::string good = dir_.WriteFile("good.txt", Tweet7(1) + "\n" + Tweet7(2));
     EXPECT_TRUE(set.LoadDocuments(good, 7, "\n", 0, 0, false)) << set.LastError();
   }
-}
-
-TEST_F(Loading, MissingUnreadableAndFolderPathsFail) {
-  std::string missing = (dir_.Path() / "absent.txt").string();
-  EXPECT_FALSE(set_.LoadDocuments(missing, 7, "\n", 0, 0, false));
-  EXPECT_NE(set_.LastError().find("No such file"), std::string::npos);
-  std::string folder = dir_.Path().string();
-  EXPECT_FALSE(set_.LoadDocuments(folder, 7, "\n", 0, 0, false));
-  EXPECT_NE(set_.LastError().find("folder"), std::string::npos);
-  if (::geteuid() != 0) {  // root reads anything
-    std::string locked = dir_.WriteFile("locked.txt", Tweet7(1) + "\n" + Tweet7(2));
-    ::chmod(locked.c_str(), 0);
-    EXPECT_FALSE(set_.LoadDocuments(locked, 7, "\n", 0, 0, false));
-  }
-}
-
-TEST_F(Loading, SaveThatCannotCreateItsFileFails) {
-  std::string path = dir_.WriteFile("corpus.txt", Tweet7(1) + "\n" + Tweet7(2));
-  // A folder in the way of the file to be written.
-  ASSERT_TRUE(std::filesystem::create_directory(dir_.Path() / "corpus_N2.txt"));
-  EXPECT_FALSE(set_.LoadDocuments(path, 7, "\n", 0, 0, true));
-  EXPECT_NE(set_.LastError().find("corpus_N2.txt"), std::string::npos);
-  EXPECT_EQ(set_.DocumentCount(), 0);
 }
 
 TEST_F(Loading, WrongFormatLoadsButKeepsCellsWhereTheyFall) {

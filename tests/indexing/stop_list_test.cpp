@@ -41,17 +41,6 @@ TEST(StopList, ReadsOneWordPerLineWithAnyLineEnd) {
   }
 }
 
-TEST(StopList, TheShippedListLoads) {
-  StopList stop;
-  stop.Load((testing::SourceDir() / "data" / "common_words.txt").string(), 3);
-  EXPECT_GT(stop.Count(), 300u);
-  EXPECT_TRUE(stop.Contains("the"));
-  EXPECT_TRUE(stop.Contains("about"));
-  EXPECT_FALSE(stop.Contains("a"));    // shorter than 3 characters
-  EXPECT_FALSE(stop.Contains("The"));  // case-sensitive
-  EXPECT_FALSE(stop.Contains("storm"));
-}
-
 TEST(StopList, HoldsAtMostAThousandWords) {
   testing::TempDir dir;
   std::string thousand;

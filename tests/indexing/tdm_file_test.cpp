@@ -163,46 +163,37 @@ TEST(LoadTDM, ReadsTheDocumentFrequencyFieldWhenTold) {
   EXPECT_DOUBLE_EQ(index.TermWeight(1, 1, 1, false), 1.5 * std::log(3.0 / 2.0));
 }
 
-TEST(LoadTDM, ReadsOnlyTheAssignedDocuments) {
-  testing::TempDir dir;
-  std::string file = "1\t10\tWeight=0\tNormalise=False\r\nterm";
-  for (int d = 1; d <= 10; ++d) file += "\t" + std::to_string(d);
-  dir.WriteFile("tweets_0.tdm", file + "\r\n");
-  TermDocumentMatrix index = EmptyIndex(dir, 8);
-  index.LoadTDM(false);
-  EXPECT_EQ(index.DocCount(), 8);
-  EXPECT_EQ(index.Matrix().ColCount(), 8);
-  EXPECT_EQ(index.Matrix().Vector(1)->NZElementCount(), 1);
-  EXPECT_EQ(index.Matrix().Value(1, 8), 8.0f);
-}
-
-TEST(LoadTDM, LowersTheDocumentCountToTheFiles) {
-  testing::TempDir dir;
-  dir.WriteFile("tweets_0.tdm", "1\t2\tWeight=0\tNormalise=False\nterm\t1\t2\n");  // LF only
-  TermDocumentMatrix index = EmptyIndex(dir, 5);
-  index.LoadTDM(false);
-  EXPECT_EQ(index.DocCount(), 2);
-  EXPECT_EQ(index.Matrix().ColCount(), 2);
-  EXPECT_EQ(index.Text(3), "");
-}
-
-TEST(LoadTDM, ZeroAndNegativeWeightsLeaveTheCellEmpty) {
-  testing::TempDir dir;
-  dir.WriteFile("tweets_0.tdm", "1\t3\tWeight=0\tNormalise=False\r\nterm\t0\t-1.5\t1E-05\r\n");
-  TermDocumentMatrix index = EmptyIndex(dir, 3);
-  index.LoadTDM(false);
-  EXPECT_TRUE(index.Matrix().IsEmpty(1, 1));
-  EXPECT_TRUE(index.Matrix().IsEmpty(1, 2));
-  EXPECT_EQ(index.Matrix().Value(1, 3), 1e-05f);
-}
-
-TEST(LoadTDM, AnEmptyFileGivesNoTerms) {
-  testing::TempDir dir;
-  dir.WriteFile("tweets_0.tdm", "");
-  TermDocumentMatrix index = EmptyIndex(dir, 2);
-  index.LoadTDM(false);
-  EXPECT_EQ(index.TermCount(), 0);
-  EXPECT_EQ(index.Matrix().ColCount(), 2);
+// Only the assigned documents are read, a file of fewer documents lowers the count, weights of 0
+// or below leave the cell empty, LF line ends do, and an empty file gives no terms.
+TEST(LoadTDM, ReadsWhatTheFileAndTheAssignmentShare) {
+  struct Case {
+    std::string file;
+    DocIndex assigned, documents;
+    std::vector<float> cells;  // term 1, documents 1..documents
+  };
+  const Case cases[] = {
+      {"1\t10\tWeight=0\tNormalise=False\r\nterm\t1\t2\t3\t4\t5\t6\t7\t8\t9\t10\r\n",
+       8,
+       8,
+       {1, 2, 3, 4, 5, 6, 7, 8}},
+      {"1\t2\tWeight=0\tNormalise=False\nterm\t1\t2\n", 5, 2, {1, 2}},
+      {"1\t3\tWeight=0\tNormalise=False\r\nterm\t0\t-1.5\t1E-05\r\n", 3, 3, {0, 0, 1e-05f}},
+      {"", 2, 2, {}},
+  };
+  for (const Case& c : cases) {
+    testing::TempDir dir;
+    dir.WriteFile("tweets_0.tdm", c.file);
+    TermDocumentMatrix index = EmptyIndex(dir, c.assigned);
+    index.LoadTDM(false);
+    EXPECT_EQ(index.DocCount(), c.documents) << c.file;
+    EXPECT_EQ(index.Matrix().ColCount(), c.documents) << c.file;
+    EXPECT_EQ(index.TermCount(), c.cells.empty() ? 0 : 1) << c.file;
+    for (std::size_t d = 0; d < c.cells.size(); ++d) {
+      const auto doc = static_cast<std::int32_t>(d) + 1;
+      EXPECT_EQ(index.Matrix().Value(1, doc), c.cells[d]) << c.file;
+      EXPECT_EQ(index.Matrix().IsEmpty(1, doc), c.cells[d] == 0.0f) << c.file;
+    }
+  }
 }
 
 TEST(LoadTDM, AMissingVersionRaisesError5000) {

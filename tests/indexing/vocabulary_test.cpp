@@ -10,20 +10,6 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-TEST(BuildVocab, NumbersTermsByBucketThenFirstAppearance) {
-  const TermDocumentMatrix index = testing::SpaceIndex({"cat dog", "dog eel"});
-  EXPECT_EQ(testing::Terms(index), (Strings{"cat", "dog", "eel"}));
-  EXPECT_EQ(index.LetterStart(0), 1);
-  EXPECT_EQ(index.LetterStart(3), 1);  // c
-  EXPECT_EQ(index.LetterStart(4), 2);  // d
-  EXPECT_EQ(index.LetterStart(5), 3);  // e
-  EXPECT_EQ(index.LetterStart(6), 4);  // empty buckets point at the next free number
-  EXPECT_EQ(index.LetterStart(26), 4);
-  EXPECT_EQ(index.LetterStart(27), 4);
-  EXPECT_EQ(index.LetterStart(28), 0);
-  EXPECT_EQ(index.LetterStart(-1), 0);
-}
-
 TEST(BuildVocab, OrderIsNotAlphabetical) {
   const TermDocumentMatrix index =
       testing::SpaceIndex({"zoo banana apple", "Zebra 9lives avocado _x", "apple cherry"});
@@ -35,19 +21,6 @@ TEST(BuildVocab, OrderIsNotAlphabetical) {
   EXPECT_EQ(index.LetterStart(3), 7);
   EXPECT_EQ(index.LetterStart(26), 8);
   EXPECT_EQ(index.LetterStart(27), 9);
-}
-
-TEST(BuildVocab, AFullBucketDropsNewTermsSilently) {
-  // Two slots per bucket: "ax" and "ay" fill bucket a; "az" and later "aw" are dropped, while
-  // bucket b still takes its two.
-  const TermDocumentMatrix index =
-      testing::SpaceIndex({"ax ay az", "bx ax aw", "by bz ay"}, 1, true);
-  EXPECT_EQ(testing::Terms(index), (Strings{"ax", "ay", "bx", "by"}));
-  EXPECT_EQ(index.DocFreq(1), 2);  // ax
-  EXPECT_EQ(index.DocFreq(2), 2);  // ay
-  // The dropped tokens are not counted anywhere.
-  EXPECT_EQ(index.Matrix().Vector(1)->NZElementCount(), 2);
-  EXPECT_EQ(index.Matrix().Vector(3)->NZElementCount(), 2);
 }
 
 TEST(BuildVocab, AThousandSlotsPerBucketAtMost) {

@@ -147,10 +147,5 @@ TEST(TermFreq, RoundsHalvesToEvenAndGivesZeroOnErrors) {
   }
 }
 
-TEST(Rank2Query, DoesNothing) {
-  const TermDocumentMatrix index = Sample();
-  EXPECT_EQ(index.Rank2Query("aa", 10), 0);
-}
-
 }  // namespace
 }  // namespace sylvora

@@ -13,7 +13,7 @@ namespace sylvora::testing {
 // its path.
 std::string WriteScript(const TempDir& dir, std::string_view name, std::string_view body);
 
-// True when process `pid` is gone (or a zombie no one waits for), checked for up to 2 s.
+// True when process `pid` has ended (or ends within 10 s).
 bool ProcessGone(int pid);
 
 }  // namespace sylvora::testing

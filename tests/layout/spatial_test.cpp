@@ -20,18 +20,6 @@ std::string Dot(std::string_view edgeLines) {
          std::string(edgeLines) + "}";
 }
 
-TEST(LayoutCommandLineTest, NamesTheProgramAndBothFiles) {
-  EXPECT_EQ(LayoutCommandLine("/usr/bin", "sfdp", "/tmp/w"),
-            "\"/usr/bin/sfdp\" \"/tmp/w/gvin.txt\" -Tplain -o\"/tmp/w/gvout.txt\"");
-  EXPECT_EQ(LayoutCommandLine("/gv", "neato", "/f"),
-            "\"/gv/neato\" \"/f/gvin.txt\" -Tplain -o\"/f/gvout.txt\"");
-  EXPECT_EQ(LayoutCommandLine("/gv", "fdp", "/f").rfind("\"/gv/fdp\" ", 0), 0u);
-  // Any other name runs sfdp; names are compared exactly.
-  EXPECT_EQ(LayoutCommandLine("/gv", "dot", "/f").rfind("\"/gv/sfdp\" ", 0), 0u);
-  EXPECT_EQ(LayoutCommandLine("/gv", "FDP", "/f").rfind("\"/gv/sfdp\" ", 0), 0u);
-  EXPECT_EQ(LayoutCommandLine("/gv", "", "/f").rfind("\"/gv/sfdp\" ", 0), 0u);
-}
-
 TEST(SetGraphFromDotTest, ReadsEdgeLinesBetweenTheHeadersAndTheBrace) {
   Spatial spatial;
   ASSERT_TRUE(spatial.SetGraphFromDot(
@@ -47,6 +35,15 @@ TEST(SetGraphFromDotTest, ReadsEdgeLinesBetweenTheHeadersAndTheBrace) {
   EXPECT_EQ(spatial.NodeDegree(3), 1);
   EXPECT_EQ(spatial.NodeDegree(4), 0);
   EXPECT_EQ(spatial.NodeDegree(-1), 0);
+  // A new text replaces the edges; one without edge lines has none.
+  ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t3 -- 4 [len=0.75000];\r\n"), 1));
+  ASSERT_EQ(spatial.EdgeCount(), 1);
+  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.75f, 2, 3}));
+  EXPECT_EQ(spatial.NodeDegree(0), 0);
+  for (const std::string& empty : {Dot(""), std::string()}) {
+    ASSERT_TRUE(spatial.SetGraphFromDot(empty, 1));
+    EXPECT_EQ(spatial.EdgeCount(), 0);
+  }
 }
 
 TEST(SetGraphFromDotTest, FirstNodeZeroKeepsNumbersAndLineFeedsAlone) {
@@ -70,25 +67,6 @@ TEST(SetGraphFromDotTest, AHugeNodeNumberIsCountedWithoutAHugeTable) {
   EXPECT_EQ(spatial.NodeDegree(2), 1);
   ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=0.5];\r\n"), 1));
   EXPECT_EQ(spatial.NodeDegree(2147482999), 0);
-}
-
-TEST(SetGraphFromDotTest, GraphWithoutEdgesHasNone) {
-  Spatial spatial;
-  ASSERT_TRUE(spatial.SetGraphFromDot(Dot(""), 1));
-  EXPECT_EQ(spatial.EdgeCount(), 0);
-  ASSERT_TRUE(spatial.SetGraphFromDot("", 1));
-  EXPECT_EQ(spatial.EdgeCount(), 0);
-  EXPECT_EQ(spatial.NodeDegree(0), 0);
-}
-
-TEST(SetGraphFromDotTest, ANewTextReplacesTheEdges) {
-  Spatial spatial;
-  ASSERT_TRUE(
-      spatial.SetGraphFromDot(Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.5];\r\n"), 1));
-  ASSERT_TRUE(spatial.SetGraphFromDot(Dot("\t3 -- 4 [len=0.75000];\r\n"), 1));
-  ASSERT_EQ(spatial.EdgeCount(), 1);
-  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.75f, 2, 3}));
-  EXPECT_EQ(spatial.NodeDegree(0), 0);
 }
 
 TEST(SetGraphFromDotTest, MalformedLineStopsTheReadingAndKeepsEarlierEdges) {
@@ -201,19 +179,6 @@ INSTANTIATE_TEST_SUITE_P(
                       MalformedCase{"InfiniteHeight", "graph 1 2 infinity\nnode 1 1 1\n"},
                       MalformedCase{"NegativeWidth", "graph 1 -2 3\nnode 1 1 1\n"}),
     [](const auto& info) { return info.param.name; });
-
-TEST_F(LoadGVPlainTest, MissingFileFails) {
-  EXPECT_FALSE(spatial_.LoadGVPlain((dir_.Path() / "absent.txt").string(), 1, 2, error_));
-  EXPECT_NE(error_.find("absent.txt"), std::string::npos);
-  EXPECT_EQ(spatial_.NodeCount(), 2);
-  EXPECT_EQ(spatial_.X(1), 0.0f);
-}
-
-TEST_F(LoadGVPlainTest, ProgressCanCancel) {
-  path_ = dir_.WriteFile("gvout.txt", "graph 1 2 3\nnode 1 1 1\n");
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  EXPECT_FALSE(spatial_.LoadGVPlain(path_, 1, 5000, error_, stop));
-}
 
 TEST(SpatialExtremesTest, StartAtPlusAndMinusOneHundred) {
   TempDir dir;

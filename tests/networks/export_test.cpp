@@ -24,48 +24,37 @@ constexpr const char* kDotHeader =
 // A three-node chain 0 - 1 - 2 of distances 0.5 and 0.25.
 ProximityMatrix Chain() {
   return MakeMatrix(3, 4,
-                    {
-                        N,
-                        0.5f,
-                        N,  //
-                        0.5f,
-                        N,
-                        0.25f,  //
-                        N,
-                        0.25f,
-                        N,
-                    });
+                    {N, 0.5f, N,      //
+                     0.5f, N, 0.25f,  //
+                     N, 0.25f, N});
 }
 
-TEST(Matrix2Dot, WritesEdgesAscendingByLengthNumberedFromOne) {
-  ProximityMatrix m = Chain();
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) +
-                                                       "\t2 -- 3 [len=0.25000];\r\n"
-                                                       "\t1 -- 2 [len=0.50000];\r\n"
-                                                       "}");
-}
-
-TEST(Matrix2Dot, FirstNodeZeroAndAboveOne) {
-  ProximityMatrix m = Chain();
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f),
-            std::string(kDotHeader) + "\t1 -- 2 [len=0.25000];\r\n\t0 -- 1 [len=0.50000];\r\n}");
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 5, "", 0.0f, 1.0f),
-            std::string(kDotHeader) + "\t2 -- 3 [len=0.25000];\r\n\t1 -- 2 [len=0.50000];\r\n}");
-}
-
-TEST(Matrix2Dot, LengthPowerTwoAndZero) {
-  ProximityMatrix m = Chain();
-  EXPECT_EQ(m.Matrix2Dot(2.0f, 1, "", 0.0f, 1.0f),
-            std::string(kDotHeader) + "\t2 -- 3 [len=0.06250];\r\n\t1 -- 2 [len=0.25000];\r\n}");
-  EXPECT_EQ(m.Matrix2Dot(0.0f, 1, "", 0.0f, 1.0f),
-            std::string(kDotHeader) + "\t2 -- 3 [len=1.00000];\r\n\t1 -- 2 [len=1.00000];\r\n}");
-}
-
-TEST(Matrix2Dot, BandSelectsEdgesAndLabelsAreNotWritten) {
-  ProximityMatrix m = Chain();
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "a\tb\tc", 0.3f, 1.0f),
-            std::string(kDotHeader) + "\t1 -- 2 [len=0.50000];\r\n}");
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.6f, 1.0f), std::string(kDotHeader) + "}");
+// Edges ascending by length, numbered from the first node (0, else 1), lengths raised to the
+// power, and only edges within the band; labels are not written.
+TEST(Matrix2Dot, WritesTheEdgesOfTheBand) {
+  struct Case {
+    float power;
+    std::int32_t firstNode;
+    const char* labels;
+    float low;
+    const char* edges;
+  };
+  const Case cases[] = {
+      {1, 1, "", 0, "\t2 -- 3 [len=0.25000];\r\n\t1 -- 2 [len=0.50000];\r\n"},
+      {1, 5, "", 0, "\t2 -- 3 [len=0.25000];\r\n\t1 -- 2 [len=0.50000];\r\n"},
+      {1, 0, "", 0, "\t1 -- 2 [len=0.25000];\r\n\t0 -- 1 [len=0.50000];\r\n"},
+      {2, 1, "", 0, "\t2 -- 3 [len=0.06250];\r\n\t1 -- 2 [len=0.25000];\r\n"},
+      {0, 1, "", 0, "\t2 -- 3 [len=1.00000];\r\n\t1 -- 2 [len=1.00000];\r\n"},
+      {1, 1, "a\tb\tc", 0.3f, "\t1 -- 2 [len=0.50000];\r\n"},
+      {1, 1, "", 0.6f, ""},
+  };
+  for (const Case& c : cases) {
+    ProximityMatrix m = Chain();
+    EXPECT_EQ(m.Matrix2Dot(c.power, c.firstNode, c.labels, c.low, 1.0f),
+              std::string(kDotHeader) + c.edges + "}")
+        << c.power << " " << c.firstNode << " " << c.low;
+  }
+  EXPECT_EQ(ProximityMatrix().Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) + "}");
 }
 
 TEST(Matrix2Dot, ConvertsSimilaritiesInPlace) {
@@ -84,24 +73,10 @@ TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
   // Five equal lengths and one shorter, listed (0,1) (0,2) (0,3) (1,2) (1,3) (2,3): the gap-3
   // pass moves (1,2) to the front, and (0,1) after it.
   ProximityMatrix m = MakeMatrix(4, 3,
-                                 {
-                                     N,
-                                     0.5f,
-                                     0.5f,
-                                     0.5f,  //
-                                     0.5f,
-                                     N,
-                                     0.125f,
-                                     0.5f,  //
-                                     0.5f,
-                                     0.125f,
-                                     N,
-                                     0.5f,  //
-                                     0.5f,
-                                     0.5f,
-                                     0.5f,
-                                     N,
-                                 });
+                                 {N, 0.5f, 0.5f, 0.5f,    //
+                                  0.5f, N, 0.125f, 0.5f,  //
+                                  0.5f, 0.125f, N, 0.5f,  //
+                                  0.5f, 0.5f, 0.5f, N});
   EXPECT_EQ(m.Matrix2Dot(1.0f, 0, "", 0.0f, 1.0f), std::string(kDotHeader) +
                                                        "\t1 -- 2 [len=0.12500];\r\n"
                                                        "\t0 -- 2 [len=0.50000];\r\n"
@@ -114,42 +89,6 @@ TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
   ProximityMatrix tiny = MakeMatrix(2, 3, {N, 0.000005f, 0.000005f, N});
   EXPECT_EQ(tiny.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f),
             std::string(kDotHeader) + "\t1 -- 2 [len=0.00001];\r\n}");
-}
-
-TEST(Matrix2Dot, EmptyMatrixGivesHeaderAndClosingBrace) {
-  ProximityMatrix m;
-  EXPECT_EQ(m.Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) + "}");
-}
-
-TEST(Matrix2Dot, MapPathFromSimilaritiesToTreeToText) {
-  // Sim2Dis, the spanning tree from the best edge, and DOT with numbering from 1, as maps do.
-  ProximityMatrix m = MakeMatrix(4, 2,
-                                 {
-                                     N,
-                                     0.5f,
-                                     0.5f,
-                                     0.1f,  //
-                                     0.5f,
-                                     N,
-                                     0.9f,
-                                     0.2f,  //
-                                     0.5f,
-                                     0.9f,
-                                     N,
-                                     0.3f,  //
-                                     0.1f,
-                                     0.2f,
-                                     0.3f,
-                                     N,
-                                 });
-  m.Sim2Dis();
-  NetworkResult tree = m.Transform2MST(-1);
-  ASSERT_TRUE(tree);
-  EXPECT_EQ(tree->Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f), std::string(kDotHeader) +
-                                                           "\t2 -- 3 [len=0.10000];\r\n"
-                                                           "\t1 -- 3 [len=0.50000];\r\n"
-                                                           "\t3 -- 4 [len=0.70000];\r\n"
-                                                           "}");
 }
 
 TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {

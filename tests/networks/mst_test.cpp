@@ -33,60 +33,6 @@ const std::vector<float> kTieSimilarities = {
     0.1f, 0.2f, 0.3f, N,
 };
 
-TEST(Transform2MST, TakesEqualWeightsInTheShellSortOrder) {
-  const ProximityMatrix m = MakeMatrix(4, 2, kTieSimilarities);
-  const NetworkResult tree = m.Transform2MST(-1);
-  ASSERT_TRUE(tree) << tree.Message();
-  EXPECT_TRUE(tree.Message().empty());
-  EXPECT_EQ(tree->CurrentMatrixType(), 2);
-  const std::vector<float> expected = {
-      N,    N,    0.5f, N,     //
-      N,    N,    0.9f, N,     //
-      0.5f, 0.9f, N,    0.3f,  //
-      N,    N,    0.3f, N,
-  };
-  EXPECT_EQ(Cells(*tree), expected);
-}
-
-TEST(Transform2MST, DissimilaritiesKeepTheSmallestAndTheSortOrderOfTies) {
-  // The similarities above as distances: (1, 2) 0.1 first, then (0, 2) before (0, 1).
-  ProximityMatrix m = MakeMatrix(4, 2, kTieSimilarities);
-  m.Sim2Dis();
-  ASSERT_EQ(m.CurrentMatrixType(), 4);
-  const NetworkResult tree = m.Transform2MST(-1);
-  ASSERT_TRUE(tree);
-  EXPECT_EQ(tree->Value(1, 2), 1.0f - 0.9f);
-  EXPECT_EQ(tree->Value(0, 2), 0.5f);
-  EXPECT_EQ(tree->Value(0, 1), N);
-  EXPECT_EQ(tree->Value(2, 3), 1.0f - 0.3f);
-  EXPECT_EQ(tree->Value(1, 3), N);
-}
-
-TEST(Transform2MST, NeverUsesNoLinkOrValuesAboveOne) {
-  // The 1.5 and -1 cells would be the best links if they counted.
-  const std::vector<float> values = {
-      N,    1.5f, 0.2f,  //
-      1.5f, N,    0.3f,  //
-      0.2f, 0.3f, N,
-  };
-  const NetworkResult tree = MakeMatrix(3, 1, values).Transform2MST(-1);
-  ASSERT_TRUE(tree);
-  EXPECT_EQ(tree->Value(0, 1), N);
-  EXPECT_EQ(tree->Value(0, 2), 0.2f);
-  EXPECT_EQ(tree->Value(1, 2), 0.3f);
-}
-
-TEST(Transform2MST, BoundaryValuesZeroAndOneAreCandidates) {
-  const std::vector<float> values = {
-      N,    0.0f, N,     //
-      0.0f, N,    1.0f,  //
-      N,    1.0f, N,
-  };
-  const NetworkResult tree = MakeMatrix(3, 3, values).Transform2MST(-1);
-  ASSERT_TRUE(tree);
-  EXPECT_EQ(Cells(*tree), values);
-}
-
 TEST(Transform2MST, DisconnectedGraphKeepsTheStartComponentAndSaysWhatIsMissing) {
   // Nodes {0, 1} and {2, 3, 4} have no link between them.
   const std::vector<float> values = {
@@ -152,21 +98,6 @@ TEST(Transform2MST, EmptyOrLinklessSourcesAreErrorResults) {
   const NetworkResult none = MakeMatrix(2, 1, {N, N, N, N}).Transform2MST(-1);
   EXPECT_FALSE(none);
   EXPECT_EQ(none.Message(), "The matrix has no links with values between 0 and 1");
-}
-
-TEST(Transform2MST, CancelledByProgressGivesNoMatrix) {
-  const ProximityMatrix m = MakeMatrix(4, 2, kTieSimilarities);
-  const NetworkResult tree =
-      m.Transform2MST(-1, [](std::string_view, std::int64_t, std::int64_t) { return false; });
-  EXPECT_FALSE(tree);
-  EXPECT_EQ(tree.Message(), "Cancelled");
-}
-
-TEST(Transform2MST, TwoNodesGiveTheirOneLink) {
-  const NetworkResult tree = MakeMatrix(2, 3, {N, 0.25f, 0.25f, N}).Transform2MST(-1);
-  ASSERT_TRUE(tree);
-  EXPECT_EQ(tree->Value(0, 1), 0.25f);
-  EXPECT_EQ(tree->Value(1, 0), 0.25f);
 }
 
 // Total weight of a spanning forest by Kruskal over a library sort: the optimum, whatever the

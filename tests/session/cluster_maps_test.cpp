@@ -13,6 +13,7 @@
 
 #include "layout/shell_and_wait.h"
 #include "session/corpus_index.h"
+#include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 #include "temporal/text_stream.h"
@@ -82,14 +83,6 @@ TEST(ColumnSimilarityArrayTest, DenseSymmetricCosinesWithOnesOnTheDiagonal) {
   for (std::size_t i = 0; i < 16; ++i) EXPECT_FLOAT_EQ(s[i], expected[i]) << "cell " << i;
 }
 
-TEST(ColumnSimilarityArrayTest, CancelGivesNothing) {
-  SparseMatrixSingle m;
-  m.Reset(2, 2);
-  m.SetValue(1, 1, 1.0f);
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  EXPECT_TRUE(ColumnSimilarityArray(m, stop).empty());
-}
-
 // Similarities 0.75 (nodes 0-1), 0.5 (1-2) and 0.25 (0-2): distances 0.25, 0.5, 0.75, so the
 // tree keeps 0-1 and 1-2.
 std::vector<float> ThreeNodes() { return {1, 0.75f, 0.25f, 0.75f, 1, 0.5f, 0.25f, 0.5f, 1}; }
@@ -132,19 +125,6 @@ TEST_F(MapTest, TiedDistancesKeepTheFirstEdgesInOrder) {
             "graph G {\r\n\tnode [shape=plaintext,height=.0,width=.0];\r\n\tedge [weight=1.0];\r\n"
             "\t1 -- 2 [len=0.50000];\r\n\t1 -- 3 [len=0.50000];\r\n}");
   EXPECT_EQ(map.layout.NodeDegree(0), 2);
-}
-
-TEST_F(MapTest, FewerThanTwoNodesIsAnError) {
-  ClusterMap map;
-  MapReport report;
-  EXPECT_FALSE(LayOutSimilarities({1}, 1, 1, Options(kRealGraphviz), map, report, notifier_));
-  EXPECT_NE(report.error.find("at least two nodes"), std::string::npos);
-  report = MapReport();
-  EXPECT_FALSE(LayOutSimilarities({}, 0, 1, Options(kRealGraphviz), map, report, notifier_));
-  EXPECT_FALSE(report.error.empty());
-  // A wrong array size is refused too.
-  report = MapReport();
-  EXPECT_FALSE(LayOutSimilarities({1, 0, 0}, 2, 1, Options(kRealGraphviz), map, report, notifier_));
 }
 
 TEST_F(MapTest, MissingGraphvizIsReportedWithoutAMessageBox) {
@@ -207,7 +187,7 @@ class SmallCorpusTest : public MapTest {
     documents.SetElapsedTimeField(3);
     documents.SetFieldExpressionPattern("001");
     IndexOptions options;
-    options.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+    options.stopListPath = testing::StopListPath();
     options.minDocFrequency = 2;
     options.maxDocFrequency = 24;
     options.porter = false;
@@ -271,18 +251,46 @@ TEST_F(SmallCorpusTest, WordMapJoinsWordsOfOneTopic) {
   EXPECT_TRUE(notifier_.Messages().empty());
 }
 
-TEST_F(SmallCorpusTest, WordMapAtIntervalLevelNeedsTheModelAndKeepsEveryTerm) {
+TEST_F(SmallCorpusTest, WordMapAtIntervalLevelKeepsEveryTerm) {
   const FakeGraphviz graphviz(DiagonalPlain(13));
   ClusterMap map;
-  MapReport report = BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kInterval,
-                                  Options(graphviz.Folder()), map, notifier_);
-  EXPECT_FALSE(report.built);
-  EXPECT_EQ(report.error, "The interval model is not built");
-  report = BuildWordMap(session_.WordIndex(), &model_, WordMapLevel::kInterval,
-                        Options(graphviz.Folder()), map, notifier_);
+  const MapReport report = BuildWordMap(session_.WordIndex(), &model_, WordMapLevel::kInterval,
+                                        Options(graphviz.Folder()), map, notifier_);
   ASSERT_TRUE(report.built) << report.error;
   EXPECT_EQ(map.NodeCount(), session_.WordIndex().TermCount());
   EXPECT_EQ(map.labels[0], session_.WordIndex().Term(1));
+}
+
+// What a map cannot be made of is refused before Graphviz runs.
+TEST_F(SmallCorpusTest, RefusesWhatItCannotMap) {
+  const MapOptions options = Options(kRealGraphviz);
+  ClusterMap map;
+  const TermDocumentMatrix& words = session_.WordIndex();
+  const auto error = [](const MapReport& report) {
+    EXPECT_FALSE(report.built);
+    return report.error;
+  };
+  EXPECT_EQ(error(BuildWordMap(words, nullptr, WordMapLevel::kInterval, options, map, notifier_)),
+            "The interval model is not built");
+  EXPECT_EQ(error(BuildWordMap(TermDocumentMatrix(), nullptr, WordMapLevel::kTweet, options, map,
+                               notifier_)),
+            "The word index has no terms");
+  EXPECT_EQ(error(BuildIntervalMap(TextStream(), options, map, notifier_)),
+            "The interval similarity model is not built");
+  for (const std::int32_t interval : {0, 5, -1}) {
+    EXPECT_NE(error(BuildTweetMap(words, model_, interval, options, map, notifier_))
+                  .find("There is no interval"),
+              std::string::npos);
+  }
+  MapReport report;
+  EXPECT_FALSE(LayOutSimilarities({1}, 1, 1, options, map, report, notifier_));
+  EXPECT_NE(report.error.find("at least two nodes"), std::string::npos);
+  for (const std::vector<float>& similarities : {std::vector<float>{}, {1, 0, 0}}) {
+    report = MapReport();
+    EXPECT_FALSE(LayOutSimilarities(similarities, similarities.empty() ? 0 : 2, 1, options, map,
+                                    report, notifier_));
+    EXPECT_FALSE(report.error.empty());
+  }
 }
 
 TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
@@ -303,15 +311,6 @@ TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
   // Only the layout runner's own box: the word map adds none.
   ASSERT_EQ(notifier_.Messages().size(), 1u);
   EXPECT_EQ(notifier_.Messages()[0].title, "Graph layout failed");
-}
-
-TEST_F(SmallCorpusTest, EmptyWordIndexIsAnError) {
-  ClusterMap map;
-  const TermDocumentMatrix empty;
-  const MapReport report =
-      BuildWordMap(empty, nullptr, WordMapLevel::kTweet, Options(kRealGraphviz), map, notifier_);
-  EXPECT_FALSE(report.built);
-  EXPECT_EQ(report.error, "The word index has no terms");
 }
 
 TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
@@ -335,14 +334,6 @@ TEST_F(SmallCorpusTest, FailedIntervalMapSaysSo) {
   EXPECT_FALSE(report.built);
   ASSERT_EQ(notifier_.Messages().size(), 1u);
   EXPECT_EQ(notifier_.Messages()[0].text, kIntervalMapFailure);
-}
-
-TEST_F(SmallCorpusTest, IntervalMapNeedsTheSimilarityModel) {
-  TextStream unbuilt;
-  ClusterMap map;
-  const MapReport report = BuildIntervalMap(unbuilt, Options(kRealGraphviz), map, notifier_);
-  EXPECT_FALSE(report.built);
-  EXPECT_EQ(report.error, "The interval similarity model is not built");
 }
 
 TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
@@ -380,7 +371,7 @@ TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
   session.Documents().SetElapsedTimeField(3);
   session.Documents().SetFieldExpressionPattern("001");
   IndexOptions options;
-  options.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+  options.stopListPath = testing::StopListPath();
   options.minDocFrequency = 1;
   options.maxDocFrequency = 6;
   ASSERT_TRUE(BuildIndexes(session, options).indexed);
@@ -396,16 +387,6 @@ TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
   EXPECT_FALSE(report.built);
   EXPECT_EQ(report.error, "Interval 2 has no tweets");
   EXPECT_EQ(map.NodeCount(), 0);
-}
-
-TEST_F(SmallCorpusTest, TweetMapOfAMissingIntervalIsAnError) {
-  ClusterMap map;
-  for (const std::int32_t interval : {0, 5, -1}) {
-    const MapReport report = BuildTweetMap(session_.WordIndex(), model_, interval,
-                                           Options(kRealGraphviz), map, notifier_);
-    EXPECT_FALSE(report.built);
-    EXPECT_NE(report.error.find("There is no interval"), std::string::npos) << report.error;
-  }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <cctype>
 
 #include "session/corpus_load.h"
+#include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -14,8 +15,6 @@ namespace sylvora {
 namespace {
 
 using Strings = std::vector<std::string>;
-
-std::string StopListPath() { return (testing::SourceDir() / "data" / "common_words.txt").string(); }
 
 // One tweet of a small hand-made corpus.
 struct Tweet {
@@ -47,7 +46,7 @@ const std::vector<Tweet> kTweets = {
 
 IndexOptions SmallOptions() {
   IndexOptions options;
-  options.stopListPath = StopListPath();
+  options.stopListPath = testing::StopListPath();
   options.minDocFrequency = 2;
   options.secondaryMinDocFrequency = 2;
   return options;
@@ -86,22 +85,6 @@ TEST(BuildIndexes, BuildsTheFiveIndexesOfASmallCorpus) {
   EXPECT_EQ(session.Documents().FieldExpressionPattern(), "000000");
 }
 
-TEST(BuildIndexes, KeepsWordsFoundInExactlyHalfTheDocumentsAtTheDefaultMaxDF) {
-  Session session;
-  // "alpha" in 3 of 6 documents (kept), "beta" in 4 (removed), "gamma" in 2 (kept).
-  Fill(session, {{"u", "alpha beta gamma"},
-                 {"u", "alpha beta gamma"},
-                 {"u", "alpha beta"},
-                 {"u", "beta"},
-                 {"u", "delta"},
-                 {"u", "delta"}});
-  IndexOptions options = SmallOptions();
-  const IndexReport report = BuildIndexes(session, options);
-  ASSERT_TRUE(report.indexed) << report.error;
-  EXPECT_EQ(report.maxDocFrequency, 3);
-  EXPECT_EQ(Terms(session.WordIndex()), (Strings{"alpha", "delta", "gamma"}));
-}
-
 TEST(BuildIndexes, DefaultBoundsFollowTheCorpusSize) {
   EXPECT_EQ(DefaultMinDocFrequency(5000), 7);
   EXPECT_EQ(DefaultMinDocFrequency(999), 2);
@@ -118,6 +101,20 @@ TEST(BuildIndexes, DefaultBoundsFollowTheCorpusSize) {
   EXPECT_EQ(report.maxDocFrequency, 2);
   EXPECT_EQ(report.minDocFrequency, 2);
   EXPECT_EQ(Terms(session.WordIndex()), Strings{"beta"});
+
+  // Words found in exactly half the documents are kept: "alpha" in 3 of 6 (kept), "beta" in 4
+  // (removed), "gamma" in 2 (kept).
+  Session six;
+  Fill(six, {{"u", "alpha beta gamma"},
+             {"u", "alpha beta gamma"},
+             {"u", "alpha beta"},
+             {"u", "beta"},
+             {"u", "delta"},
+             {"u", "delta"}});
+  const IndexReport half = BuildIndexes(six, SmallOptions());
+  ASSERT_TRUE(half.indexed) << half.error;
+  EXPECT_EQ(half.maxDocFrequency, 3);
+  EXPECT_EQ(Terms(six.WordIndex()), (Strings{"alpha", "delta", "gamma"}));
 }
 
 struct OptionCase {
@@ -175,32 +172,6 @@ TEST(BuildIndexes, TheWordIndexMayCoverFewerDocumentsAndMoreFields) {
   EXPECT_EQ(session.WordIndex().TermIndex("ann"), -1);
   EXPECT_EQ(session.WordIndex().TermIndex("harbour"), -1);
   EXPECT_GT(session.WordIndex().TermIndex("storm"), 0);
-}
-
-TEST(BuildIndexes, WritesTheIndexingLogOfTheWordIndex) {
-  Session session;
-  Fill(session, kTweets);
-  const IndexReport report = BuildIndexes(session, SmallOptions());
-  ASSERT_TRUE(report.indexed);
-  const std::string& log = report.log;
-  EXPECT_TRUE(log.starts_with("Assigning text for processing...[Completed in ")) << log;
-  EXPECT_NE(log.find(" s]\r\nPre-processing input text... [Completed in "), std::string::npos);
-  EXPECT_NE(log.find("Building vocabulary..."), std::string::npos);
-  EXPECT_NE(log.find(" index terms retained [Completed in "), std::string::npos);
-  EXPECT_NE(log.find("Counting Term-Doc occurrences...Terms retained within DF bounds = 1 "
-                     "[Completed in "),
-            std::string::npos)
-      << log;
-  EXPECT_NE(log.find(" s\r\nAll done! [20"), std::string::npos) << log;
-  EXPECT_TRUE(log.ends_with("]\r\n"));
-
-  Strings stages;
-  for (const StageTiming& stage : report.stages) stages.push_back(stage.stage);
-  EXPECT_EQ(stages.size(), 5u + 4 * 4);
-  EXPECT_EQ(stages.front(), "words: assign");
-  EXPECT_EQ(stages[4], "words: tf-idf");
-  EXPECT_EQ(stages[5], "links: assign");
-  EXPECT_EQ(stages.back(), "users: counts");
 }
 
 TEST(BuildIndexes, AMissingStopListStopsTheRunAndKeepsTheSessionsIndexes) {
@@ -263,107 +234,6 @@ TEST(TermsByDocumentFrequency, OrdersByFallingFrequencyThenTermNumber) {
   EXPECT_EQ(TermsByDocumentFrequency(words, 10), (std::vector<std::int32_t>{2, 3, 1, 4}));
   EXPECT_EQ(TermsByDocumentFrequency(words, 2), (std::vector<std::int32_t>{2, 3}));
   EXPECT_TRUE(TermsByDocumentFrequency(words, 0).empty());
-}
-
-// The bundled sample through load and indexing: indexes a reader of the corpus recognises.
-class SampleIndexes : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    session_ = new Session;
-    testing::RecordingNotifier notifier;
-    LoadOptions load;
-    load.path = (testing::SourceDir() / "data" / "sample_twitter11.txt").string();
-    ASSERT_TRUE(LoadCorpus(*session_, load, notifier).loaded);
-    IndexOptions options;
-    options.stopListPath = StopListPath();
-    report_ = new IndexReport(BuildIndexes(*session_, options));
-  }
-  static void TearDownTestSuite() {
-    delete session_;
-    delete report_;
-  }
-  static Session* session_;
-  static IndexReport* report_;
-};
-
-Session* SampleIndexes::session_ = nullptr;
-IndexReport* SampleIndexes::report_ = nullptr;
-
-TEST_F(SampleIndexes, UsesTheDefaultBounds) {
-  ASSERT_TRUE(report_->indexed) << report_->error;
-  EXPECT_EQ(report_->minDocFrequency, 7);
-  EXPECT_EQ(report_->maxDocFrequency, 2500);
-  EXPECT_EQ(report_->wordDocuments, 5000);
-}
-
-TEST_F(SampleIndexes, WordsAreTheStorysStemmedVocabularyWithoutStopWords) {
-  const TermDocumentMatrix& words = session_->WordIndex();
-  EXPECT_GT(words.TermCount(), 300);
-  EXPECT_TRUE(words.IsStemmed());
-  EXPECT_TRUE(words.WeightsApplied());
-  for (const char* word : {"storm", "power", "marisol", "harbour", "flooding", "outages"}) {
-    EXPECT_GT(words.TermIndex(word), 0) << word;
-  }
-  for (const char* stop : {"the", "and", "about", "with"}) {
-    EXPECT_EQ(words.TermIndex(stop), -1) << stop;
-  }
-  for (std::int32_t t = 1; t <= words.TermCount(); ++t) {
-    const std::string& term = words.Term(t);
-    EXPECT_GE(words.DocFreq(t), 7) << term;
-    EXPECT_LE(words.DocFreq(t), 2500) << term;
-    EXPECT_LE(term.size(), 15u) << term;
-    for (const char c : term) EXPECT_FALSE(std::isdigit(static_cast<unsigned char>(c))) << term;
-  }
-  // The most frequent word of a storm corpus is about the storm.
-  const auto top = TermsByDocumentFrequency(words, 10);
-  Strings topTerms;
-  for (const std::int32_t t : top) topTerms.push_back(words.Term(t));
-  EXPECT_NE(std::find(topTerms.begin(), topTerms.end(), "power"), topTerms.end());
-  EXPECT_NE(std::find(topTerms.begin(), topTerms.end(), "marisol"), topTerms.end());
-}
-
-TEST_F(SampleIndexes, SecondaryIndexesHoldWholeTagsLinksMentionsAndUsers) {
-  const TermDocumentMatrix& tags = session_->HashtagIndex();
-  EXPECT_GT(tags.TermIndex("marisol"), 0);
-  EXPECT_GT(tags.TermIndex("wrennaoutage"), 0);
-  for (std::int32_t t = 1; t <= tags.TermCount(); ++t) {
-    for (const char c : tags.Term(t)) EXPECT_TRUE(std::islower(static_cast<unsigned char>(c)));
-    EXPECT_GE(tags.DocFreq(t), 2);
-  }
-  const TermDocumentMatrix& links = session_->LinkIndex();
-  EXPECT_GT(links.TermCount(), 20);
-  for (std::int32_t t = 1; t <= links.TermCount(); ++t) {
-    EXPECT_TRUE(links.Term(t).starts_with("http://")) << links.Term(t);
-    EXPECT_EQ(links.Term(t).find("https"), std::string::npos) << links.Term(t);
-  }
-  const TermDocumentMatrix& mentions = session_->MentionIndex();
-  EXPECT_GT(mentions.TermCount(), 20);
-  const TermDocumentMatrix& users = session_->UserIndex();
-  EXPECT_GT(users.TermCount(), 100);
-  // A user's document frequency is the number of tweets the corpus has from that user.
-  const DocumentSet& documents = session_->Documents();
-  const std::int32_t topUser = TermsByDocumentFrequency(users, 1)[0];
-  DocIndex tweets = 0;
-  for (DocIndex d = 0; d < documents.DocumentCount(); ++d) {
-    tweets += documents.Text(d, documents.AuthorField()) == users.Term(topUser);
-  }
-  EXPECT_EQ(users.DocFreq(topUser), tweets);
-  EXPECT_GT(tweets, 50);
-}
-
-TEST_F(SampleIndexes, TheWordMatrixMatchesTheTermStatistics) {
-  const TermDocumentMatrix& words = session_->WordIndex();
-  const SparseMatrixSingle& matrix = words.Matrix();
-  ASSERT_EQ(matrix.ColCount(), 5000);
-  ASSERT_EQ(matrix.RowCount(), words.TermCount());
-  std::vector<std::int32_t> docFreq(static_cast<std::size_t>(words.TermCount()) + 1, 0);
-  for (std::int32_t d = 1; d <= matrix.ColCount(); ++d) {
-    for (const std::int32_t t : matrix.Vector(d)->ElementIndexes())
-      ++docFreq[static_cast<std::size_t>(t)];
-  }
-  for (std::int32_t t = 1; t <= words.TermCount(); ++t) {
-    ASSERT_EQ(docFreq[static_cast<std::size_t>(t)], words.DocFreq(t)) << words.Term(t);
-  }
 }
 
 }  // namespace

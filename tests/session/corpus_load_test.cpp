@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <tuple>
+
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -205,25 +207,24 @@ TEST_F(CorpusLoad, RadianExportUsesItsOwnColumns) {
   EXPECT_EQ(session_.Corpus().sentimentNegativeField, 21);
 }
 
-TEST_F(CorpusLoad, NarrowRadianFileIsRefused) {
-  const LoadReport report =
-      Load("A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true);
-  EXPECT_FALSE(report.loaded);
-  EXPECT_NE(report.error.find("22 columns"), std::string::npos);
-  EXPECT_EQ(session_.Documents().DocumentCount(), 0);
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  EXPECT_EQ(notifier_.Messages()[0].title, "Load Error");
-}
-
+// A file the loader refuses shows the load error box and gives the reason.
 TEST_F(CorpusLoad, FailedLoadShowsTheLoadErrorAndGivesTheReason) {
-  const LoadReport report = Load("only one line of text here\n");
-  EXPECT_FALSE(report.loaded);
-  EXPECT_NE(report.error.find("at least 2"), std::string::npos);
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  const auto& message = notifier_.Messages()[0];
-  EXPECT_EQ(message.text, "There was an error loading " + (dir_.Path() / "corpus.txt").string());
-  EXPECT_EQ(message.title, "Load Error");
-  EXPECT_EQ(message.icon, MessageIcon::kCritical);
+  const std::tuple<std::string, bool, std::string> cases[] = {
+      {"only one line of text here\n", false, "at least 2"},
+      {"A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true, "22 columns"},
+  };
+  for (const auto& [content, radian, reason] : cases) {
+    notifier_ = RecordingNotifier();
+    const LoadReport report = Load(content, radian);
+    EXPECT_FALSE(report.loaded);
+    EXPECT_NE(report.error.find(reason), std::string::npos) << report.error;
+    EXPECT_EQ(session_.Documents().DocumentCount(), 0);
+    ASSERT_EQ(notifier_.Messages().size(), 1u);
+    const auto& message = notifier_.Messages()[0];
+    EXPECT_EQ(message.text, "There was an error loading " + (dir_.Path() / "corpus.txt").string());
+    EXPECT_EQ(message.title, "Load Error");
+    EXPECT_EQ(message.icon, MessageIcon::kCritical);
+  }
 }
 
 TEST_F(CorpusLoad, MissingFileAndBadUnitAreRefusedQuietly) {

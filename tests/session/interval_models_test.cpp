@@ -5,10 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
+#include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -19,49 +18,12 @@ using testing::RecordedMessage;
 using testing::RecordingNotifier;
 using testing::TempDir;
 
-struct Tweet {
-  int hour = 0;  // hours after 2013-09-02 00:00 (UTC)
-  std::string text;
-  std::string pos = "2";
-  std::string neg = "-1";
-  std::string user = "ann";
-};
-
-// One line of the sixteen-column export.
-std::string Line(const Tweet& t) {
-  const int day = 2 + t.hour / 24;
-  char date[64];
-  std::snprintf(date, sizeof date, "Mon Sep %02d %02d:00:00 +0000 2013", day, t.hour % 24);
-  std::string line;
-  for (const std::string& cell :
-       {std::string(date), t.user, t.text, std::string("123"), "Real " + t.user, std::string("10"),
-        std::string("20"), std::string("0"), std::string("UTC"), std::string(""), std::string("99"),
-        std::string("0"), std::string(""), t.pos, t.neg, std::string("1")}) {
-    line += (line.empty() ? "" : "\t") + cell;
-  }
-  return line + "\n";
-}
+using testing::Tweet;
 
 class IntervalModels : public ::testing::Test {
  protected:
   // Loads and indexes the tweets (every term kept).
-  void Prepare(const std::vector<Tweet>& tweets) {
-    std::string content;
-    for (const Tweet& t : tweets) content += Line(t);
-    LoadOptions load;
-    load.path = dir_.WriteFile("corpus.txt", content);
-    load.minDocLen = 0;
-    RecordingNotifier quiet;
-    const LoadReport loaded = LoadCorpus(session_, load, quiet);
-    ASSERT_TRUE(loaded.loaded) << loaded.error;
-    IndexOptions index;
-    index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
-    index.minDocFrequency = 1;
-    index.maxDocFrequency = 1e9;
-    index.secondaryMinDocFrequency = 1;
-    const IndexReport indexed = BuildIndexes(session_, index);
-    ASSERT_TRUE(indexed.indexed) << indexed.error;
-  }
+  void Prepare(const std::vector<Tweet>& tweets) { testing::LoadAndIndex(session_, dir_, tweets); }
 
   ModelReport Build(const std::string& length, const ModelOptions& base = {}) {
     ModelOptions options = base;
@@ -132,16 +94,23 @@ TEST_F(IntervalModels, IndexingAgainDropsTheModels) {
   Prepare(EveryTwoHours());
   ASSERT_TRUE(Build("4").built);
   IndexOptions index;
-  index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+  index.stopListPath = testing::StopListPath();
   index.minDocFrequency = 1;
   index.maxDocFrequency = 1e9;
   ASSERT_TRUE(BuildIndexes(session_, index).indexed);
   EXPECT_FALSE(session_.ModelsBuilt());
   for (const IndexKind kind : kIndexKinds) EXPECT_EQ(session_.Model(kind).IntervalCount(), 0);
   EXPECT_EQ(session_.IntervalLength(), 0);
+  // Clearing the indexes clears them too.
+  ASSERT_TRUE(Build("4").built);
+  session_.ClearIndexes();
+  EXPECT_FALSE(session_.ModelsBuilt());
+  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
 }
 
 TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
+  EXPECT_FALSE(Build("4").built);  // nothing to model before indexing, and nothing said
+  EXPECT_TRUE(Messages().empty());
   Prepare(EveryTwoHours());
   ASSERT_TRUE(Build("4").built);
   for (const std::string length : {"0", "-5", "abc", "", "0.4", "  -1"}) {
@@ -160,6 +129,9 @@ TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
   // A leading number is enough, and halves round to even.
   EXPECT_EQ(Build("4 hours").intervalLength, 4);
   EXPECT_EQ(Build("2.5").intervalLength, 2);
+  ModelOptions fortnights;
+  fortnights.unitCode = "fortnight";
+  EXPECT_NE(Build("4", fortnights).error.find("fortnight"), std::string::npos);
 }
 
 TEST_F(IntervalModels, ALengthGivingFewerThanTwoIntervalsStops) {
@@ -176,19 +148,15 @@ TEST_F(IntervalModels, ALengthGivingFewerThanTwoIntervalsStops) {
   EXPECT_FALSE(session_.ModelsBuilt());
 }
 
-TEST_F(IntervalModels, TwoIntervalsGoOnAfterTheQuestion) {
-  Prepare({{0, "storm"}, {10, "storm"}, {48, "storm"}});
-  const ModelReport report = Build("24");  // 48 / 24 = 2
-  ASSERT_TRUE(report.built) << report.error;
+TEST_F(IntervalModels, FewIntervalsAskFirstAndCancelKeepsTheOldModels) {
+  Prepare(EveryTwoHours());
+  ASSERT_TRUE(Build("4").built);
+  const ModelReport few = Build("24");  // 48 / 24 = 2: goes on after the question
+  ASSERT_TRUE(few.built) << few.error;
   ASSERT_EQ(Messages().size(), 1u);
   EXPECT_TRUE(Messages()[0].question);
   EXPECT_EQ(Messages()[0].text, "Model will have fewer than 10 intervals. Proceed anyway?");
-  EXPECT_EQ(Messages()[0].title, "Interval length warning");
-  EXPECT_EQ(report.intervalCount, 3);
-}
-
-TEST_F(IntervalModels, CancellingTheFewIntervalsQuestionKeepsTheOldModels) {
-  Prepare(EveryTwoHours());
+  EXPECT_EQ(few.intervalCount, 3);
   ASSERT_TRUE(Build("4").built);
   notifier_.QueueAnswer(Answer::kCancel);
   const ModelReport report = Build("12");  // 48 / 12 = 4 intervals
@@ -262,22 +230,6 @@ TEST_F(IntervalModels, ACorpusWithoutSentimentStillBuilds) {
   EXPECT_EQ(session_.WordModel().SIFM().Vector(1)->NZElementCount(), 0);
 }
 
-TEST_F(IntervalModels, NothingToModelBeforeIndexing) {
-  const ModelReport report = Build("4");
-  EXPECT_FALSE(report.built);
-  EXPECT_FALSE(report.error.empty());
-  EXPECT_TRUE(Messages().empty());
-}
-
-TEST_F(IntervalModels, AnUnknownUnitIsRefused) {
-  Prepare(EveryTwoHours());
-  ModelOptions options;
-  options.unitCode = "fortnight";
-  const ModelReport report = Build("4", options);
-  EXPECT_FALSE(report.built);
-  EXPECT_NE(report.error.find("fortnight"), std::string::npos);
-}
-
 TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
   Prepare(EveryTwoHours());
   ModelOptions options;
@@ -292,15 +244,6 @@ TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
   EXPECT_TRUE(report.cancelled);
   EXPECT_FALSE(session_.ModelsBuilt());
   EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
-}
-
-TEST_F(IntervalModels, ClearingTheIndexesClearsTheModels) {
-  Prepare(EveryTwoHours());
-  ASSERT_TRUE(Build("4").built);
-  session_.ClearIndexes();
-  EXPECT_FALSE(session_.ModelsBuilt());
-  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
-  EXPECT_EQ(session_.IntervalLength(), 0);
 }
 
 // A words model whose intervals hold the given numbers of distinct terms.

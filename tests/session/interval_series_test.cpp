@@ -16,6 +16,7 @@
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "session/interval_models.h"
+#include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -25,52 +26,15 @@ namespace {
 using testing::RecordingNotifier;
 using testing::TempDir;
 
-struct Tweet {
-  int hour = 0;  // hours after 2013-09-02 00:00 (UTC)
-  std::string text;
-  std::string pos = "2";
-  std::string neg = "-1";
-  int minute = 0;
-};
-
-// One line of the sixteen-column export.
-std::string Line(const Tweet& t) {
-  const int day = 2 + t.hour / 24;
-  char date[64];
-  std::snprintf(date, sizeof date, "Mon Sep %02d %02d:%02d:00 +0000 2013", day, t.hour % 24,
-                t.minute);
-  std::string line;
-  for (const std::string& cell :
-       {std::string(date), std::string("ann"), t.text, std::string("123"), std::string("Ann"),
-        std::string("10"), std::string("20"), std::string("0"), std::string("UTC"), std::string(""),
-        std::string("99"), std::string("0"), std::string(""), t.pos, t.neg, std::string("1")}) {
-    line += (line.empty() ? "" : "\t") + cell;
-  }
-  return line + "\n";
-}
-
-std::string StopList() { return (testing::SourceDir() / "data" / "common_words.txt").string(); }
+using testing::Tweet;
 
 class IntervalSeriesTest : public ::testing::Test {
  protected:
   // Loads, indexes (every term kept) and builds the models with `length` hours.
   void Build(const std::vector<Tweet>& tweets, const std::string& length,
              const std::vector<TimelineEvent>& events = {}) {
-    std::string content;
-    for (const Tweet& t : tweets) content += Line(t);
-    LoadOptions load;
-    load.path = dir_.WriteFile("corpus.txt", content);
-    load.minDocLen = 0;
+    testing::LoadAndIndex(session_, dir_, tweets);
     RecordingNotifier quiet;
-    const LoadReport loaded = LoadCorpus(session_, load, quiet);
-    ASSERT_TRUE(loaded.loaded) << loaded.error;
-    IndexOptions index;
-    index.stopListPath = StopList();
-    index.minDocFrequency = 1;
-    index.maxDocFrequency = 1e9;
-    index.secondaryMinDocFrequency = 1;
-    const IndexReport indexed = BuildIndexes(session_, index);
-    ASSERT_TRUE(indexed.indexed) << indexed.error;
     ModelOptions options;
     options.intervalLength = length;
     options.events = events;
@@ -117,6 +81,11 @@ TEST_F(IntervalSeriesTest, OneRowPerIntervalWithCountsAndStarts) {
   }
   EXPECT_FLOAT_EQ(series.rows[0].linkRatio, 0.0f);
   EXPECT_FLOAT_EQ(series.rows[1].linkRatio, 0.5f);
+  // A second run over the same models gives the same rows (the caches answer the same).
+  std::ostringstream first, second;
+  WriteIntervalSeriesCsv(first, series.rows);
+  WriteIntervalSeriesCsv(second, Series().rows);
+  EXPECT_EQ(first.str(), second.str());
 }
 
 TEST_F(IntervalSeriesTest, NoveltyFollowsTheWindow) {
@@ -161,9 +130,9 @@ TEST_F(IntervalSeriesTest, HomogeneityAsTheChartComputesIt) {
   // document with its successor only: 0. The hover text's every-pair mean is not 0.
   // Interval 1: every pair, and a pair sharing everything.
   Build({{0, "storm harbour"},
-         {0, "storm harbour", "2", "-1", 30},
+         {0, "storm harbour", "2", "-1", "ann", 30},
          {2, "power outage"},
-         {2, "flood river", "2", "-1", 20},
+         {2, "flood river", "2", "-1", "ann", 20},
          {3, "power outage"},
          {4, "storm"}},
         "2");
@@ -291,15 +260,6 @@ TEST(IntervalSeriesCsv, FieldsAreQuotedOnlyWhenNeeded) {
   for (const auto& [text, expected] : cases) EXPECT_EQ(CsvField(text), expected) << text;
 }
 
-TEST(IntervalSeriesCsv, ScoreTexts) {
-  EXPECT_EQ(ScoreText(0.0f), "0");
-  EXPECT_EQ(ScoreText(0.1f), "0.1");
-  EXPECT_EQ(ScoreText(-2.5f), "-2.5");
-  EXPECT_EQ(ScoreText(std::numeric_limits<float>::infinity()), "inf");
-  EXPECT_EQ(ScoreText(-std::numeric_limits<float>::infinity()), "-inf");
-  EXPECT_EQ(ScoreText(std::numeric_limits<float>::quiet_NaN()), "nan");
-}
-
 TEST(IntervalSeriesCsv, FileWrittenAndFailureReported) {
   TempDir dir;
   IntervalSeriesRow row;
@@ -314,65 +274,6 @@ TEST(IntervalSeriesCsv, FileWrittenAndFailureReported) {
   const std::string bad = (dir.Path() / "missing" / "series.csv").string();
   EXPECT_FALSE(WriteIntervalSeriesCsvFile(bad, {row}, error));
   EXPECT_NE(error.find("missing"), std::string::npos) << error;
-}
-
-TEST(IntervalSeriesSample, TheBundledCorpusByDay) {
-  Session session;
-  RecordingNotifier notifier;
-  LoadOptions load;
-  load.path = (testing::SourceDir() / "data" / "sample_twitter11.txt").string();
-  ASSERT_TRUE(LoadCorpus(session, load, notifier).loaded);
-  IndexOptions index;
-  index.stopListPath = StopList();
-  ASSERT_TRUE(BuildIndexes(session, index).indexed);
-  ModelOptions options;
-  options.intervalLength = "24";
-  ASSERT_TRUE(BuildModels(session, options, notifier).built);
-  IntervalSeries series;
-  ASSERT_TRUE(ComputeIntervalSeries(session, 1, TextStream::kRatioBurst, series));
-  const TextStream& words = session.WordModel();
-  ASSERT_EQ(static_cast<std::int32_t>(series.rows.size()), words.IntervalCount());
-  ASSERT_GE(series.rows.size(), 17u);  // 2-19 September
-  std::int64_t documents = 0;
-  std::int32_t largest = 0;
-  for (const IntervalSeriesRow& row : series.rows) {
-    SCOPED_TRACE(row.interval);
-    documents += row.documents;
-    largest = std::max(largest, row.documents);
-    EXPECT_GE(row.homogeneity, 0.0f);
-    EXPECT_LE(row.homogeneity, 1.0f);
-    EXPECT_GE(row.novelty, 0.0f);
-    EXPECT_LE(row.novelty, 1.0f);
-    EXPECT_LE(row.documentsWithLinks, row.documents);
-    if (row.documents > 0) {
-      EXPECT_FLOAT_EQ(
-          row.linkRatio,
-          static_cast<float>(static_cast<double>(row.documentsWithLinks) / row.documents));
-      EXPECT_EQ(row.bursts.size(), kSeriesBurstTerms);
-      EXPECT_GT(row.positiveMean, 0.0f);
-      EXPECT_GT(row.negativeMean, 0.0f);
-    }
-  }
-  EXPECT_EQ(documents, session.Documents().DocumentCount());
-  EXPECT_EQ(series.maxIntervalDocCount, largest);
-  EXPECT_EQ(series.rows[0].start.substr(0, 10), "2013-09-02");
-  // The storm's bursts: the busiest day holds several times the quietest day's tweets.
-  const auto [quiet, busy] =
-      std::minmax_element(series.rows.begin(), series.rows.end(),
-                          [](const IntervalSeriesRow& a, const IntervalSeriesRow& b) {
-                            return a.documents < b.documents;
-                          });
-  EXPECT_GT(busy->documents, 2 * quiet->documents);
-  // A second run over the same models gives the same rows (the caches answer the same).
-  IntervalSeries again;
-  ASSERT_TRUE(ComputeIntervalSeries(session, 1, TextStream::kRatioBurst, again));
-  std::ostringstream first, second;
-  WriteIntervalSeriesCsv(first, series.rows);
-  WriteIntervalSeriesCsv(second, again.rows);
-  EXPECT_EQ(first.str(), second.str());
-  const std::string text = first.str();
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'),
-            static_cast<std::ptrdiff_t>(series.rows.size()) + 1);
 }
 
 }  // namespace

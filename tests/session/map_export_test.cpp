@@ -83,14 +83,5 @@ TEST(MapExportTest, WritesThreeFilesBesideThePrefix) {
   EXPECT_EQ(ReadFile(prefix + ".graphml"), MapGraphMl(map));
 }
 
-TEST(MapExportTest, UnwritablePrefixFailsWithTheFileName) {
-  TempDir dir;
-  const ClusterMap map = SmallMap(dir);
-  std::string error;
-  const std::string prefix = (dir.Path() / "missing" / "map").string();
-  EXPECT_FALSE(WriteMapFiles(map, prefix, error));
-  EXPECT_NE(error.find(prefix + "_nodes.csv"), std::string::npos) << error;
-}
-
 }  // namespace
 }  // namespace sylvora

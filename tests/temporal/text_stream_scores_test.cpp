@@ -50,12 +50,6 @@ TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
   EXPECT_FLOAT_EQ(s.RatioBurstScore(cc, 1), 0.0f);
 }
 
-TEST(BurstScores, ATermInEveryDocumentScoresLn101) {
-  StreamCorpus c = Built({{0, "aa bb"}, {10, "aa"}});
-  EXPECT_FLOAT_EQ(c.stream->RatioBurstScore(c.Term("aa"), 1), static_cast<float>(std::log(101.0)));
-  EXPECT_FLOAT_EQ(c.stream->RatioBurstScore(c.Term("aa"), 2), static_cast<float>(std::log(101.0)));
-}
-
 TEST(BurstScores, TemporalRatioComparesWithThePreviousInterval) {
   StreamCorpus c = Built(FourIntervals());
   TextStream& s = *c.stream;
@@ -181,6 +175,8 @@ TEST(Homogeneity, IsTheMeanCosineOfTheSampledPairs) {
   EXPECT_EQ(s.IntervalHomogScore(0, 1), 0.0f);
   EXPECT_THROW(s.IntervalHomogScore(4, 1), RangeError);
   EXPECT_THROW(s.IntervalHomogScore(-1, 1), RangeError);
+  // "x" is too short to be a term: against its empty column the cosine is -1.
+  EXPECT_EQ(Built({{0, "aa"}, {1, "x"}, {10, "aa"}}).stream->IntervalHomogScore(1, 1), -1.0f);
 }
 
 TEST(Homogeneity, TheSampleStepThinsTheInnerLoop) {
@@ -195,13 +191,6 @@ TEST(Homogeneity, TheSampleStepThinsTheInnerLoop) {
   StreamCorpus second = Built(docs);
   // Step 2: (0,1), (0,3), (1,2), (2,3): all 0.
   EXPECT_EQ(second.stream->IntervalHomogScore(1, 2), 0.0f);
-}
-
-TEST(Homogeneity, ADocumentWithoutTermsCountsMinusOne) {
-  // "x" is too short to be a term: the second document has an empty column, and the cosine
-  // against an empty column is -1.
-  StreamCorpus c = Built({{0, "aa"}, {1, "x"}, {10, "aa"}});
-  EXPECT_EQ(c.stream->IntervalHomogScore(1, 1), -1.0f);
 }
 
 TEST(Homogeneity, TheCacheKeepsTheFirstResultUntilTheNextBuild) {
@@ -327,9 +316,7 @@ TEST(Sentiment, ACorpusWithoutSentimentKeepsAZeroModel) {
       EXPECT_EQ(s.IntervalSentimentMean(i, valence), 0.0f);
     }
   }
-}
-
-TEST(Sentiment, AnUnbuiltModelHasNoSentiment) {
+  // Before the interval model is built: sized by strength, no intervals.
   StreamCorpus c = MakeStreamCorpus(SentimentDocs());
   c.stream->BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
   EXPECT_EQ(c.stream->SIFM().RowCount(), 10);
