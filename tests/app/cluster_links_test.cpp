@@ -7,6 +7,7 @@
 
 #include "app/cluster_links.h"
 #include "app/map_view_history.h"
+#include "support/qt_test_main.h"
 
 using namespace sylvora;
 using app::BestTwoTerms;
@@ -137,5 +138,5 @@ class ClusterLinksTest : public QObject {
   }
 };
 
-QTEST_MAIN(ClusterLinksTest)
+SYLVORA_QT_TEST_MAIN(ClusterLinksTest)
 #include "cluster_links_test.moc"
