@@ -138,6 +138,12 @@ class ClusterFailureTest : public QObject {
     }
     QVERIFY2(empty > 0 || single > 0, "the sample has no sparse hour");
     QVERIFY(f.platform.boxes.isEmpty());
+    // Out of range: nothing happens.
+    const qsizetype before = finished.size();
+    page.ISVis_OnNodeClick(-1);
+    page.ISVis_OnNodeClick(session.WordModel().IntervalCount());
+    QVERIFY(WaitClusterIdle(f));
+    QCOMPARE(finished.size(), before);
   }
 };
 

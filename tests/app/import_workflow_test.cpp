@@ -162,6 +162,10 @@ class ImportWorkflowTest : public QObject {
     QVERIFY(f.Load(f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->text()));
     QCOMPARE(f.Window().windowTitle(),
              app::BaseCaption() + QStringLiteral(" [sample_twitter_v2.jsonl, 5000 tweets loaded]"));
+    // A cancelled dialog keeps the path and starts from it.
+    f.Page().GetCorpusFilePath_Click();
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->text(), kJsonSample);
+    QCOMPARE(f.platform.dialogStartNames.last(), kJsonSample);
   }
 
   void MappingDialogOpensWhenColumnsAreNotFoundAndItsChoiceLoads() {

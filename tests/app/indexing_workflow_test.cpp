@@ -1,4 +1,4 @@
-// "Create Tweet Indexes": status and log texts, tab captions, the term lists with their
+// "Create Tweet Indexes": status texts, tab captions, the term lists with their
 // sorting rule and link opening, bad options, a vanished stop list and cancelling.
 #include <QFile>
 #include <QHeaderView>
@@ -8,6 +8,8 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+
+#include <tuple>
 
 #include "app/job_runner.h"
 #include "app/term_list_model.h"
@@ -181,31 +183,27 @@ class IndexingWorkflowTest : public QObject {
     QCOMPARE(f.platform.links.size(), 1);
   }
 
-  void BoxesThatHoldNoNumberSaySo_data() {
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<int>("arrayIndex");
-    QTest::addColumn<QString>("label");
-    QTest::newRow("Min DF") << QStringLiteral("DF") << 0 << QStringLiteral("Min DF");
-    QTest::newRow("Max DF") << QStringLiteral("DF") << 1 << QStringLiteral("Max DF (%)");
-    QTest::newRow("Min Chars") << QStringLiteral("MinChars") << 0 << QStringLiteral("Min Chars");
-    QTest::newRow("Max # Docs") << QStringLiteral("MaxDocCount") << 0
-                                << QStringLiteral("Max # Docs");
-    QTest::newRow("SecDF") << QStringLiteral("SecDF") << 0
-                           << QStringLiteral("Min DF (Tags, Links, Users, Mentions)");
-  }
-
+  // Each box that holds no number stops the indexing with a message that names it.
   void BoxesThatHoldNoNumberSaySo() {
-    QFETCH(QString, box);
-    QFETCH(int, arrayIndex);
-    QFETCH(QString, label);
     WindowFixture f;
     QVERIFY(f.Load(kTwitter11));
-    f.platform.boxes.clear();
-    f.Window().findChildren<QLineEdit*>(box)[arrayIndex]->setText(QStringLiteral("lots"));
-    QVERIFY(!f.Page().DoIndex_Click());
-    QVERIFY(!f.Window().Jobs().Busy());
-    QCOMPARE(f.platform.Texts(),
-             QStringList{label + QStringLiteral(" must be a number, not \"lots\".")});
+    const std::tuple<const char*, int, const char*> boxes[] = {
+        {"DF", 0, "Min DF"},
+        {"DF", 1, "Max DF (%)"},
+        {"MinChars", 0, "Min Chars"},
+        {"MaxDocCount", 0, "Max # Docs"},
+        {"SecDF", 0, "Min DF (Tags, Links, Users, Mentions)"}};
+    for (const auto& [name, arrayIndex, label] : boxes) {
+      QLineEdit* box = f.Window().findChildren<QLineEdit*>(QLatin1String(name))[arrayIndex];
+      const QString kept = box->text();
+      box->setText(QStringLiteral("lots"));
+      f.platform.boxes.clear();
+      QVERIFY(!f.Page().DoIndex_Click());
+      QVERIFY(!f.Window().Jobs().Busy());
+      QCOMPARE(f.platform.Texts(), QStringList{QLatin1String(label) +
+                                               QStringLiteral(" must be a number, not \"lots\".")});
+      box->setText(kept);
+    }
     QVERIFY(!f.Window().CurrentSession().Indexed());
   }
 

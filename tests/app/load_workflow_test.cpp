@@ -1,5 +1,5 @@
-// "Load Twitter File": format choice, captions, progress texts, the viewer and its field
-// list, the DF boxes, failures and cancelling.
+// "Load Twitter File": captions, progress texts, the viewer and its field list, the DF boxes,
+// failures and cancelling.
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
@@ -90,22 +90,6 @@ class LoadWorkflowTest : public QObject {
     for (int row = 0; row < fields->count(); ++row) {
       QCOMPARE(fields->item(row)->checkState() == Qt::Checked, row == documents.ContentField());
     }
-  }
-
-  void BrowseNamesTheFileOfTheFinalCaption() {
-    WindowFixture f;
-    f.platform.chosenFiles.push_back(kTwitter11);
-    f.Page().GetCorpusFilePath_Click();
-    QCOMPARE(Box(f, "CorpusFilePath")->text(), kTwitter11);
-    f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
-    QVERIFY(f.Page().LoadCorpus_Click());
-    QVERIFY(f.WaitIdle());
-    QCOMPARE(f.Window().windowTitle(),
-             app::BaseCaption() + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]"));
-    // A cancelled dialog keeps the path.
-    f.Page().GetCorpusFilePath_Click();
-    QCOMPARE(Box(f, "CorpusFilePath")->text(), kTwitter11);
-    QCOMPARE(f.platform.dialogStartNames.last(), kTwitter11);
   }
 
   void ViewerShowsTheExpressedFieldsOfTheChosenDocument() {

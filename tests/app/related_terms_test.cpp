@@ -1,5 +1,5 @@
 // The "Related Words" window on the sample corpus: opened by a double-click in the word list,
-// its heading, rows and formats for both sources, the row clicks and the header sorting.
+// its heading and rows for both sources, the row clicks and the header sorting.
 #include <map>
 
 #include <QHeaderView>

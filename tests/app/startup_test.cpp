@@ -156,16 +156,6 @@ class StartupTest : public QObject {
              app::BaseCaption() + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]"));
   }
 
-  void CommandLineRadianExportTicksTheBox() {
-    WindowOptions options;
-    options.commandLine = DataFile(QStringLiteral("sample_radian6.txt"));
-    WindowFixture f(options);
-    QVERIFY(f.WaitIdle());
-    QVERIFY(f.Find<QCheckBox>(QStringLiteral("Radian"))->isChecked());
-    QVERIFY(f.Window().CurrentSession().Documents().DocumentCount() > 0);
-    QCOMPARE(f.platform.boxes.size(), 1);  // no link offer for Radian 6
-  }
-
   void CommandLineNamingNoFileLoadsNothing() {
     WindowOptions options;
     options.commandLine = QStringLiteral("/no/such/corpus.txt");

@@ -1,7 +1,7 @@
 // The time line explorer on the sample corpus: the build checks at their boundaries, bad
 // options, a cancelled build keeping the previous models, an interval selected everywhere,
-// the interval lists' columns and formats, the message captions of each term kind, the menus'
-// check marks, the event time line, the clipboard texts and the CSV files.
+// the interval lists' figures, the message list of each term kind, the menus' check marks,
+// the event time line, the clipboard texts and the CSV files.
 #include <QAction>
 #include <QComboBox>
 #include <QFile>

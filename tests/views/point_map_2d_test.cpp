@@ -194,7 +194,6 @@ class PointMap2DTest : public QObject {
     window.map->SetHoverNode(1);
     QCOMPARE(window.map->Picture(), picture);  // the overlay only
     const QImage seen = window.Surface()->grab().toImage();
-    testing::MaybeSaveSnapshot(seen, "map_marks");
     QVERIFY(ColourNear(seen, rim0, kYellow, 1));
     // A 2-pixel ring of about 83 pixels' radius around a corner node: a third of it shows.
     const QRectF box0(QPointF(window.At(0)) - QPointF(radius + 3, radius + 3),
@@ -243,7 +242,6 @@ class PointMap2DTest : public QObject {
     window.map->SetHoverNode(-1);
     window.map->RenderView(true, false);
     const QImage& picture = window.map->Picture();
-    testing::MaybeSaveSnapshot(picture, "map_labels");
     const auto labelPixels = [&](int node) {
       const QPointF at = window.map->ToPixels(window.map->NodeX(node), window.map->NodeY(node));
       return CountNearColour(picture, QRectF(at, QSizeF(40, 14)), QColor(200, 0, 200), 40);
@@ -270,7 +268,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(window.map->NodeVisible(3));
     QVERIFY(!window.map->NodeVisible(4));
     const QImage& picture = window.map->Picture();
-    testing::MaybeSaveSnapshot(picture, "map_edges");
     QVERIFY(!ColourNear(picture, window.map->ToPixels(4.5f, 5.0f), kLinkGrey, 3));
     QVERIFY(ColourNear(picture, window.map->ToPixels(5.0f, 5.5f), kLinkGrey, 2));
     // A node exactly on the left edge is outside.
@@ -371,7 +368,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(window.map->LassoVisible());
     QCOMPARE(window.map->Picture(), picture);  // the square is on the overlay
     const QImage seen = window.map->Snapshot();
-    testing::MaybeSaveSnapshot(seen, "map_lasso");
     QVERIFY(CountColour(seen, seen.rect(), kRed) > 100);
     QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
     QCOMPARE(ended.count(), 1);

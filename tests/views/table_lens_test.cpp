@@ -39,6 +39,15 @@ SparseMatrixSingle NumberedTable(std::int32_t rows, std::int32_t cols) {
   return table;
 }
 
+// rows x cols, empty but for 3 and 4 in rows 1 and 2 of column 1 (normed: 0.6 and 0.8).
+SparseMatrixSingle ThreeAndFour(std::int32_t rows, std::int32_t cols) {
+  SparseMatrixSingle table;
+  table.Reset(rows, cols);
+  table.SetValue(1, 1, 3.0f);
+  table.SetValue(2, 1, 4.0f);
+  return table;
+}
+
 // A window with a lens filling it, and optional scroll bars.
 struct LensWindow {
   explicit LensWindow(QSize size = QSize(800, 400), bool withBars = false) {
@@ -159,16 +168,12 @@ class TableLensTest : public QObject {
   // Column 1 holds 3 and 4 (magnitude 5) and row 3 is empty: values 0.6, 0.8, 0.
   void tileStyleGreys() {
     LensWindow window(QSize(800, 400));
-    SparseMatrixSingle table;
-    table.Reset(3, 40);
-    table.SetValue(1, 1, 3.0f);
-    table.SetValue(2, 1, 4.0f);
+    const SparseMatrixSingle table = ThreeAndFour(3, 40);
     window.lens->SetNumDataTable(table);
     window.lens->SetVisibleColumns(40);
     window.lens->SetCellStyle(TableLens::kTile);
     QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kTile});
     const QImage& picture = window.lens->Picture();
-    testing::MaybeSaveSnapshot(window.lens->Snapshot(), "lens_tile");
     QCOMPARE(PixelAt(picture, window.CellCentre(1, 1)), QColor(153, 153, 153));
     QCOMPARE(PixelAt(picture, window.CellCentre(2, 1)), QColor(204, 204, 204));
     QCOMPARE(PixelAt(picture, window.CellCentre(3, 1)), kBlack);  // zero is black in Tile
@@ -177,17 +182,13 @@ class TableLensTest : public QObject {
 
   void barStylesFillTheValueShare() {
     LensWindow window(QSize(800, 400));
-    SparseMatrixSingle table;
-    table.Reset(2, 40);
-    table.SetValue(1, 1, 3.0f);  // 0.6 of the column
-    table.SetValue(2, 1, 4.0f);  // 0.8
+    const SparseMatrixSingle table = ThreeAndFour(2, 40);
     window.lens->SetNumDataTable(table);
     window.lens->SetVisibleColumns(40);
 
     window.lens->SetCellStyle(TableLens::kHorizontalBar);
     const QRectF cell = window.lens->CellRect(1, 1);
     QImage picture = window.lens->Picture();
-    testing::MaybeSaveSnapshot(picture, "lens_hbar");
     const double y = cell.center().y();
     QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.3 * cell.width(), y)), kBlack);
     QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.55 * cell.width(), y)), kBlack);
@@ -195,7 +196,6 @@ class TableLensTest : public QObject {
 
     window.lens->SetCellStyle(TableLens::kVerticalBar);
     picture = window.lens->Picture();
-    testing::MaybeSaveSnapshot(picture, "lens_vbar");
     const QRectF cell2 = window.lens->CellRect(2, 1);  // 0.8 from the bottom
     const double x = cell2.center().x();
     QCOMPARE(PixelAt(picture, QPointF(x, cell2.bottom() - 0.7 * cell2.height())), kBlack);
@@ -214,7 +214,6 @@ class TableLensTest : public QObject {
     window.lens->SetCellStyle(TableLens::kLine);
     QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kLine});
     const QImage& picture = window.lens->Picture();
-    testing::MaybeSaveSnapshot(picture, "lens_line");
     // Column 1 is 0: a black segment along the bottom of the row from x 1 to 1.5.
     const QRectF cell = window.lens->CellRect(1, 1);
     QVERIFY(ColourNear(picture, QPointF(cell.left() + 0.25 * cell.width(), cell.bottom()), kBlack));
@@ -230,14 +229,10 @@ class TableLensTest : public QObject {
 
   void textStyleNumbersAndGreyZeros() {
     LensWindow window(QSize(800, 400));
-    SparseMatrixSingle table;
-    table.Reset(2, 3);
-    table.SetValue(1, 1, 3.0f);
-    table.SetValue(2, 1, 4.0f);
+    const SparseMatrixSingle table = ThreeAndFour(2, 3);
     window.lens->SetNumDataTable(table);
     QCOMPARE(window.lens->CellStyle(), std::uint8_t{TableLens::kText});
     const QImage& picture = window.lens->Picture();
-    testing::MaybeSaveSnapshot(picture, "lens_text");
     QVERIFY(DarkestLevel(picture, window.lens->CellRect(1, 1)) < 60);  // black digits
     // Zero cells in grey (150): anti-aliasing only lightens a glyph's edge, so the darkest
     // pixel is near that grey, far from the black digits and the white ground.
@@ -309,7 +304,6 @@ class TableLensTest : public QObject {
     QCOMPARE(window.lens->SlotRow(2), 17);
     QCOMPARE(window.lens->SlotRow(3), 0);
     const QImage& picture = window.lens->Picture();
-    testing::MaybeSaveSnapshot(picture, "lens_filtered");
     QVERIFY(CountColour(picture, window.lens->CellRect(1, 0), kMarkedHeader) > 50);
     QVERIFY(CountColour(picture, window.lens->CellRect(2, 0), kMarkedHeader) > 50);
     QCOMPARE(DarkestLevel(picture, window.lens->CellRect(3, 0)), 255);
@@ -357,7 +351,6 @@ class TableLensTest : public QObject {
     // The cursor is drawn on the overlay only: the grid picture is untouched.
     QCOMPARE(window.lens->Picture(), picture);
     const QImage seen = window.Surface()->grab().toImage();
-    testing::MaybeSaveSnapshot(seen, "lens_cursor");
     const QRectF cell = window.lens->CellRect(4, 2);
     QVERIFY(ColourNear(seen, QPointF(cell.left(), cell.center().y()), kCursor));
     QVERIFY(ColourNear(seen, QPointF(cell.center().x(), cell.bottom()), kCursor));

@@ -96,7 +96,6 @@ class TimeLineChartTest : public QObject {
     At(data, 4).linkRatio = 0.25f;
     const auto chart = OffscreenChart(data);
     const QImage image = chart->Picture();
-    testing::MaybeSaveSnapshot(image, "chart_volume");
     QCOMPARE(PixelAt(image, {150, 50}), kVolume);
     QCOMPARE(PixelAt(image, {150, 150}), kLinks);
     QCOMPARE(PixelAt(image, {250, 50}), kWhite);
@@ -116,7 +115,6 @@ class TimeLineChartTest : public QObject {
     for (std::int32_t i = 2; i <= 4; ++i) At(data, i).novelty = 0.5f;
     const auto chart = OffscreenChart(data);
     const QImage image = chart->Picture();
-    testing::MaybeSaveSnapshot(image, "chart_novelty");
     QCOMPARE(PixelAt(image, {300, 100}), kNovelty);
     QCOMPARE(PixelAt(image, {210, 100}), kNovelty);  // from (W + 1, nov(W + 1))
     QCOMPARE(CountColour(image, QRectF(0, 0, 198, 200), kNovelty), 0);
@@ -147,7 +145,6 @@ class TimeLineChartTest : public QObject {
     const auto chart = OffscreenChart(data);
     QCOMPARE(chart->SentimentAverageChoice(), std::int16_t{TimeLineChart::kMean});
     const QImage mean = chart->Picture();
-    testing::MaybeSaveSnapshot(mean, "chart_sentiment");
     QCOMPARE(PixelAt(mean, {300, 100}), kPositive);   // 2.5 / 5
     QVERIFY(ColourNear(mean, {300, 40}, kNegative));  // 4 / 5
     // Both lines come in from (-1, 0): below their level on the left edge.
@@ -177,7 +174,6 @@ class TimeLineChartTest : public QObject {
     }
     const auto chart = OffscreenChart(data);
     const QImage image = chart->Picture();
-    testing::MaybeSaveSnapshot(image, "chart_homogeneity");
     QCOMPARE(PixelAt(image, {105, 100}), kHomogeneity);  // from (1, hom(1))
     QCOMPARE(PixelAt(image, {300, 100}), kHomogeneity);
     QCOMPARE(CountColour(image, QRectF(0, 0, 98, 200), kHomogeneity), 0);
@@ -196,7 +192,6 @@ class TimeLineChartTest : public QObject {
     At(data, 4).events = QStringLiteral("|Flood|Curfew");
     const auto chart = OffscreenChart(data);
     const QImage image = chart->Picture();
-    testing::MaybeSaveSnapshot(image, "chart_events");
     // (i + 0.3, 1)-(i + 0.6, 0.9): x 230..260 and 430..460, rows 0..20.
     QCOMPARE(PixelAt(image, {245, 10}), kEvent);
     QCOMPARE(PixelAt(image, {445, 10}), kEvent);
@@ -313,7 +308,6 @@ class TimeLineChartTest : public QObject {
     QCOMPARE(hovered.at(0).at(1).toString(), window.chart->ChartDetails(2));
     QCOMPARE(window.Surface()->toolTip(), QStringLiteral("|Landfall"));
     QImage snapshot = window.chart->Snapshot();
-    testing::MaybeSaveSnapshot(snapshot, "chart_hover");
     // Outline (2, 0)-(2.9, 1): pixel columns 200 and 290.
     QCOMPARE(PixelAt(snapshot, {200, 100}), kHover);
     // The persistent picture is untouched.

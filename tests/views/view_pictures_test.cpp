@@ -31,7 +31,6 @@ class ViewPicturesTest : public QObject {
     QVERIFY2(WriteMapPng(map, 120, path, PictureSize{800, 600}, error), error.c_str());
     const QImage picture(QString::fromStdString(path));
     QCOMPARE(picture.size(), QSize(800, 600));
-    testing::MaybeSaveSnapshot(picture, "picture_words");
     // Node positions in pixels: x -1..11 and y -0.8..8.8 over the picture.
     const auto at = [](double x, double y) {
       return QPointF((x + 1) / 12 * 800, (y + 0.8) / 9.6 * 600);

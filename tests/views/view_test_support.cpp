@@ -1,6 +1,5 @@
 #include "view_test_support.h"
 
-#include <QDir>
 #include <QString>
 
 #include <algorithm>
@@ -48,14 +47,6 @@ int DarkestLevel(const QImage& image, const QRectF& rect) {
     darkest = std::min({darkest, c.red(), c.green(), c.blue()});
   });
   return darkest;
-}
-
-void MaybeSaveSnapshot(const QImage& image, const char* name) {
-  const char* folder = std::getenv("SYLVORA_VIEW_SNAPSHOTS");
-  if (folder == nullptr || *folder == '\0') return;
-  QDir().mkpath(QString::fromLocal8Bit(folder));
-  image.save(
-      QStringLiteral("%1/%2.png").arg(QString::fromLocal8Bit(folder), QString::fromLatin1(name)));
 }
 
 std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
