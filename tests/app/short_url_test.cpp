@@ -279,11 +279,13 @@ class ShortUrlTest : public QObject {
     LinkWindow w([](const QString&) { return StubReply{200, {}, 0, true}; });  // never answers
     WindowFixture& f = *w.f;
     const QString& path = w.path;
+    // With a ten-minute limit per link only the cancel can end the wait.
+    f.Page().SetShortUrlTimeLimit(600'000);
     f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
     f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->setText(path);
     f.platform.answers.push_back(Answer::kYes);
     QVERIFY(f.Page().LoadCorpus_Click());
-    QTRY_VERIFY_WITH_TIMEOUT(!w.server.requests.isEmpty(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!w.server.requests.isEmpty(), 60000);
     f.Window().Jobs().Cancel();
     QVERIFY(f.WaitIdle());
     QCOMPARE(f.Page().LoadProgressText(),

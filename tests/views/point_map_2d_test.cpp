@@ -509,7 +509,7 @@ class PointMap2DTest : public QObject {
   void pulseRunsOnTheTimer() {
     StarWindow window;
     window.map->PulseNode(4, 2.0f);
-    QTRY_VERIFY_WITH_TIMEOUT(!window.map->NodeIsPulsing(), 3000);
+    QTRY_VERIFY_WITH_TIMEOUT(!window.map->NodeIsPulsing(), 60000);
   }
 };
 
