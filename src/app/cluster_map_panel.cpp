@@ -109,6 +109,8 @@ void ClusterMapPanel::SetStatus(const QString& text) {
 
 QString ClusterMapPanel::Status() const { return status_->text(); }
 
+void ClusterMapPanel::SetViewRestMs(int milliseconds) { viewRest_->setInterval(milliseconds); }
+
 void ClusterMapPanel::RecordView() {
   viewRest_->stop();
   if (!map_->IsSet()) return;

@@ -62,6 +62,8 @@ class ClusterMapPanel final : public QGroupBox {
   MapViewHistory& History() { return history_; }
   // Records the view now (also what the rest timer does).
   void RecordView();
+  // How long a view must rest before it is recorded (kViewRestMs unless set, as tests do).
+  void SetViewRestMs(int milliseconds);
   // Shows the previous / next recorded view; false when there is none.
   bool Back();
   bool Forward();

@@ -106,7 +106,7 @@ void JobRunner::WaitForIdle() {
 }
 
 bool JobRunner::Report(std::string_view stage, std::int64_t done, std::int64_t total) {
-  const auto now = std::chrono::steady_clock::now();
+  const auto now = clock_();
   const std::lock_guard lock(mutex_);
   const bool newStage = stage != lastStage_;
   if (newStage) lastStage_.assign(stage);

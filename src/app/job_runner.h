@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include <QObject>
 #include <QString>
@@ -59,6 +60,11 @@ class JobRunner final : public QObject {
   // Blocks (with events running) until no job runs; for the screenshot mode and tests.
   void WaitForIdle();
 
+  // The clock that spaces the updates of a stage (steady_clock unless replaced, as tests do to
+  // count updates without depending on the machine's speed); set it while no job runs.
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+  void SetClock(Clock clock) { clock_ = std::move(clock); }
+
  signals:
   void started(const QString& name);
   // Every stage change and a sample of the counts within a stage.
@@ -82,6 +88,7 @@ class JobRunner final : public QObject {
   std::string lastStage_;
   bool updatePosted_ = false;
   std::chrono::steady_clock::time_point lastPost_{};
+  Clock clock_ = [] { return std::chrono::steady_clock::now(); };
 };
 
 }  // namespace sylvora::app

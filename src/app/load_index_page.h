@@ -20,6 +20,7 @@
 #include <QWidget>
 
 #include "app/path_settings.h"
+#include "app/short_url_expander.h"
 #include "common/progress.h"
 #include "session/session.h"
 
@@ -77,6 +78,8 @@ class LoadIndexPage final : public QWidget {
   void SetSettingsFile(const QString& filePath) { settingsFile_ = filePath; }
   // Base address of the link expansion service; empty when none is configured.
   void SetShortUrlService(const QString& address) { shortUrlService_ = address; }
+  // How long each link waits for the service (ShortUrlExpander::kTimeLimitMs unless set).
+  void SetShortUrlTimeLimit(int milliseconds) { shortUrlTimeLimitMs_ = milliseconds; }
   // The unit code of the elapsed-time column ("h" until the time line offers another).
   void SetIntervalUnitCode(const QString& code) { unitCode_ = code; }
   // The caption that the load's captions start from ("Sylvora v1.0.0").
@@ -181,6 +184,7 @@ class LoadIndexPage final : public QWidget {
   PageServices services_;
   QString settingsFile_;
   QString shortUrlService_;
+  int shortUrlTimeLimitMs_ = ShortUrlExpander::kTimeLimitMs;
   QString unitCode_ = QStringLiteral("h");
   QString baseCaption_;
   QString dialogFileName_;

@@ -55,7 +55,7 @@ bool LoadIndexPage::OfferShortLinks(Session& session, LoadReport& report, const 
     return true;
   }
   JobRunner& jobs = services_.jobs;
-  ShortUrlExpander expander(shortUrlService_);
+  ShortUrlExpander expander(shortUrlService_, shortUrlTimeLimitMs_);
   const std::function<bool()> stop = [&jobs] { return jobs.CancelRequested(); };
   const ShortURLReport resolved = ResolveShortURLs(
       session, path,

@@ -2,11 +2,13 @@
 // interval, the visible-word gradient, the slider's tooltip text, and the view history.
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include <QTest>
 
 #include "app/cluster_links.h"
 #include "app/map_view_history.h"
+#include "support/qt_test_main.h"
 
 using namespace sylvora;
 using app::BestTwoTerms;
@@ -51,25 +53,13 @@ class ClusterLinksTest : public QObject {
     QVERIFY(std::abs(weighted[4] - 1.5f) < 1e-6f);
   }
 
-  void TheGradientRoundsHalvesToEven_data() {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("visible");
-    QTest::addColumn<int>("entry");
-    QTest::newRow("all") << 7 << 7 << 9;
-    QTest::newRow("none") << 0 << 7 << 0;
-    QTest::newRow("1 of 2: 4.5 -> 4") << 1 << 2 << 4;
-    QTest::newRow("5 of 6: 7.5 -> 8") << 5 << 6 << 8;
-    QTest::newRow("1 of 6: 1.5 -> 2") << 1 << 6 << 2;
-    QTest::newRow("1 of 3: 3") << 1 << 3 << 3;
-    QTest::newRow("2 of 3: 6") << 2 << 3 << 6;
-    QTest::newRow("1 of 18: 0.5 -> 0") << 1 << 18 << 0;
-    QTest::newRow("3 of 18: 1.5 -> 2") << 3 << 18 << 2;
-  }
+  // "count of visible" words on the 0..9 scale, halves rounded to even.
   void TheGradientRoundsHalvesToEven() {
-    QFETCH(int, count);
-    QFETCH(int, visible);
-    QFETCH(int, entry);
-    QCOMPARE(app::GradientEntry(count, visible), std::int16_t(entry));
+    const std::tuple<int, int, int> cases[] = {{7, 7, 9}, {0, 7, 0}, {1, 2, 4},  {5, 6, 8},
+                                               {1, 6, 2}, {2, 3, 6}, {1, 18, 0}, {3, 18, 2}};
+    for (const auto& [count, visible, entry] : cases) {
+      QCOMPARE(app::GradientEntry(count, visible), std::int16_t(entry));
+    }
   }
 
   void TheGradientRunsFromBlackToGreen() {
@@ -81,20 +71,11 @@ class ClusterLinksTest : public QObject {
     QCOMPARE(map.GetClusterColor(4).red(), 0);
   }
 
-  void TheSliderTipIsAPercentage_data() {
-    QTest::addColumn<int>("value");
-    QTest::addColumn<QString>("tip");
-    QTest::newRow("250") << 250 << QStringLiteral("Doc Freq >= 25%");
-    QTest::newRow("5") << 5 << QStringLiteral("Doc Freq >= 0.5%");
-    QTest::newRow("120") << 120 << QStringLiteral("Doc Freq >= 12%");
-    QTest::newRow("0") << 0 << QStringLiteral("Doc Freq >= 0%");
-    QTest::newRow("3") << 3 << QStringLiteral("Doc Freq >= 0.3%");
-    QTest::newRow("125") << 125 << QStringLiteral("Doc Freq >= 12.5%");
-  }
   void TheSliderTipIsAPercentage() {
-    QFETCH(int, value);
-    QFETCH(QString, tip);
-    QCOMPARE(app::LabelThresholdTip(value), tip);
+    QCOMPARE(app::LabelThresholdTip(250), QStringLiteral("Doc Freq >= 25%"));
+    QCOMPARE(app::LabelThresholdTip(0), QStringLiteral("Doc Freq >= 0%"));
+    QCOMPARE(app::LabelThresholdTip(3), QStringLiteral("Doc Freq >= 0.3%"));
+    QCOMPARE(app::LabelThresholdTip(125), QStringLiteral("Doc Freq >= 12.5%"));
   }
 
   void TheHistoryGoesBackAndForward() {
@@ -137,5 +118,5 @@ class ClusterLinksTest : public QObject {
   }
 };
 
-QTEST_MAIN(ClusterLinksTest)
+SYLVORA_QT_TEST_MAIN(ClusterLinksTest)
 #include "cluster_links_test.moc"

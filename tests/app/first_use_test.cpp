@@ -18,6 +18,7 @@
 #include "app/related_terms.h"
 #include "app/time_line_explorer_page.h"
 #include "app/tweet_list_model.h"
+#include "support/qt_test_main.h"
 #include "views/session_views.h"
 #include "views/table_lens.h"
 #include "window_fixture.h"
@@ -226,5 +227,5 @@ class FirstUseTest : public QObject {
   }
 };
 
-QTEST_MAIN(FirstUseTest)
+SYLVORA_QT_TEST_MAIN(FirstUseTest)
 #include "first_use_test.moc"

@@ -1,6 +1,6 @@
 // "Load Twitter File" with JSON and named-column CSV files: the samples load like the
 // tab-separated one, the "Browse" filter, the column-mapping dialog, bad JSON lines and the
-// offer to skip them, broken and unknown files in the "Load Error" path.
+// offer to skip them, a broken gzip stream in the "Load Error" path.
 #include <zlib.h>
 
 #include <QComboBox>
@@ -8,14 +8,13 @@
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardItemModel>
-#include <QTableView>
 #include <QTest>
 
 #include "app/column_mapping_dialog.h"
+#include "support/qt_test_main.h"
 #include "window_fixture.h"
 
 using namespace sylvora;
@@ -101,64 +100,27 @@ class ImportWorkflowTest : public QObject {
     QTest::newRow("CSV") << kCsvSample << QStringLiteral("named-column CSV");
   }
 
+  // The samples hold the same tweets as the tab-separated one (which the command-line tests
+  // compare index by index); here: the window names the shape and asks nothing.
   void ImportedSamplesLoadLikeTheTabSeparatedOne() {
     QFETCH(QString, path);
     QFETCH(QString, shape);
     WindowFixture f;
-    QVERIFY(f.Load(kTsvSample));
-    const DocumentSet& documents = f.Window().CurrentSession().Documents();
-    const DocIndex tsvCount = documents.DocumentCount();
-    const QString tsvFirst = QString::fromUtf8(documents.Cell(0, 0));
-    const QString tsvLast = QString::fromUtf8(documents.Cell(tsvCount - 1, 0));
-    const QString tsvText = QString::fromUtf8(documents.Cell(0, documents.ContentField()));
-    const QString tsvCaption = f.Window().windowTitle();
-    f.platform.boxes.clear();
-
-    QSignalSpy captions(&f.Page(), &app::LoadIndexPage::captionChanged);
     QSignalSpy progress(&f.Page(), &app::LoadIndexPage::loadProgressChanged);
-    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
     QVERIFY(f.Load(path));
-    QCOMPARE(loaded.size(), 1);
-    QVERIFY(loaded[0][0].toBool());
-    QCOMPARE(documents.DocumentCount(), tsvCount);
-    QCOMPARE(documents.DocumentCount(), 5000);
+    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5000);
     QCOMPARE(f.Window().CurrentSession().Corpus().format, CorpusFormat::kTwitter11);
-    QCOMPARE(QString::fromUtf8(documents.Cell(0, 0)), tsvFirst);
-    QCOMPARE(QString::fromUtf8(documents.Cell(tsvCount - 1, 0)), tsvLast);
-    QCOMPARE(QString::fromUtf8(documents.Cell(0, documents.ContentField())), tsvText);
     // No short-link offer: the platforms give their links expanded. (The CSV sample is oldest
     // first, so the sort by elapsed time gives its notice.)
     QStringList texts = f.platform.Texts();
     texts.removeAll(QStringLiteral("Documents need to be sorted. This might take a moment..."));
     QVERIFY2(texts.isEmpty(), qPrintable(texts.join(u'|')));
-
-    const QString base = app::BaseCaption();
-    QCOMPARE(Strings(captions),
-             (QStringList{base + QStringLiteral(" [5000 tweets loaded]"),
-                          base + QStringLiteral(" [5000 tweets loaded ") + tsvFirst +
-                              QStringLiteral(" to ") + tsvLast + QStringLiteral("]"),
-                          base + QStringLiteral(" [, 5000 tweets loaded]")}));
-    QCOMPARE(f.Window().windowTitle(), tsvCaption);
     QCOMPARE(Strings(progress).first(), QStringLiteral("Loading ") + path + QStringLiteral(" (") +
                                             shape + QStringLiteral(")..."));
     QCOMPARE(f.Page().LoadProgressText(),
              QStringLiteral("Read ") + shape + QStringLiteral("\r\n") + kDoneText);
-
-    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
-    QCOMPARE(df[0]->text(), QStringLiteral("7"));
-    QCOMPARE(df[1]->text(), QStringLiteral("2500"));
-    QCOMPARE(f.Find<QLabel>(QStringLiteral("DocCountLbl"))->text(), QStringLiteral("/5000"));
-    auto* fields = f.Find<QListWidget>(QStringLiteral("FieldList"));
-    QCOMPARE(fields->count(), documents.FieldCount());
-    for (int row = 0; row < fields->count(); ++row) {
-      QCOMPARE(fields->item(row)->text(),
-               QString::fromStdString(documents.FieldName(static_cast<FieldIndex>(row))));
-      QCOMPARE(fields->item(row)->checkState() == Qt::Checked, row == documents.ContentField());
-    }
-    QVERIFY(f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
-    // The tab-separated file keeps its texts afterwards.
-    QVERIFY(f.Load(kTsvSample));
-    QCOMPARE(f.Page().LoadProgressText(), kDoneText);
+    QCOMPARE(f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[1]->text(),
+             QStringLiteral("2500"));
   }
 
   void GzipJsonLinesLoadAndATruncatedStreamIsALoadError() {
@@ -173,11 +135,8 @@ class ImportWorkflowTest : public QObject {
     // No telling extension: found by the content.
     const QString cut =
         Write(f.Folder(), QStringLiteral("cut.dat"), packed.left(packed.size() / 2));
-    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
     f.platform.boxes.clear();
     QVERIFY(f.Load(cut));
-    QCOMPARE(loaded.size(), 1);
-    QVERIFY(!loaded[0][0].toBool());
     QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
     QCOMPARE(Titles(f.platform), QStringList{QStringLiteral("Load Error")});
     const QString text = f.platform.boxes[0].text;
@@ -185,7 +144,6 @@ class ImportWorkflowTest : public QObject {
                              QStringLiteral("\r\n")),
              qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("truncated gzip stream")), qPrintable(text));
-    QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("truncated gzip stream")));
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
   }
 
@@ -194,23 +152,20 @@ class ImportWorkflowTest : public QObject {
     f.platform.chosenFiles.push_back(kJsonSample);
     f.Page().GetCorpusFilePath_Click();
     QCOMPARE(f.platform.dialogFilters.size(), 1);
-    const QString filter = f.platform.dialogFilters[0];
-    QCOMPARE(filter, app::LoadIndexPage::CorpusFileFilter());
-    const QStringList kinds = filter.split(QStringLiteral(";;"));
-    QCOMPARE(kinds.size(), 5);
-    QVERIFY(kinds[1].startsWith(QStringLiteral("Tab-separated text (")));
-    QCOMPARE(kinds[2], QStringLiteral("JSON / JSON lines (*.json *.jsonl *.ndjson *.json.gz "
-                                      "*.jsonl.gz *.ndjson.gz)"));
-    QCOMPARE(kinds[3], QStringLiteral("CSV (*.csv *.csv.gz)"));
-    QCOMPARE(kinds[4], QStringLiteral("All files (*)"));
+    // The first kind offers every readable file at once.
+    const QString kinds = f.platform.dialogFilters[0].section(QStringLiteral(";;"), 0, 0);
     for (const QString& pattern : {QStringLiteral("*.txt"), QStringLiteral("*.jsonl"),
                                    QStringLiteral("*.ndjson.gz"), QStringLiteral("*.csv.gz")}) {
-      QVERIFY(kinds[0].contains(pattern));
+      QVERIFY(kinds.contains(pattern));
     }
     // The chosen JSON file loads from the box and names itself in the last caption.
     QVERIFY(f.Load(f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->text()));
     QCOMPARE(f.Window().windowTitle(),
              app::BaseCaption() + QStringLiteral(" [sample_twitter_v2.jsonl, 5000 tweets loaded]"));
+    // A cancelled dialog keeps the path and starts from it.
+    f.Page().GetCorpusFilePath_Click();
+    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->text(), kJsonSample);
+    QCOMPARE(f.platform.dialogStartNames.last(), kJsonSample);
   }
 
   void MappingDialogOpensWhenColumnsAreNotFoundAndItsChoiceLoads() {
@@ -229,7 +184,6 @@ class ImportWorkflowTest : public QObject {
                  QStringLiteral("The harbour road is closed, say the police"));
         QCOMPARE(model.item(1, 2)->text(),
                  QStringLiteral("Storm \"Marisol\" is coming stay safe #storm"));
-        QCOMPARE(dialog.PreviewTable()->model(), &model);
         // Only "who" is a built-in name (no: "when" and "words" are not).
         QCOMPARE(dialog.ColumnOf(CsvRole::kDateTime), -1);
         QCOMPARE(dialog.ColumnOf(CsvRole::kText), -1);
@@ -278,9 +232,7 @@ class ImportWorkflowTest : public QObject {
     QCOMPARE(loaded.size(), 0);
     QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5000);
     QCOMPARE(f.Window().windowTitle(), caption);
-    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("MaxDocCount"))->text(), QStringLiteral("5000"));
     QVERIFY(f.Page().ColumnMapFor(path).empty());
-    QVERIFY(f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
   }
 
   void MapColumnsButtonPresetsTheBuiltInNames() {
@@ -360,37 +312,7 @@ class ImportWorkflowTest : public QObject {
       QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("line 7")));
     }
   }
-
-  void UnreadableImportsSayWhy_data() {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("unknown JSON shape")
-        << QByteArray("{\"foo\": 1, \"bar\": 2}\n{\"foo\": 3, \"bar\": 4}\n")
-        << QStringLiteral("unknown shape");
-    QTest::newRow("every line bad")
-        << QByteArray("{\"created_at\": \"2013-09-02T00:13:19.000Z\", \"author_id\": \"1\"}\n")
-        << QStringLiteral("text");
-    QTest::newRow("CSV with unbalanced quotes")
-        << QByteArray("created_at,username,text\n2013-09-02 00:13:19,ann,\"open quote\n")
-        << QStringLiteral("quote");
-  }
-
-  void UnreadableImportsSayWhy() {
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, message);
-    WindowFixture f;
-    const QString path = Write(f.Folder(), QStringLiteral("export.dat"), bytes);
-    f.Load(path);
-    QVERIFY(f.WaitIdle());
-    QCOMPARE(Titles(f.platform), QStringList{QStringLiteral("Load Error")});
-    const QString text = f.platform.boxes[0].text;
-    QVERIFY2(text.startsWith(QStringLiteral("There was an error loading ") + path +
-                             QStringLiteral("\r\n")),
-             qPrintable(text));
-    QVERIFY2(text.contains(message), qPrintable(text));
-    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
-  }
 };
 
-QTEST_MAIN(ImportWorkflowTest)
+SYLVORA_QT_TEST_MAIN(ImportWorkflowTest)
 #include "import_workflow_test.moc"

@@ -8,10 +8,8 @@
 
 using sylvora::app::DefaultGraphvizFolder;
 using sylvora::app::DefaultStopListPath;
-using sylvora::app::PathSettings;
 using sylvora::app::ReadPathSettings;
 using sylvora::app::SavePathSettings;
-using sylvora::app::SettingsFilePath;
 using sylvora::testing::ReadFile;
 using sylvora::testing::TempDir;
 
@@ -29,11 +27,6 @@ class PathSettingsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void SettingsFileIsNamedPathsInItsFolder() {
-    QCOMPARE(SettingsFilePath(QStringLiteral("/home/u/.config/sylvora")),
-             QStringLiteral("/home/u/.config/sylvora/paths"));
-  }
-
   void MissingFileGivesNothing() {
     TempDir dir;
     QVERIFY(!ReadPathSettings(Folder(dir) + QStringLiteral("/paths")).has_value());
@@ -51,8 +44,6 @@ class PathSettingsTest : public QObject {
     QTest::newRow("no final line end")
         << QByteArray("/a/s.txt\r\n/g") << QStringLiteral("/a/s.txt") << QStringLiteral("/g");
     QTest::newRow("empty file") << QByteArray() << QString() << QString();
-    QTest::newRow("one line") << QByteArray("/only/stop.txt\r\n")
-                              << QStringLiteral("/only/stop.txt") << QString();
     QTest::newRow("binary") << QByteArray("\x00\x01\xff\xfe/x\r\n\x02\x03", 10)
                             << QStringLiteral("\uFFFD\uFFFD/x") << QString();
     QTest::newRow("spaces and UTF-8 kept")
@@ -84,18 +75,6 @@ class PathSettingsTest : public QObject {
     QCOMPARE(QByteArray::fromStdString(ReadFile(file.toStdString())), QByteArray("\r\n\r\n"));
   }
 
-  void SavedPathsReadBack() {
-    TempDir dir;
-    const QString file = Folder(dir) + QStringLiteral("/paths");
-    const PathSettings saved{QStringLiteral("/x y/stop words.txt"), QStringLiteral("/opt/gv")};
-    QString error;
-    QVERIFY(SavePathSettings(file, saved, error));
-    const auto read = ReadPathSettings(file);
-    QVERIFY(read.has_value());
-    QCOMPARE(read->stopPath, saved.stopPath);
-    QCOMPARE(read->graphVisPath, saved.graphVisPath);
-  }
-
   void UnwritableFileSaysWhy() {
     TempDir dir;
     const QString folderInTheWay = Folder(dir) + QStringLiteral("/paths");
@@ -105,23 +84,19 @@ class PathSettingsTest : public QObject {
     QVERIFY2(error.contains(folderInTheWay), qPrintable(error));
   }
 
-  void DefaultStopListIsBesideTheProgram() {
+  // Beside the program when it is there, else in the data folder (a build folder's program),
+  // else beside the program all the same.
+  void DefaultStopListIsBesideTheProgramOrInTheDataFolder() {
     QCOMPARE(DefaultStopListPath(QStringLiteral("/opt/sylvora/bin")),
              QStringLiteral("/opt/sylvora/bin/common_words.txt"));
-    TempDir program, data;
-    Write(program, "common_words.txt", "the\r\n");
-    Write(data, "common_words.txt", "the\r\n");
-    QCOMPARE(DefaultStopListPath(Folder(program), Folder(data)),
-             Folder(program) + QStringLiteral("/common_words.txt"));
-  }
-
-  void DefaultStopListOfABuildFolderIsTheDataFolders() {
-    TempDir program, data;
+    TempDir program, data, empty;
     Write(data, "common_words.txt", "the\r\n");
     QCOMPARE(DefaultStopListPath(Folder(program), Folder(data)),
              Folder(data) + QStringLiteral("/common_words.txt"));
-    TempDir empty;
     QCOMPARE(DefaultStopListPath(Folder(program), Folder(empty)),
+             Folder(program) + QStringLiteral("/common_words.txt"));
+    Write(program, "common_words.txt", "the\r\n");
+    QCOMPARE(DefaultStopListPath(Folder(program), Folder(data)),
              Folder(program) + QStringLiteral("/common_words.txt"));
   }
 
@@ -139,18 +114,13 @@ class PathSettingsTest : public QObject {
              root + QStringLiteral("/gv/bin"));
   }
 
+  // Without an sfdp on the search path (a folder of that name is none): the program's bin/.
   void DefaultGraphvizFolderFallsBackOnProgramBin() {
-    TempDir dir;
-    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)),
-             QStringLiteral("/prog/bin"));
-    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), QString()),
-             QStringLiteral("/prog/bin"));
-  }
-
-  void AFolderNamedSfdpIsNoProgram() {
     TempDir dir;
     QDir().mkpath(Folder(dir) + QStringLiteral("/sfdp"));
     QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), Folder(dir)),
+             QStringLiteral("/prog/bin"));
+    QCOMPARE(DefaultGraphvizFolder(QStringLiteral("/prog"), QString()),
              QStringLiteral("/prog/bin"));
   }
 };

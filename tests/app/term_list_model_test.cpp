@@ -1,5 +1,4 @@
-// The term-statistics list model: texts, the header-click rule, interval columns, and a list
-// of 100,000 terms.
+// The term-statistics list model: texts, the header-click rule and interval columns.
 #include <QSignalSpy>
 #include <QTest>
 
@@ -113,32 +112,6 @@ class TermListModelTest : public QObject {
     QCOMPARE(Column(model, 0),
              (QStringList{QStringLiteral("Cc"), QStringLiteral("bb"), QStringLiteral("aa")}));
     QCOMPARE(model.TermAt(0), 1);
-  }
-
-  void AHundredThousandTerms() {
-    std::vector<std::string> texts;
-    const char letters[] = "abcdefghijklmnopqrstuvwxyz";
-    std::string text;
-    for (int i = 0; i < 100000; ++i) {
-      text += letters[i % 26];
-      text += std::to_string(i);
-      text += ' ';
-      if (i % 50 == 49) {
-        texts.push_back(text);
-        text.clear();
-      }
-    }
-    const TermDocumentMatrix index = MakeIndex(texts);
-    QCOMPARE(index.TermCount(), 100000);
-    TermListModel model;
-    model.SetIndex(&index);
-    QCOMPARE(model.rowCount(), 100000);
-    model.HeaderClicked(0);
-    for (int row = 1; row < model.rowCount(); ++row) {
-      QVERIFY(model.CellText(row - 1, 0).compare(model.CellText(row, 0), Qt::CaseInsensitive) >= 0);
-    }
-    model.HeaderClicked(0);
-    QCOMPARE(model.CellText(0, 0), QStringLiteral("a0"));
   }
 };
 

@@ -7,6 +7,7 @@
 #include "app/event_time_line.h"
 #include "app/interval_term_model.h"
 #include "app/tweet_view_summary.h"
+#include "support/qt_test_main.h"
 
 using namespace sylvora;
 using namespace sylvora::app;
@@ -106,5 +107,5 @@ class TimeLinePartsTest : public QObject {
   }
 };
 
-QTEST_MAIN(TimeLinePartsTest)
+SYLVORA_QT_TEST_MAIN(TimeLinePartsTest)
 #include "time_line_parts_test.moc"

@@ -42,11 +42,9 @@ WindowFixture::WindowFixture(const WindowOptions& options)
   environment.searchPath = QString();
   environment.commandLine = options.commandLine;
   window_ = std::make_unique<app::Main>(platform, environment);
-  if (options.start) {
-    QSignalSpy finished(window_.get(), &app::Main::startupFinished);
-    window_->Start();
-    if (finished.isEmpty()) finished.wait(120000);
-  }
+  QSignalSpy finished(window_.get(), &app::Main::startupFinished);
+  window_->Start();
+  if (finished.isEmpty()) finished.wait(120000);
 }
 
 WindowFixture::~WindowFixture() { window_.reset(); }

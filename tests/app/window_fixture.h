@@ -23,7 +23,6 @@ struct WindowOptions {
   std::optional<QByteArray> settingsFile;  // the bytes of "paths", when there is one
   QString commandLine;
   QString shortUrlService;  // written to sylvora.ini when not empty
-  bool start = true;        // run Main::Start (and wait for its load)
 };
 
 class WindowFixture {

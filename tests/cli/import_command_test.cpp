@@ -8,30 +8,11 @@
 #include "cli/index_command.h"
 #include "cli/load_command.h"
 #include "cli/timeline_command.h"
+#include "cli_test_support.h"
 #include "support/temp_dir.h"
 
 namespace sylvora::cli {
 namespace {
-
-struct CommandRun {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-CommandRun RunCommand(int (*command)(const std::vector<std::string>&, std::ostream&, std::ostream&),
-                      const std::vector<std::string>& arguments) {
-  std::ostringstream out, err;
-  const int code = command(arguments, out, err);
-  return {code, out.str(), err.str()};
-}
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
-std::string Sample(const char* name) { return (testing::SourceDir() / "data" / name).string(); }
-std::string StopList() { return Sample("common_words.txt"); }
 
 // The output without what names the file and the times.
 std::string WithoutFileAndTimes(const std::string& text) {
@@ -47,11 +28,11 @@ std::string WithoutFileAndTimes(const std::string& text) {
 
 TEST(ImportCommands, IndexPrintsTheSameIndexesForTheThreeSampleFiles) {
   const CommandRun tsv =
-      RunCommand(RunIndexCommand, {Sample("sample_twitter11.txt"), "--stop-list", StopList()});
+      RunCommand(RunIndexCommand, {DataFile("sample_twitter11.txt"), "--stop-list", StopList()});
   const CommandRun json =
-      RunCommand(RunIndexCommand, {Sample("sample_twitter_v2.jsonl"), "--stop-list", StopList()});
+      RunCommand(RunIndexCommand, {DataFile("sample_twitter_v2.jsonl"), "--stop-list", StopList()});
   const CommandRun csv = RunCommand(
-      RunIndexCommand, {Sample("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
+      RunIndexCommand, {DataFile("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
   ASSERT_EQ(tsv.code, 0) << tsv.err;
   ASSERT_EQ(json.code, 0) << json.err;
   ASSERT_EQ(csv.code, 0) << csv.err;
@@ -93,7 +74,7 @@ TEST(ImportCommands, LoadTakesMapAndSkipBad) {
 
 TEST(ImportCommands, TimelineSaysWhichShapeItFound) {
   const CommandRun run = RunCommand(
-      RunTimelineCommand, {Sample("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
+      RunTimelineCommand, {DataFile("sample_twitter.csv"), "--stop-list", StopList(), "--yes"});
   ASSERT_EQ(run.code, 0) << run.err;
   EXPECT_TRUE(Has(run.err, "Shape: named-column CSV\n")) << run.err;
   EXPECT_TRUE(run.out.starts_with("interval,start,documents")) << run.out.substr(0, 80);

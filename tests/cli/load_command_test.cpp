@@ -2,23 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
+#include "cli_test_support.h"
 #include "support/temp_dir.h"
 
 namespace sylvora::cli {
 namespace {
 
-struct CommandRun {
-  int code;
-  std::string out;
-  std::string err;
-};
-
 CommandRun Load(const std::vector<std::string>& arguments) {
-  std::ostringstream out, err;
-  const int code = RunLoadCommand(arguments, out, err);
-  return {code, out.str(), err.str()};
+  return RunCommand(RunLoadCommand, arguments);
 }
 
 TEST(LoadCommand, PrintsASummaryOfTheLoadedCorpus) {

@@ -4,31 +4,17 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
 
+#include "cli_test_support.h"
 #include "layout/layout_scripts.h"
 #include "support/temp_dir.h"
 
 namespace sylvora::cli {
 namespace {
 
-struct CommandRun {
-  int code;
-  std::string out;
-  std::string err;
-};
-
 CommandRun Map(const std::vector<std::string>& arguments) {
-  std::ostringstream out, err;
-  const int code = RunMapCommand(arguments, out, err);
-  return {code, out.str(), err.str()};
+  return RunCommand(RunMapCommand, arguments);
 }
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
-std::string StopList() { return (testing::SourceDir() / "data" / "common_words.txt").string(); }
 
 bool HaveSfdp() { return std::filesystem::exists("/usr/bin/sfdp"); }
 
@@ -157,43 +143,37 @@ TEST(MapCommand, NoSfdpOnThePathSaysToInstallGraphviz) {
       << run.err;
 }
 
-TEST(MapCommand, MissingIntervalFailsWithAReason) {
+TEST(MapCommand, FailuresStopWithTheirCodeAndMessage) {
   testing::TempDir dir;
-  const CommandRun run =
-      Map(Arguments(dir, {"--kind", "tweets", "--length", "6", "--interval", "9"}));
-  EXPECT_EQ(run.code, 1);
-  EXPECT_TRUE(Has(run.err, "Error: There is no interval 9 (the model has 4)")) << run.err;
-}
-
-struct UsageCase {
-  std::vector<std::string> arguments;
-  std::string message;
-};
-
-class MapCommandUsage : public ::testing::TestWithParam<UsageCase> {};
-
-TEST_P(MapCommandUsage, ExitsWithTwo) {
-  const CommandRun run = Map(GetParam().arguments);
-  EXPECT_EQ(run.code, 2);
-  EXPECT_TRUE(Has(run.err, GetParam().message)) << run.err;
-  EXPECT_TRUE(Has(run.err, "usage: sylvora-cli map FILE")) << run.err;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, MapCommandUsage,
-    ::testing::Values(
-        UsageCase{{}, "map takes one corpus file"},
-        UsageCase{{"a.txt", "--kind", "maps"}, "--kind takes words, intervals or tweets"},
-        UsageCase{{"a.txt", "--level", "doc"}, "--level takes tweet or interval"},
-        UsageCase{{"a.txt", "--interval", "0"}, "--interval takes a whole number from 1"},
-        UsageCase{{"a.txt", "--interval", "x"}, ""},
-        UsageCase{{"a.txt", "--neighbours", "-1"}, "--neighbours takes"},
-        UsageCase{{"a.txt", "--colour", "red"}, ""}));
-
-TEST(MapCommand, HelpPrintsTheUsage) {
-  const CommandRun run = Map({"--help"});
-  EXPECT_EQ(run.code, 0);
-  EXPECT_TRUE(Has(run.out, "--kind"));
+  const std::string usage = "usage: sylvora-cli map FILE";
+  struct Case {
+    std::vector<std::string> arguments;
+    int code;
+    std::string message;
+  };
+  const Case cases[] = {
+      {Arguments(dir, {"--kind", "tweets", "--length", "6", "--interval", "9"}), 1,
+       "Error: There is no interval 9 (the model has 4)"},
+      {{}, 2, "map takes one corpus file"},
+      {{"a.txt", "--kind", "maps"}, 2, "--kind takes words, intervals or tweets"},
+      {{"a.txt", "--level", "doc"}, 2, "--level takes tweet or interval"},
+      {{"a.txt", "--interval", "0"}, 2, "--interval takes a whole number from 1"},
+      {{"a.txt", "--interval", "x"}, 2, usage},
+      {{"a.txt", "--neighbours", "-1"}, 2, "--neighbours takes"},
+      {{"a.txt", "--colour", "red"}, 2, usage},
+  };
+  for (const Case& c : cases) {
+    const CommandRun run = Map(c.arguments);
+    EXPECT_EQ(run.code, c.code) << c.message;
+    EXPECT_TRUE(Has(run.err, c.message)) << run.err;
+    if (c.code == 2) {
+      EXPECT_TRUE(Has(run.err, usage)) << run.err;
+    }
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.Path() / "map_nodes.csv"));
+  const CommandRun help = Map({"--help"});
+  EXPECT_EQ(help.code, 0);
+  EXPECT_TRUE(Has(help.out, "--kind"));
 }
 
 }  // namespace

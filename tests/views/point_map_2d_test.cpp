@@ -13,7 +13,7 @@
 #include <memory>
 
 #include "layout/spatial.h"
-#include "support/temp_dir.h"
+#include "support/qt_test_main.h"
 #include "view_test_support.h"
 
 namespace sylvora {
@@ -54,6 +54,15 @@ struct MapWindow {
     QCoreApplication::sendEvent(Surface(), &event);
   }
   void MoveTo(QPoint at) const { MoveWithButtons(at, Qt::NoButton); }
+  // A left-button drag between two layout points, starting from empty space.
+  void Drag(QPointF from, QPointF to) const {
+    const QPoint start = map->ToPixels(from.x(), from.y()).toPoint();
+    const QPoint end = map->ToPixels(to.x(), to.y()).toPoint();
+    MoveTo(start);
+    QTest::mousePress(Surface(), Qt::LeftButton, {}, start);
+    MoveWithButtons(end, Qt::LeftButton);
+    QTest::mouseRelease(Surface(), Qt::LeftButton, {}, end);
+  }
 
   std::unique_ptr<QWidget> form;
   std::unique_ptr<PointMap2D> map;
@@ -65,84 +74,38 @@ std::unique_ptr<Spatial> StarSpatial() {
                      {{4, 0}, {4, 1}, {4, 2}, {4, 3}});
 }
 
+// A MapWindow showing the star.
+struct StarWindow : MapWindow {
+  StarWindow() { map->SetCoordinates(*spatial); }
+  std::unique_ptr<Spatial> spatial = StarSpatial();
+};
+
 }  // namespace
 
 class PointMap2DTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void initializeCreatesSurfaceAndTicker() {
-    MapWindow window;
-    QWidget* surface = window.Surface();
-    QVERIFY(surface != nullptr);
-    QCOMPARE(surface->objectName(), QStringLiteral("PM2DMap"));
-    QCOMPARE(surface->size(), QSize(600, 600));
-    auto* ticker = window.form->findChild<QTimer*>(QStringLiteral("PM2DMap_ticker"));
-    QVERIFY(ticker != nullptr);
-    QCOMPARE(ticker->interval(), 16);
-    QVERIFY(ticker->isActive());
-    QCOMPARE(window.map->ClickedEdgeColor(), kYellow);
-    QCOMPARE(window.map->PointEdgeColor(), kWhite);
-    QCOMPARE(window.map->LabelColor(), kYellow);
-    QCOMPARE(window.map->GetClusterColor(4), QColor(128, 0, 0));
-    QCOMPARE(window.map->GetClusterColor(7), QColor(192, 192, 192));
-    QCOMPARE(window.map->GetClusterColor(16), kBlack);
-    QVERIFY(!window.map->IsSet());
-    QVERIFY(!window.map->NodeIsPulsing());
-  }
-
-  void givenSurfaceNamesTheTicker() {
-    QWidget form;
-    auto* box = new QWidget(&form);
-    box->setObjectName(QStringLiteral("TermSimVisContainer"));
-    box->resize(300, 200);
-    PointMap2D map;
-    QVERIFY(map.InitializePM2DCtl(&form, box));
-    QCOMPARE(map.PM2DCtlObject(), box);
-    QVERIFY(form.findChild<QTimer*>(QStringLiteral("TermSimVisContainer_ticker")) != nullptr);
-    QVERIFY(!map.InitializePM2DCtl(&form, box));
-  }
-
+  // The view fits the data with a twelfth to spare; the base node size is the mean horizontal
+  // extent of the links over three, or the data width over 40 without links.
   void setCoordinatesFitsTheView() {
     MapWindow window;
     const auto spatial = StarSpatial();
     QVERIFY(window.map->SetCoordinates(*spatial));
     QCOMPARE(window.map->NodeCount(), 5);
-    QCOMPARE(window.map->DataWidth(), 10.0f);
     QCOMPARE(window.map->View().left, -1.0f);
-    QCOMPARE(window.map->View().right, 11.0f);
-    QCOMPARE(window.map->View().top, -1.0f);
     QCOMPARE(window.map->View().bottom, 11.0f);
-    // Four links of horizontal extent 5: base size 5 / 3.
     QCOMPARE(window.map->BaseNodeSize(), 5.0f / 3.0f);
-    QCOMPARE(window.map->Weight(2), 1.0f);
     QCOMPARE(window.map->NodeSize(2), 5.0f / 3.0f);
-    QCOMPARE(window.map->MeanNodeSize(), 5.0f / 3.0f);
-    QCOMPARE(window.map->NodeCluster(3), std::int16_t{0});
-    QCOMPARE(window.map->NodeLabel(3), QString());
-  }
-
-  void equalXGivesATenthWide() {
-    PointMap2D map;
-    map.SetPictureSize(QSize(200, 200));
-    const auto spatial = MakeSpatial({{3, 1}, {3, 4}}, {{0, 1}});
-    QVERIFY(map.SetCoordinates(*spatial));
-    QCOMPARE(map.DataWidth(), 0.1f);
-    QCOMPARE(map.DataHeight(), 3.0f);
-    QVERIFY(map.NodeVisible(0));
-    QVERIFY(!map.Picture().isNull());
-    // A vertical link has no horizontal extent: base size 0, nodes drawn as points.
-    QCOMPARE(map.BaseNodeSize(), 0.0f);
-  }
-
-  void spatialWithoutLinksTakesBaseFromWidth() {
-    PointMap2D map;
-    map.SetPictureSize(QSize(200, 200));
-    const auto spatial = MakeSpatial({{0, 0}, {8, 2}, {4, 6}}, {});
-    QVERIFY(map.SetCoordinates(*spatial));
-    QCOMPARE(map.BaseNodeSize(), 8.0f / 40.0f);
-    map.SetNodeWeightAsDegree();  // every degree 0: nothing drawn, nothing breaks
-    QCOMPARE(map.NodeSize(1), 0.0f);
+    // Nodes on one vertical line: a tenth wide, and a vertical link gives base size 0.
+    const auto vertical = MakeSpatial({{3, 1}, {3, 4}}, {{0, 1}});
+    QVERIFY(window.map->SetCoordinates(*vertical));
+    QCOMPARE(window.map->DataWidth(), 0.1f);
+    QVERIFY(window.map->NodeVisible(0));
+    QCOMPARE(window.map->BaseNodeSize(), 0.0f);
+    const auto unlinked = MakeSpatial({{0, 0}, {8, 2}, {4, 6}}, {});
+    QVERIFY(window.map->SetCoordinates(*unlinked));
+    QCOMPARE(window.map->BaseNodeSize(), 8.0f / 40.0f);
   }
 
   void emptyMapDrawsNothing() {
@@ -150,38 +113,16 @@ class PointMap2DTest : public QObject {
     Spatial empty;
     QVERIFY(!window.map->SetCoordinates(empty));
     QVERIFY(!window.map->IsSet());
+    // Drawing, marks, zooms, pulses, clicks, keys and ticks without nodes do nothing.
     window.map->RenderView(true, true);
     window.map->SetHoverNode(3);
-    window.map->SetSelectedNode(-1);
     window.map->ZoomTo(0, 100);
     window.map->PulseNode(0, 2);
     QVERIFY(!window.map->NodeIsPulsing());
     QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, QPoint(10, 10));
     QTest::keyClick(window.Surface(), Qt::Key_6);
-    window.MoveTo(QPoint(20, 20));
     window.map->Tick();
     QCOMPARE(window.map->NodeX(7), 0.0f);
-    window.map->SetNodeLabel(9, QStringLiteral("x"));
-    QCOMPARE(window.map->NodeLabel(9), QString());
-  }
-
-  void nodesShowTheirClusterColours() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
-    window.map->SetNodeShape(3);
-    window.map->SetNodeCluster(0, 12);
-    window.map->SetNodeCluster(1, 9);
-    window.map->SetNodeCluster(2, 10);
-    window.map->SetSelectedNode(-1);
-    window.map->SetHoverNode(-1);
-    window.map->RenderView(true, false);
-    const QImage& picture = window.map->Picture();
-    testing::MaybeSaveSnapshot(picture, "map_clusters");
-    QCOMPARE(PixelAt(picture, window.At(0)), kRed);
-    QCOMPARE(PixelAt(picture, window.At(1)), kBlue);
-    QCOMPARE(PixelAt(picture, window.At(2)), kGreen);
-    QCOMPARE(PixelAt(picture, window.At(3)), kBlack);  // cluster 0
   }
 
   void shapes_data() {
@@ -198,9 +139,7 @@ class PointMap2DTest : public QObject {
     QFETCH(int, shape);
     QFETCH(bool, centreFilled);
     QFETCH(bool, outlineDrawn);
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->SetNodeShape(static_cast<std::uint8_t>(shape));
     window.map->SetNodeCluster(3, 12);
     window.map->SetShowEdges(true);
@@ -224,9 +163,7 @@ class PointMap2DTest : public QObject {
   }
 
   void selectedAndHoveredOutlinesOnTheOverlay() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->SetNodeShape(3);
     for (int i = 0; i < 5; ++i) window.map->SetNodeCluster(i, 12);
     window.map->SetSelectedNode(-1);
@@ -242,7 +179,6 @@ class PointMap2DTest : public QObject {
     window.map->SetHoverNode(1);
     QCOMPARE(window.map->Picture(), picture);  // the overlay only
     const QImage seen = window.Surface()->grab().toImage();
-    testing::MaybeSaveSnapshot(seen, "map_marks");
     QVERIFY(ColourNear(seen, rim0, kYellow, 1));
     // A 2-pixel ring of about 83 pixels' radius around a corner node: a third of it shows.
     const QRectF box0(QPointF(window.At(0)) - QPointF(radius + 3, radius + 3),
@@ -255,14 +191,10 @@ class PointMap2DTest : public QObject {
                       QSizeF(2 * radius + 6, 2 * radius + 6));
     QVERIFY(CountColour(seen, box1, kRed) < CountColour(picture, box1, kRed) - 250);
     QCOMPARE(PixelAt(seen, window.At(1)), kRed);
-    window.map->SetClickedEdgeColor(0, 0, 255);
-    QVERIFY(ColourNear(window.map->Snapshot(), rim0, kBlue, 1));
   }
 
   void temporalMaskGreysOrdinaryNodes() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->SetNodeShape(1);
     for (int i = 0; i < 5; ++i) window.map->SetNodeCluster(i, 12);
     window.map->SetTemporalMask(true);
@@ -282,9 +214,7 @@ class PointMap2DTest : public QObject {
   }
 
   void labelsOnlyAtOrAboveTheThreshold() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->SetNodeShape(2);
     window.map->SetShowNodeLabels(true);
     window.map->SetLabelColor(QColor(200, 0, 200));
@@ -297,7 +227,6 @@ class PointMap2DTest : public QObject {
     window.map->SetHoverNode(-1);
     window.map->RenderView(true, false);
     const QImage& picture = window.map->Picture();
-    testing::MaybeSaveSnapshot(picture, "map_labels");
     const auto labelPixels = [&](int node) {
       const QPointF at = window.map->ToPixels(window.map->NodeX(node), window.map->NodeY(node));
       return CountNearColour(picture, QRectF(at, QSizeF(40, 14)), QColor(200, 0, 200), 40);
@@ -308,17 +237,6 @@ class PointMap2DTest : public QObject {
     window.map->SetShowNodeLabels(false);
     window.map->RenderView(true, false);
     QCOMPARE(labelPixels(0), 0);
-  }
-
-  void labelsAsIndex() {
-    PointMap2D map;
-    const auto spatial = StarSpatial();
-    map.SetCoordinates(*spatial);
-    map.SetLabelsAsIndex();
-    QCOMPARE(map.NodeLabel(0), QStringLiteral("1"));
-    QCOMPARE(map.NodeLabel(4), QStringLiteral("5"));
-    map.SetNodeLabel(5, QStringLiteral("ignored"));
-    QCOMPARE(map.NodeLabel(5), QString());
   }
 
   void visibilityAtTheViewEdge() {
@@ -335,7 +253,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(window.map->NodeVisible(3));
     QVERIFY(!window.map->NodeVisible(4));
     const QImage& picture = window.map->Picture();
-    testing::MaybeSaveSnapshot(picture, "map_edges");
     QVERIFY(!ColourNear(picture, window.map->ToPixels(4.5f, 5.0f), kLinkGrey, 3));
     QVERIFY(ColourNear(picture, window.map->ToPixels(5.0f, 5.5f), kLinkGrey, 2));
     // A node exactly on the left edge is outside.
@@ -346,77 +263,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(!window.map->NodeVisible(0));
     QVERIFY(!window.map->NodeVisible(1));
     QVERIFY(window.map->NodeVisible(2));
-  }
-
-  void zoomToShowsAShareOfTheData() {
-    PointMap2D map;
-    const auto spatial = StarSpatial();
-    map.SetCoordinates(*spatial);
-    map.ZoomTo(4, 100);
-    QCOMPARE(map.View().left, 0.0f);
-    QCOMPARE(map.View().right, 10.0f);
-    map.ZoomTo(4, 400);
-    QCOMPARE(map.View().right - map.View().left, 2.5f);
-    map.ZoomTo(4, 0);  // ignored
-    map.ZoomTo(9, 100);
-    QCOMPARE(map.View().right - map.View().left, 2.5f);
-  }
-
-  void clusterColourRange() {
-    PointMap2D map;
-    QVERIFY(!map.SetClusterColorRange(10, 11, 0, 0, 0, 255, 255, 255));
-    QCOMPARE(map.GetClusterColor(10), QColor(0, 255, 0));
-    QCOMPARE(map.GetClusterColor(11), QColor(0, 255, 255));
-    QVERIFY(map.SetClusterColorRange(10, 12, 0, 0, 0, 255, 255, 255));
-    QCOMPARE(map.GetClusterColor(10), kBlack);
-    QCOMPARE(map.GetClusterColor(11), QColor(128, 128, 128));
-    QCOMPARE(map.GetClusterColor(12), kWhite);
-    QVERIFY(map.SetClusterColorRange(0, 9, 0, 0, 0, 0, 255, 0));
-    QCOMPARE(map.GetClusterColor(9), kGreen);
-    QCOMPARE(map.GetClusterColor(3), QColor(0, 85, 0));
-    map.SetClusterColor(200, 1, 2, 3);
-    QCOMPARE(map.GetClusterColor(200), QColor(1, 2, 3));
-  }
-
-  void degreeWeights() {
-    PointMap2D map;
-    std::vector<QPointF> positions;
-    std::vector<std::pair<int, int>> edges;
-    positions.emplace_back(0, 0);
-    for (int i = 1; i <= 16; ++i) {
-      positions.emplace_back(std::cos(i * 0.39) * 10, std::sin(i * 0.39) * 10);
-      edges.emplace_back(0, i);
-    }
-    const auto spatial = MakeSpatial(positions, edges);
-    map.SetCoordinates(*spatial);
-    map.SetNodeWeightAsDegree();
-    QCOMPARE(map.Weight(0), 16.0f);
-    QCOMPARE(map.Weight(5), 1.0f);
-    QVERIFY(std::abs(map.NodeSize(0) / map.NodeSize(5) - 8.0f) < 1e-4f);
-    map.SetWeight(5, 4.0f);  // linear, no exponent
-    QCOMPARE(map.NodeSize(5), 4.0f * map.BaseNodeSize());
-    map.SetBaseNodeSize(map.BaseNodeSize());  // bulk again: 4^0.75
-    QVERIFY(std::abs(map.NodeSize(5) / map.BaseNodeSize() - std::pow(4.0f, 0.75f)) < 1e-4f);
-    map.SetNodeWeights({2.0f, 3.0f});
-    QCOMPARE(map.Weight(1), 3.0f);
-    QCOMPARE(map.Weight(2), 1.0f);
-    map.ResetNodeWeights();
-    QCOMPARE(map.Weight(0), 1.0f);
-    QCOMPARE(map.NodeSize(0), map.BaseNodeSize());
-  }
-
-  void weightWriteDoesNotRedraw() {
-    PointMap2D map;
-    map.SetPictureSize(QSize(300, 300));
-    const auto spatial = StarSpatial();
-    map.SetCoordinates(*spatial);
-    const QImage before = map.Picture();
-    map.SetWeight(4, 3.0f);
-    map.SetShowEdges(true);
-    map.SetNodeShape(3);
-    QCOMPARE(map.Picture(), before);
-    map.RenderView(true, false);
-    QVERIFY(map.Picture() != before);
   }
 
   void pressRedrawsAnOutOfDatePicture() {
@@ -433,11 +279,6 @@ class PointMap2DTest : public QObject {
     map.MousePress(Qt::LeftButton, QPointF(150, 150));
     const QImage withoutEdges = map.Picture();
     QVERIFY(withoutEdges != withEdges);
-    // An up-to-date picture stays what a fresh draw gives.
-    map.MousePress(Qt::LeftButton, QPointF(150, 150));
-    QCOMPARE(map.Picture(), withoutEdges);
-    map.RenderView(true, false);
-    QCOMPARE(map.Picture(), withoutEdges);
     // The right button too; and a press hides the selection square.
     map.SetWeight(4, 3.0f);
     map.MousePress(Qt::RightButton, QPointF(150, 150));
@@ -479,9 +320,7 @@ class PointMap2DTest : public QObject {
   }
 
   void clickSelectsTheHoveredNode() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->SetSelectedNode(-1);
     QSignalSpy clicks(window.map.get(), &PointMap2D::OnNodeClick);
     QSignalSpy started(window.map.get(), &PointMap2D::SelectionStarted);
@@ -501,9 +340,7 @@ class PointMap2DTest : public QObject {
   }
 
   void lassoBecomesASquareView() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.MoveTo(window.AtLayout(2.5f, 2.5f));  // empty space
     QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
     QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
@@ -516,14 +353,11 @@ class PointMap2DTest : public QObject {
     QVERIFY(window.map->LassoVisible());
     QCOMPARE(window.map->Picture(), picture);  // the square is on the overlay
     const QImage seen = window.map->Snapshot();
-    testing::MaybeSaveSnapshot(seen, "map_lasso");
     QVERIFY(CountColour(seen, seen.rect(), kRed) > 100);
     QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
     QCOMPARE(ended.count(), 1);
     QCOMPARE(changed.count(), 1);
     const PointMap2D::ViewRect& view = window.map->View();
-    const QPointF endLayout = window.map->ToLayout(end);  // in the new view's terms
-    Q_UNUSED(endLayout);
     QCOMPARE(view.left, static_cast<float>(startLayout.x()));
     QCOMPARE(view.top, static_cast<float>(startLayout.y()));
     QVERIFY(std::abs((view.right - view.left) - (view.bottom - view.top)) < 1e-4f);
@@ -532,40 +366,21 @@ class PointMap2DTest : public QObject {
     QCOMPARE(CountColour(window.map->Snapshot(), seen.rect(), kRed), 0);
   }
 
-  void smallDragDoesNotZoom() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
-    window.MoveTo(window.AtLayout(2.5f, 2.5f));
+  // A drag less than a node high does not zoom; one from right to left mirrors the view.
+  void dragsThatDoNotZoomOrMirror() {
+    StarWindow window;
     QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
-    const QPoint start = window.AtLayout(2.0f, 2.0f);
-    const QPoint end = window.AtLayout(6.0f, 2.5f);  // only 0.5 down: below the node size
-    QTest::mousePress(window.Surface(), Qt::LeftButton, {}, start);
-    window.MoveWithButtons(end, Qt::LeftButton);
-    QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
+    window.Drag({2.0f, 2.0f}, {6.0f, 2.5f});
     QCOMPARE(ended.count(), 0);
     QCOMPARE(window.map->View().left, -1.0f);
     QCOMPARE(window.map->View().right, 11.0f);
-  }
-
-  void rightToLeftDragMirrors() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
-    window.MoveTo(window.AtLayout(7.5f, 2.5f));
-    const QPoint start = window.AtLayout(8.0f, 2.0f);
-    const QPoint end = window.AtLayout(3.0f, 8.0f);
-    QTest::mousePress(window.Surface(), Qt::LeftButton, {}, start);
-    window.MoveWithButtons(end, Qt::LeftButton);
-    QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, end);
+    window.Drag({8.0f, 2.0f}, {3.0f, 8.0f});
     QVERIFY(window.map->View().left > window.map->View().right);
     QVERIFY(window.map->View().top > window.map->View().bottom);  // the square goes up
   }
 
   void doubleClickReturnsHome() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->ZoomTo(4, 400);
     window.MoveTo(window.AtLayout(4.0f, 4.0f));
     QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
@@ -583,9 +398,7 @@ class PointMap2DTest : public QObject {
   }
 
   void rightButtonZoomsOutToHome() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->Ticker()->stop();  // ticks come from the test
     window.map->ZoomTo(4, 400);
     QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
@@ -599,17 +412,10 @@ class PointMap2DTest : public QObject {
     // The step grows by 5 % a tick only while it is below 1 % of the data width (0.1 here);
     // the mean size is well above it.
     QCOMPARE(window.map->ZoomOutStep(), mean);
-    for (int i = 0; i < 20; ++i) {
-      window.map->Tick();
-      const PointMap2D::ViewRect& view = window.map->View();
-      QVERIFY(view.left >= -1.0f && view.right <= 11.0f && view.top >= -1.0f &&
-              view.bottom <= 11.0f);
-    }
+    // It stops at the home view.
+    for (int i = 0; i < 20; ++i) window.map->Tick();
     QCOMPARE(window.map->View().left, -1.0f);
     QCOMPARE(window.map->View().bottom, 11.0f);
-    // Fully zoomed out: ticks keep redrawing without changing the view.
-    window.map->Tick();
-    QCOMPARE(window.map->View().right, 11.0f);
     QCOMPARE(changed.count(), 0);
     QTest::mouseRelease(window.Surface(), Qt::RightButton, {}, window.AtLayout(5, 5));
     QVERIFY(!window.map->ZoomingOut());
@@ -640,12 +446,8 @@ class PointMap2DTest : public QObject {
     QTest::addColumn<int>("dy");
     QTest::newRow("1") << int(Qt::Key_1) << -1 << 1;
     QTest::newRow("2") << int(Qt::Key_2) << 0 << 1;
-    QTest::newRow("3") << int(Qt::Key_3) << 1 << 1;
-    QTest::newRow("4") << int(Qt::Key_4) << -1 << 0;
     QTest::newRow("5") << int(Qt::Key_5) << 0 << 0;
     QTest::newRow("6") << int(Qt::Key_6) << 1 << 0;
-    QTest::newRow("7") << int(Qt::Key_7) << -1 << -1;
-    QTest::newRow("8") << int(Qt::Key_8) << 0 << -1;
     QTest::newRow("9") << int(Qt::Key_9) << 1 << -1;
     QTest::newRow("A") << int(Qt::Key_A) << 0 << 0;
   }
@@ -653,9 +455,7 @@ class PointMap2DTest : public QObject {
     QFETCH(int, key);
     QFETCH(int, dx);
     QFETCH(int, dy);
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
     const PointMap2D::ViewRect before = window.map->View();
     const float step = 3.0f * window.map->BaseNodeSize();
@@ -672,9 +472,7 @@ class PointMap2DTest : public QObject {
   }
 
   void pulseEndsAfterItsTicks() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->Ticker()->stop();
     window.map->SetNodeShape(3);
     const float size = window.map->NodeSize(4);
@@ -709,62 +507,13 @@ class PointMap2DTest : public QObject {
   }
 
   void pulseRunsOnTheTimer() {
-    MapWindow window;
-    const auto spatial = StarSpatial();
-    window.map->SetCoordinates(*spatial);
+    StarWindow window;
     window.map->PulseNode(4, 2.0f);
-    QTRY_VERIFY_WITH_TIMEOUT(!window.map->NodeIsPulsing(), 3000);
-  }
-
-  void topLeftAndBottomRightPlaceTheSurface() {
-    QWidget form;
-    form.resize(800, 600);
-    auto* box = new QWidget(&form);
-    PointMap2D map;
-    map.InitializePM2DCtl(&form, box);
-    map.TopLeft(20, 30);
-    map.BottomRight(420, 330);
-    QCOMPARE(box->geometry(), QRect(20, 30, 400, 300));
-    const auto spatial = StarSpatial();
-    map.SetCoordinates(*spatial);
-    QCOMPARE(map.Picture().size(), QSize(400, 300));
-  }
-
-  void pajekCoordinates() {
-    testing::TempDir dir;
-    // Fixed columns: node number in 8-13, x in 48-53, y in 58-63.
-    const auto line = [](int node, const char* x, const char* y) {
-      std::string text(70, ' ');
-      const std::string number = std::to_string(node);
-      text.replace(7, number.size(), number);
-      text.replace(47, std::string(x).size(), x);
-      text.replace(57, std::string(y).size(), y);
-      return text;
-    };
-    const std::string file = "*Network test\n*Vertices 3\n" + line(1, "0.1", "0.2") + "\n" +
-                             line(2, "0.5", "0.9") + "\n" + line(3, "0.8", "0.4") + "\n" +
-                             line(3, "9.9", "9.9") + "\n";
-    // Node 3's line reads 3 as its leading number (spaces are skipped): reading stops there
-    // and the last line is never read.
-    PointMap2D map;
-    QVERIFY(map.LoadPajekCoordinates(dir.WriteFile("net.paj", file), 3));
-    QCOMPARE(map.NodeCount(), 3);
-    QCOMPARE(map.NodeX(0), 0.1f);
-    QCOMPARE(map.NodeY(1), 0.9f);
-    QCOMPARE(map.NodeX(2), 0.8f);
-    QVERIFY(!map.LoadPajekCoordinates((dir.Path() / "missing").string(), 3));
-  }
-
-  void testLoaderDrawsAGrid() {
-    PointMap2D map;
-    map.SetPictureSize(QSize(300, 300));
-    map.LoadCoordinatesTest();
-    QCOMPARE(map.NodeCount(), 100);
-    QVERIFY(!map.Picture().isNull());
+    QTRY_VERIFY_WITH_TIMEOUT(!window.map->NodeIsPulsing(), 60000);
   }
 };
 
 }  // namespace sylvora
 
-QTEST_MAIN(sylvora::PointMap2DTest)
+SYLVORA_QT_TEST_MAIN(sylvora::PointMap2DTest)
 #include "point_map_2d_test.moc"

@@ -1,6 +1,5 @@
 #include "view_test_support.h"
 
-#include <QDir>
 #include <QString>
 
 #include <algorithm>
@@ -19,46 +18,35 @@ QColor PixelAt(const QImage& image, QPointF at) {
   return QColor(image.pixel(x, y));
 }
 
-bool ColourNear(const QImage& image, QPointF at, const QColor& colour, int radius) {
-  const int cx = static_cast<int>(std::floor(at.x()));
-  const int cy = static_cast<int>(std::floor(at.y()));
-  for (int y = cy - radius; y <= cy + radius; ++y) {
-    for (int x = cx - radius; x <= cx + radius; ++x) {
-      if (image.valid(x, y) && QColor(image.pixel(x, y)).rgb() == colour.rgb()) return true;
-    }
+namespace {
+
+// Calls `visit` with the colour of every pixel of `rect` inside the image.
+template <typename Visit>
+void EachPixel(const QImage& image, const QRect& rect, Visit visit) {
+  const QRect area = rect.intersected(image.rect());
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) visit(QColor(image.pixel(x, y)));
   }
-  return false;
+}
+
+}  // namespace
+
+bool ColourNear(const QImage& image, QPointF at, const QColor& colour, int radius) {
+  const QPoint centre(static_cast<int>(std::floor(at.x())), static_cast<int>(std::floor(at.y())));
+  const QRect square(centre - QPoint(radius, radius), centre + QPoint(radius, radius));
+  return CountColour(image, square, colour) > 0;
 }
 
 int CountColour(const QImage& image, const QRectF& rect, const QColor& colour) {
-  const QRect area = rect.toAlignedRect().intersected(image.rect());
-  int count = 0;
-  for (int y = area.top(); y <= area.bottom(); ++y) {
-    for (int x = area.left(); x <= area.right(); ++x) {
-      if (QColor(image.pixel(x, y)).rgb() == colour.rgb()) ++count;
-    }
-  }
-  return count;
+  return CountNearColour(image, rect, colour, 0);
 }
 
 int DarkestLevel(const QImage& image, const QRectF& rect) {
-  const QRect area = rect.toAlignedRect().intersected(image.rect());
   int darkest = 255;
-  for (int y = area.top(); y <= area.bottom(); ++y) {
-    for (int x = area.left(); x <= area.right(); ++x) {
-      const QColor c(image.pixel(x, y));
-      darkest = std::min({darkest, c.red(), c.green(), c.blue()});
-    }
-  }
+  EachPixel(image, rect.toAlignedRect(), [&](const QColor& c) {
+    darkest = std::min({darkest, c.red(), c.green(), c.blue()});
+  });
   return darkest;
-}
-
-void MaybeSaveSnapshot(const QImage& image, const char* name) {
-  const char* folder = std::getenv("SYLVORA_VIEW_SNAPSHOTS");
-  if (folder == nullptr || *folder == '\0') return;
-  QDir().mkpath(QString::fromLocal8Bit(folder));
-  image.save(
-      QStringLiteral("%1/%2.png").arg(QString::fromLocal8Bit(folder), QString::fromLatin1(name)));
 }
 
 std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
@@ -84,18 +72,12 @@ std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
 }
 
 int CountNearColour(const QImage& image, const QRectF& rect, const QColor& colour, int tolerance) {
-  const QRect area = rect.toAlignedRect().intersected(image.rect());
   int count = 0;
-  for (int y = area.top(); y <= area.bottom(); ++y) {
-    for (int x = area.left(); x <= area.right(); ++x) {
-      const QColor c(image.pixel(x, y));
-      if (std::abs(c.red() - colour.red()) <= tolerance &&
-          std::abs(c.green() - colour.green()) <= tolerance &&
-          std::abs(c.blue() - colour.blue()) <= tolerance) {
-        ++count;
-      }
-    }
-  }
+  EachPixel(image, rect.toAlignedRect(), [&](const QColor& c) {
+    count += std::abs(c.red() - colour.red()) <= tolerance &&
+             std::abs(c.green() - colour.green()) <= tolerance &&
+             std::abs(c.blue() - colour.blue()) <= tolerance;
+  });
   return count;
 }
 

@@ -27,10 +27,6 @@ int CountColour(const QImage& image, const QRectF& rect, const QColor& colour);
 // The darkest grey level (min of r, g, b) inside `rect`.
 int DarkestLevel(const QImage& image, const QRectF& rect);
 
-// Saves `image` as PNG under $SYLVORA_VIEW_SNAPSHOTS/<name>.png when that variable is set, so
-// that a person can look at what the tests draw.
-void MaybeSaveSnapshot(const QImage& image, const char* name);
-
 // A Spatial holding `positions` (node i at positions[i]) and the links `edges` (0-based node
 // pairs, length 1), read through the plain-output and DOT readers as a layout run would.
 std::unique_ptr<Spatial> MakeSpatial(const std::vector<QPointF>& positions,
