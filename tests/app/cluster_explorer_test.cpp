@@ -22,6 +22,7 @@
 #include "app/tweet_list_model.h"
 #include "cluster_test_support.h"
 #include "support/qt_test_main.h"
+#include "views/session_views.h"
 
 using namespace sylvora;
 using namespace sylvora::testing;
@@ -117,7 +118,10 @@ class ClusterExplorerTest : public QObject {
           static_cast<float>(index.DocFreq(t) / static_cast<double>(index.DocCount()) * 1000.0);
       QCOMPARE(Words().Weight(t - 1), expected);
     }
-    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{120});
+    // A first look labels about 30 of the heaviest words.
+    std::vector<float> weights;
+    for (int node = 0; node < Words().NodeCount(); ++node) weights.push_back(Words().Weight(node));
+    QCOMPARE(Words().NodeLabelThreshold(), FirstLookLabelThreshold(weights));
     // Every node is sized weight^0.75 x base.
     const float base = Words().BaseNodeSize();
     QVERIFY(std::abs(Words().NodeSize(0) - std::pow(Words().Weight(0), 0.75f) * base) <=

@@ -70,12 +70,13 @@ class LoadWorkflowTest : public QObject {
              (QStringList{base + QStringLiteral(" [5000 tweets loaded]"),
                           base + QStringLiteral(" [5000 tweets loaded ") + first +
                               QStringLiteral(" to ") + last + QStringLiteral("]"),
-                          base + QStringLiteral(" [, 5000 tweets loaded]")}));
-    QCOMPARE(f.Window().windowTitle(), base + QStringLiteral(" [, 5000 tweets loaded]"));
-    QCOMPARE(
-        f.Page().LoadProgressText(),
-        QStringLiteral("Converting Dates to native format...\r\nExtracting hashtags and mentions "
-                       "to new fields...\r\nAll done :)"));
+                          base + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]")}));
+    QCOMPARE(f.Window().windowTitle(),
+             base + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]"));
+    // The notes of the load (no link service for its short links) come before the stage lines.
+    QVERIFY(f.Page().LoadProgressText().endsWith(QStringLiteral(
+        "\r\nConverting Dates to native format...\r\nExtracting hashtags and mentions "
+        "to new fields...\r\nAll done :)")));
 
     QCOMPARE(Box(f, "MaxDocCount")->text(), QStringLiteral("5000"));
     const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
@@ -165,8 +166,8 @@ class LoadWorkflowTest : public QObject {
              QStringLiteral("42"));
   }
 
-  // A missing file or a folder: nothing happens, not even a message.
-  void NoFileDoesNothing() {
+  // A missing file or a folder: no job starts, and a box and the progress text say why.
+  void NoFileStartsNothingAndSaysWhy() {
     WindowFixture f;
     QDir().mkpath(f.Folder() + QStringLiteral("/a_folder"));
     Box(f, "MaxDocCount")->setText(QStringLiteral("9"));
@@ -176,7 +177,11 @@ class LoadWorkflowTest : public QObject {
       QVERIFY(!f.Window().Jobs().Busy());
     }
     QCOMPARE(Box(f, "MaxDocCount")->text(), QStringLiteral("9"));
-    QCOMPARE(f.platform.boxes.size(), 0);
+    QCOMPARE(f.platform.boxes.size(), 2);
+    QVERIFY(f.platform.boxes[0].text.contains(QStringLiteral("does not exist")));
+    QVERIFY(f.platform.boxes[1].text.contains(QStringLiteral("is a folder")));
+    QCOMPARE(f.platform.boxes[1].title, QStringLiteral("Load Error"));
+    QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("is a folder")));
   }
 
   void UnloadableFileSaysLoadError() {

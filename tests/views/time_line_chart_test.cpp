@@ -188,7 +188,7 @@ class TimeLineChartTest : public QObject {
 
   void eventMarksAlongTheTop() {
     TimeLineChartData data = Quiet();
-    At(data, 2).events = QStringLiteral("|Landfall");
+    At(data, 2).events = QStringLiteral("|Landfall|Curfew");
     At(data, 4).events = QStringLiteral("|Flood|Curfew");
     const auto chart = OffscreenChart(data);
     const QImage image = chart->Picture();
@@ -196,7 +196,7 @@ class TimeLineChartTest : public QObject {
     QCOMPARE(PixelAt(image, {245, 10}), kEvent);
     QCOMPARE(PixelAt(image, {445, 10}), kEvent);
     QCOMPARE(CountColour(image, QRectF(0, 0, 500, 200), kEvent), 2 * 30 * 20);
-    QCOMPARE(chart->ToolTipText(2), QStringLiteral("|Landfall"));
+    QCOMPARE(chart->ToolTipText(2), QStringLiteral("Landfall\nCurfew"));
     QCOMPARE(chart->ToolTipText(1), QString());
     QCOMPARE(chart->ToolTipText(9), QString());
   }
@@ -306,7 +306,7 @@ class TimeLineChartTest : public QObject {
     QCOMPARE(hovered.count(), 1);
     QCOMPARE(hovered.at(0).at(0).toInt(), 2);
     QCOMPARE(hovered.at(0).at(1).toString(), window.chart->ChartDetails(2));
-    QCOMPARE(window.Surface()->toolTip(), QStringLiteral("|Landfall"));
+    QCOMPARE(window.Surface()->toolTip(), QStringLiteral("Landfall"));
     QImage snapshot = window.chart->Snapshot();
     // Outline (2, 0)-(2.9, 1): pixel columns 200 and 290.
     QCOMPARE(PixelAt(snapshot, {200, 100}), kHover);
