@@ -74,6 +74,7 @@ bool LoadIndexPage::DoIndex_Click() {
   options.allowNumbers = allowNumbers_->isChecked();
   options.secondaryMinDocFrequency = clampInt(*secDF);
   options.stopListPath = stopPath_->text().toStdString();
+  options.termsPerLetter = capTerms_->isChecked() ? termsPerLetter_->value() : 0;
 
   BeginJob();
   SetIndexingStatus(u"Building word index..."_s);

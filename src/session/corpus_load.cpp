@@ -73,6 +73,11 @@ FieldIndex LastField(const DocumentSet& documents) {
 
 }  // namespace
 
+std::string RepairedLinesNote(std::int64_t lines) {
+  return std::to_string(lines) + (lines == 1 ? " line had" : " lines had") +
+         " bytes that are not UTF-8; those bytes were read as Windows-1252";
+}
+
 std::optional<CorpusFormat> ChooseCorpusFormat(const std::string& path, bool radian,
                                                std::string& error) {
   if (radian) return CorpusFormat::kRadian6;
@@ -242,6 +247,9 @@ LoadReport LoadCorpus(Session& session, const LoadOptions& options, Notifier& no
   clock.Finish("mentions");
 
   documents.SetFieldExpressed(documents.ContentField(), true);
+  if (!isImport) report.repairedLines = documents.RepairedLineCount();
+  if (report.repairedLines > 0)
+    report.progressText += RepairedLinesNote(report.repairedLines) + "\r\n";
   report.progressText += "All done :)";
   const DocIndex count = documents.DocumentCount();
   report.minDocFrequency = count / 1000 + 2;

@@ -73,7 +73,7 @@ TEST(BuildIndexes, BuildsTheFiveIndexesOfASmallCorpus) {
   EXPECT_EQ(Terms(session.WordIndex()), Strings{"harbour"});
   EXPECT_TRUE(session.WordIndex().WeightsApplied());
   EXPECT_EQ(session.WordIndex().DocCount(), 4);
-  EXPECT_EQ(Terms(session.LinkIndex()), Strings{"http://t.co/a"});
+  EXPECT_EQ(Terms(session.LinkIndex()), Strings{"https://t.co/a"});
   EXPECT_EQ(session.LinkIndex().DocFreq(1), 2);
   EXPECT_EQ(Terms(session.HashtagIndex()), Strings{"storm"});            // cleaned and lower-cased
   EXPECT_EQ(Terms(session.MentionIndex()), (Strings{"@KWRN", "@ann"}));  // whole, case kept
@@ -201,6 +201,36 @@ TEST(BuildIndexes, WritesTheIndexingLogOfTheWordIndex) {
   EXPECT_EQ(stages[4], "words: tf-idf");
   EXPECT_EQ(stages[5], "links: assign");
   EXPECT_EQ(stages.back(), "users: counts");
+}
+
+TEST(BuildIndexes, TermsPerFirstLetterIsOffByDefaultAndCountsWhatItDrops) {
+  // Mentions "@KWRN" and "@ann" share bucket 0, users "ann", "bob" and "cy" have a bucket each.
+  struct Case {
+    std::int32_t termsPerLetter;
+    std::int64_t droppedMentions;
+    Strings mentions;
+  };
+  for (const Case& c :
+       {Case{0, 0, {"@KWRN", "@ann"}}, Case{1, 1, {"@KWRN"}}, Case{2, 0, {"@KWRN", "@ann"}}}) {
+    Session session;
+    Fill(session, kTweets);
+    IndexOptions options = SmallOptions();
+    options.termsPerLetter = c.termsPerLetter;
+    const IndexReport report = BuildIndexes(session, options);
+    ASSERT_TRUE(report.indexed) << report.error;
+    const auto mentions = static_cast<std::size_t>(IndexKind::kMentions);
+    EXPECT_EQ(report.droppedTerms[mentions], c.droppedMentions) << c.termsPerLetter;
+    EXPECT_EQ(Terms(session.MentionIndex()), c.mentions) << c.termsPerLetter;
+    const bool logged = report.log.find(
+                            "mentions index: 1 terms dropped (more than 1 per first "
+                            "letter)\r\n") != std::string::npos;
+    EXPECT_EQ(logged, c.droppedMentions > 0) << report.log;
+  }
+  IndexOptions negative = SmallOptions();
+  negative.termsPerLetter = -1;
+  Session session;
+  Fill(session, kTweets);
+  EXPECT_FALSE(BuildIndexes(session, negative).indexed);
 }
 
 TEST(BuildIndexes, AMissingStopListStopsTheRunAndKeepsTheSessionsIndexes) {
@@ -333,8 +363,9 @@ TEST_F(SampleIndexes, SecondaryIndexesHoldWholeTagsLinksMentionsAndUsers) {
   const TermDocumentMatrix& links = session_->LinkIndex();
   EXPECT_GT(links.TermCount(), 20);
   for (std::int32_t t = 1; t <= links.TermCount(); ++t) {
-    EXPECT_TRUE(links.Term(t).starts_with("http://")) << links.Term(t);
-    EXPECT_EQ(links.Term(t).find("https"), std::string::npos) << links.Term(t);
+    const std::string& link = links.Term(t);
+    EXPECT_TRUE(link.starts_with("http://") || link.starts_with("https://")) << link;
+    EXPECT_EQ(link.find("://", link.find("://") + 1), std::string::npos) << link;
   }
   const TermDocumentMatrix& mentions = session_->MentionIndex();
   EXPECT_GT(mentions.TermCount(), 20);
