@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QSpinBox>
 
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
