@@ -4,7 +4,7 @@
 //  * words     the fields chosen for the word index (normally the tweet text), cleaned,
 //              folded, filtered by length and stop list, optionally stemmed, pruned by Min DF
 //              and Max DF, then weighted by tf-idf;
-//  * links     the link column, each link one term with "http://" in front;
+//  * links     the link column, each link one term with its "http://" or "https://";
 //  * hashtags  the hashtag column, cleaned and lower-cased like words (stop list, 3 letters);
 //  * mentions  the mention column, each mention one term, case kept;
 //  * users     the author column, each user name one term, case kept.
