@@ -76,10 +76,10 @@ void Finish(MapReport& report, Stopwatch& watch, std::string stage) {
   report.stages.push_back({std::move(stage), watch.Lap()});
 }
 
-// A tweet map's node label, by which a picture or an export leads back to the tweet: its row
-// as the document viewer numbers it (from 1) and, where the corpus has one, its tweet ID.
+// A tweet map's node label, by which an export leads back to the tweet: its corpus row
+// (from 0, as the map's summary names the rows) and, where the corpus has one, its tweet ID.
 std::string TweetLabel(const DocumentSet* corpus, DocIndex row) {
-  std::string label = "row " + std::to_string(row + 1);
+  std::string label = "row " + std::to_string(row);
   if (corpus == nullptr) return label;
   for (int f = 0; f < corpus->FieldCount(); ++f) {
     const auto field = static_cast<FieldIndex>(f);

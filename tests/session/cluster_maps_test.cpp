@@ -371,10 +371,10 @@ TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
   EXPECT_EQ(map.interval, 2);
   EXPECT_EQ(map.firstDocument, 6);
   EXPECT_EQ(map.NodeCount(), 6);
-  // Labelled with the corpus row (from 1) and the tweet ID, to be traced back from an export.
+  // Labelled with the corpus row and the tweet ID, to be traced back from an export.
   EXPECT_EQ(map.labels,
-            (std::vector<std::string>{"row 7 id 9006", "row 8 id 9007", "row 9 id 9008",
-                                      "row 10 id 9009", "row 11 id 9010", "row 12 id 9011"}));
+            (std::vector<std::string>{"row 6 id 9006", "row 7 id 9007", "row 8 id 9008",
+                                      "row 9 id 9009", "row 10 id 9010", "row 11 id 9011"}));
   EXPECT_EQ(map.weights, std::vector<float>(6, 1.0f));
   EXPECT_EQ(map.layout.EdgeCount(), 5);
   // Tweets 6 and 7 (storm), 8 and 9 (power), 10 and 11 (music): each pair is linked.
