@@ -17,6 +17,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -25,6 +26,7 @@
 #include "app/platform.h"
 #include "app/term_list_model.h"
 #include "common/leading_number.h"
+#include "session/corpus_index.h"
 #include "views/table_lens.h"
 
 #include "app/page_widgets.h"
@@ -163,6 +165,17 @@ QGroupBox* LoadIndexPage::BuildWordIndexOptions() {
   grid->addWidget(new QLabel(u"Min Chars"_s), 2, 0);
   grid->addWidget(minChars_, 2, 1);
   grid->addWidget(allowNumbers_, 2, 2);
+  capTerms_ = Named(new QCheckBox(u"Terms per first letter"_s), u"CapTerms"_s);
+  capTerms_->setToolTip(
+      u"Keep at most this many terms per first letter in each index, in order of first "
+      "appearance"_s);
+  termsPerLetter_ = Named(new QSpinBox, u"TermsPerLetter"_s);
+  termsPerLetter_->setRange(1, 1000000);
+  termsPerLetter_->setValue(kDefaultTermsPerLetter);
+  termsPerLetter_->setEnabled(false);
+  connect(capTerms_, &QCheckBox::toggled, termsPerLetter_, &QSpinBox::setEnabled);
+  grid->addWidget(capTerms_, 3, 0, 1, 2);
+  grid->addWidget(termsPerLetter_, 3, 2);
   return frame;
 }
 

@@ -34,6 +34,7 @@ class QPlainTextEdit;
 class QPushButton;
 class QScrollBar;
 class QSlider;
+class QSpinBox;
 class QTabWidget;
 class QTableView;
 
@@ -228,6 +229,9 @@ class LoadIndexPage final : public QWidget {
   QCheckBox* port_ = nullptr;
   QCheckBox* abbrev_ = nullptr;
   QCheckBox* allowNumbers_ = nullptr;
+  // "Terms per first letter": the cap of every index, off by default.
+  QCheckBox* capTerms_ = nullptr;
+  QSpinBox* termsPerLetter_ = nullptr;
   QPushButton* doIndex_ = nullptr;
   QLabel* indexingStatusLabel_ = nullptr;
   QPlainTextEdit* tdmLog_ = nullptr;

@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QSpinBox>
 
 #include "app/job_runner.h"
 #include "app/load_index_page.h"
@@ -74,6 +75,7 @@ bool LoadIndexPage::DoIndex_Click() {
   options.allowNumbers = allowNumbers_->isChecked();
   options.secondaryMinDocFrequency = clampInt(*secDF);
   options.stopListPath = stopPath_->text().toStdString();
+  options.termsPerLetter = capTerms_->isChecked() ? termsPerLetter_->value() : 0;
 
   BeginJob();
   SetIndexingStatus(u"Building word index..."_s);

@@ -15,6 +15,7 @@ void RemoveAll(std::string& text, std::string_view what) {
 
 std::string GetURLDomain(std::string_view url, bool stripFirstLabel) {
   std::string host(url);
+  RemoveAll(host, "https://");
   RemoveAll(host, "http://");
   RemoveAll(host, "www.");
   if (const std::size_t slash = host.find('/'); slash != std::string::npos) host.resize(slash);

@@ -6,7 +6,7 @@
 
 namespace sylvora::app {
 
-// The host part of a link: every "http://" and every "www." removed, cut before the first
+// The host part of a link: every "http://", "https://" and "www." removed, cut before the first
 // "/" (a link without "/" stays whole), and with `stripFirstLabel`, when more than one "."
 // remains, everything up to and including the first "." dropped.
 // "http://www.ab.cd/xyz" -> "ab.cd"; "http://news.abcdefgh.ij/x" (stripped) -> "abcdefgh.ij".

@@ -3,7 +3,7 @@
 // corpus beside the original with "_" appended to its name.
 //
 // A link index over the link column alone makes each distinct link one term (terms are the
-// links with their "http://" put back, as the link index writes them). For each term in term
+// links with their scheme put back, as the link index writes them). For each term in term
 // order: the host (GetURLDomain with the first label stripped) of 8 or more characters means
 // the link is not short; otherwise one attempt is counted and the expander is asked; a long
 // link whose length differs from the short one is a success and replaces the short link in

@@ -19,6 +19,7 @@ constexpr const char* kUsage =
     "                              [--max-docs N] [--min-df N] [--max-df N] [--min-chars N]\n"
     "                              [--no-porter] [--no-abbrev] [--allow-numbers]\n"
     "                              [--secondary-min-df N] [--stop-list PATH]\n"
+    "                              [--max-per-letter N]\n"
     "                              [--map ROLE=COLUMN] [--skip-bad]\n";
 
 constexpr std::size_t kTopTerms = 20;
@@ -83,7 +84,8 @@ bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& 
   const auto secondary = line.Number("secondary-min-df", 2, 0, kWholeMax);
   const auto minDF = line.Number("min-df", -1, 0, kWholeMax);
   const auto maxDF = line.Number("max-df", -1, 0, kWholeMax);
-  if (!minDocLen || !maxDocs || !minChars || !secondary || !minDF || !maxDF) {
+  const auto perLetter = line.Number("max-per-letter", 0, 0, kWholeMax);
+  if (!minDocLen || !maxDocs || !minChars || !secondary || !minDF || !maxDF || !perLetter) {
     err << line.Error() << '\n';
     return false;
   }
@@ -93,6 +95,7 @@ bool ReadCorpusOptions(CommandLine& line, CorpusOptions& options, std::ostream& 
   options.index.secondaryMinDocFrequency = static_cast<std::int32_t>(*secondary);
   if (line.Has("min-df")) options.index.minDocFrequency = static_cast<std::int32_t>(*minDF);
   if (line.Has("max-df")) options.index.maxDocFrequency = static_cast<double>(*maxDF);
+  options.index.termsPerLetter = static_cast<std::int32_t>(*perLetter);
   options.index.porter = !line.Has("no-porter");
   options.index.abbreviations = !line.Has("no-abbrev");
   options.index.allowNumbers = line.Has("allow-numbers");
@@ -123,8 +126,9 @@ std::string DefaultStopListPath() {
 }
 
 std::set<std::string> CorpusValueOptions() {
-  std::set<std::string> options = {"unit",   "min-doc-len", "max-docs",         "min-df",
-                                   "max-df", "min-chars",   "secondary-min-df", "stop-list"};
+  std::set<std::string> options = {"unit",          "min-doc-len", "max-docs",         "min-df",
+                                   "max-df",        "min-chars",   "secondary-min-df", "stop-list",
+                                   "max-per-letter"};
   std::set<std::string> switches;
   AddImportFlags(options, switches);
   return options;
@@ -188,6 +192,14 @@ int RunIndexCommand(const std::vector<std::string>& arguments, std::ostream& out
       << ", Porter stemming " << OnOff(options.index.porter) << ", abbreviations "
       << OnOff(options.index.abbreviations) << '\n';
   out << "Other indexes: Min DF " << options.index.secondaryMinDocFrequency << '\n';
+  if (options.index.termsPerLetter > 0) {
+    out << "Terms per first letter: " << options.index.termsPerLetter << "; dropped:";
+    for (const IndexKind kind : kPrintOrder) {
+      out << ' ' << IndexKindName(kind) << ' '
+          << report.droppedTerms[static_cast<std::size_t>(kind)];
+    }
+    out << '\n';
+  }
   for (const IndexKind kind : kPrintOrder) {
     out << '\n';
     PrintIndex(out, kind, session.Index(kind));

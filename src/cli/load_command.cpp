@@ -57,6 +57,8 @@ void PrintSummary(std::ostream& out, const Session& session, const LoadReport& r
   out << "Format:    " << static_cast<int>(session.Corpus().format) << " ("
       << CorpusFormatName(session.Corpus().format) << ")\n";
   out << "Documents: " << summary.documents << '\n';
+  if (report.repairedLines > 0)
+    out << "Encoding:  " << RepairedLinesNote(report.repairedLines) << '\n';
   out << "From:      " << summary.firstDateTime << '\n';
   out << "To:        " << summary.lastDateTime << '\n';
   out << "Fields:\n";

@@ -100,18 +100,92 @@ std::string Utf16ToUtf8(std::string_view bytes, bool bigEndian) {
   return out;
 }
 
-SourceEncoding DecodeText(std::string& bytes) {
+namespace {
+
+// The byte length of the well-formed UTF-8 sequence at p[i], or 0 when there is none.
+std::size_t SequenceLength(const unsigned char* p, std::size_t i, std::size_t n) {
+  const unsigned char c = p[i];
+  std::size_t len;
+  char32_t minimum;
+  char32_t cp;
+  if ((c & 0xE0) == 0xC0) {
+    len = 2, minimum = 0x80, cp = c & 0x1F;
+  } else if ((c & 0xF0) == 0xE0) {
+    len = 3, minimum = 0x800, cp = c & 0x0F;
+  } else if ((c & 0xF8) == 0xF0) {
+    len = 4, minimum = 0x10000, cp = c & 0x07;
+  } else {
+    return 0;
+  }
+  if (i + len > n) return 0;
+  for (std::size_t k = 1; k < len; ++k) {
+    if ((p[i + k] & 0xC0) != 0x80) return 0;
+    cp = (cp << 6) | (p[i + k] & 0x3F);
+  }
+  if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
+  return len;
+}
+
+// Appends `line` with its well-formed UTF-8 sequences kept and every other byte read as its
+// Windows-1252 character.
+void AppendRepaired(std::string_view line, std::string& out) {
+  const auto* p = reinterpret_cast<const unsigned char*>(line.data());
+  const std::size_t n = line.size();
+  std::size_t i = 0;
+  while (i < n) {
+    if (p[i] < 0x80) {
+      out.push_back(static_cast<char>(p[i++]));
+      continue;
+    }
+    if (const std::size_t len = SequenceLength(p, i, n); len > 0) {
+      out.append(line.substr(i, len));
+      i += len;
+      continue;
+    }
+    const unsigned char b = p[i++];
+    AppendUtf8(out, b < 0xA0 ? kHighControlRange[b - 0x80] : static_cast<char32_t>(b));
+  }
+}
+
+}  // namespace
+
+std::size_t RepairUtf8Lines(std::string& bytes) {
+  const std::string_view text(bytes);
+  std::string out;
+  std::size_t repaired = 0;
+  std::size_t copiedTo = 0;  // text[0, copiedTo) is already in `out`
+  std::size_t start = 0;
+  while (start < text.size()) {
+    std::size_t end = text.find('\n', start);
+    end = end == std::string_view::npos ? text.size() : end + 1;
+    const std::string_view line = text.substr(start, end - start);
+    if (!IsValidUtf8(line)) {
+      if (out.empty()) out.reserve(text.size() + text.size() / 16);
+      out.append(text.substr(copiedTo, start - copiedTo));
+      AppendRepaired(line, out);
+      copiedTo = end;
+      ++repaired;
+    }
+    start = end;
+  }
+  if (repaired == 0) return 0;
+  out.append(text.substr(copiedTo));
+  bytes = std::move(out);
+  return repaired;
+}
+
+SourceEncoding DecodeText(std::string& bytes, std::size_t* repairedLines) {
+  if (repairedLines != nullptr) *repairedLines = 0;
   if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
     const bool bigEndian = bytes[0] == '\xFE';
     bytes = Utf16ToUtf8(std::string_view(bytes).substr(2), bigEndian);
     return SourceEncoding::kUtf16;
   }
-  if (IsValidUtf8(bytes)) {
-    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
-    return SourceEncoding::kUtf8;
-  }
-  bytes = Windows1252ToUtf8(bytes);
-  return SourceEncoding::kWindows1252;
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
+  if (IsValidUtf8(bytes)) return SourceEncoding::kUtf8;
+  const std::size_t repaired = RepairUtf8Lines(bytes);
+  if (repairedLines != nullptr) *repairedLines = repaired;
+  return SourceEncoding::kMixed;
 }
 
 int Windows1252Code(char32_t cp) {

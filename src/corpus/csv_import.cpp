@@ -257,11 +257,18 @@ bool ImportCsvRecords(const std::string& name, ByteBuffer&& input, const ImportO
     report.error = std::move(message);
     return false;
   };
-  // A file that is not UTF-8 comes from an older tool: read it as Windows-1252.
+  // Bytes that are not UTF-8 come from an older tool: in the lines that hold them, they are
+  // read as Windows-1252, and the warning says how many lines that was.
   std::size_t size = input.Size();
   if (!IsValidUtf8(std::string_view(input.Data(), size))) {
     std::string decoded(input.Data(), size);
-    DecodeText(decoded);
+    std::size_t repaired = 0;
+    DecodeText(decoded, &repaired);
+    if (repaired > 0) {
+      report.warnings.push_back(std::to_string(repaired) +
+                                (repaired == 1 ? " line had" : " lines had") +
+                                " bytes that are not UTF-8; those bytes were read as Windows-1252");
+    }
     ByteBuffer copy(decoded.size() + 1);
     std::memcpy(copy.Data(), decoded.data(), decoded.size());
     copy.SetSize(decoded.size());

@@ -109,6 +109,9 @@ class DocumentSet {
   const std::string& RecordDelimiter() const { return recordDelimiter_; }
   ParseMode Mode() const { return parseMode_; }
   bool HasHeaderRow() const { return hasHeaderRow_; }
+  // Lines of the last loaded file that were not valid UTF-8 and had their stray bytes read
+  // as Windows-1252 (0 for a UTF-8 or UTF-16 file).
+  std::int64_t RepairedLineCount() const { return repairedLines_; }
   std::string FieldStartMarker(FieldIndex index) const;
   std::string FieldEndMarker(FieldIndex index) const;
 
@@ -168,8 +171,9 @@ class DocumentSet {
   const std::vector<UndatedRow>& UndatedRows() const { return undatedRows_; }
   // Deletes the given rows (0-based, ascending); later rows move up. O(rows x fields).
   void RemoveDocuments(const std::vector<DocIndex>& rows);
-  // Moves "http://" links out of the source text; the first long enough goes to a new field
-  // (existingURLField == 0) or to that existing field. False when that field does not exist.
+  // Moves "http://" and "https://" links out of the source text; the first long enough goes to a
+  // new field (existingURLField == 0) or to that existing field. False when that field does not
+  // exist.
   bool DeriveLinksField(FieldIndex sourceField, std::string_view fieldName,
                         FieldIndex existingURLField, const ProgressCallback& progress = {});
   bool DeriveTwitterHashField(FieldIndex sourceField, std::string_view fieldName,
@@ -226,6 +230,7 @@ class DocumentSet {
   std::string recordDelimiter_;
   ParseMode parseMode_ = ParseMode::kMarkers;
   bool hasHeaderRow_ = false;
+  std::int64_t repairedLines_ = 0;
 
   FieldIndex contentField_ = 0;
   FieldIndex authorField_ = 0;

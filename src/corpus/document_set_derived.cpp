@@ -65,6 +65,16 @@ std::string ConvertTwitterDate(std::string_view cell) {
   return out;
 }
 
+// Where the first link of `text` at or after `from` starts: "http://" or "https://".
+std::size_t FindLink(std::string_view text, std::size_t from = 0) {
+  for (std::size_t at = text.find("http", from); at != std::string_view::npos;
+       at = text.find("http", at + 1)) {
+    const std::string_view rest = text.substr(at + 4);
+    if (rest.starts_with("://") || rest.starts_with("s://")) return at;
+  }
+  return std::string_view::npos;
+}
+
 // The extent of a tag or link starting at `start`: up to the next space, or the end.
 std::size_t TokenEnd(std::string_view text, std::size_t start) {
   const std::size_t space = text.find(' ', start);
@@ -199,16 +209,15 @@ bool DocumentSet::DeriveLinksField(FieldIndex sourceField, std::string_view fiel
   } else if (existingURLField >= columns_.size()) {
     return Fail("The link field " + std::to_string(existingURLField) + " does not exist");
   }
-  constexpr std::string_view kScheme = "http://";
   ProgressReporter reporter(progress, "Extracting links", docCount_);
   for (DocIndex d = 0; d < docCount_; ++d) {
     reporter.Step();
     std::string_view source = columns_[sourceField][d];
-    if (source.find(kScheme) == std::string_view::npos) continue;
+    if (FindLink(source) == std::string_view::npos) continue;
     std::string text(source);
     std::string destination(columns_[target][d]);
     while (true) {
-      const std::size_t start = text.find(kScheme);
+      const std::size_t start = FindLink(text);
       if (start == std::string::npos) break;
       const std::size_t end = TokenEnd(text, start);
       const std::string link = text.substr(start, end - start);

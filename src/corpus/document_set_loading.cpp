@@ -144,6 +144,7 @@ std::string ValidDocsFileName(const std::string& path, DocIndex count) {
 }  // namespace
 
 std::string_view DocumentSet::DecodeAndStore(const std::string& filePath, ByteBuffer&& bytes) {
+  repairedLines_ = 0;
   std::string_view raw(bytes.Data(), bytes.Size());
   const bool utf16 = raw.starts_with("\xFF\xFE") || raw.starts_with("\xFE\xFF");
   if (!utf16 && std::memchr(raw.data(), '\0', raw.size()) != nullptr) {
@@ -152,7 +153,9 @@ std::string_view DocumentSet::DecodeAndStore(const std::string& filePath, ByteBu
   }
   if (utf16 || !IsValidUtf8(raw)) {
     std::string decoded(raw);
-    DecodeText(decoded);
+    std::size_t repaired = 0;
+    DecodeText(decoded, &repaired);
+    repairedLines_ = static_cast<std::int64_t>(repaired);
     std::erase(decoded, '\r');
     return store_.Adopt(decoded);
   }

@@ -1,41 +1,11 @@
 #include "indexing/character_classes.h"
 
-#include <array>
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
 
 #include "common/code_points.h"
 
 namespace sylvora {
-namespace {
-
-bool IsSeparatorCode(int code) {
-  return (code >= 1 && code <= 64) || (code >= 91 && code <= 96) || (code >= 123 && code <= 254);
-}
-
-// Separator flags for every code point below U+0800 (one or two UTF-8 bytes), which covers
-// ASCII, Latin-1 and most alphabets; rarer characters go through Windows1252Code.
-constexpr char32_t kTableSize = 0x800;
-
-const std::array<bool, kTableSize>& SeparatorTable() {
-  static const std::array<bool, kTableSize> table = [] {
-    std::array<bool, kTableSize> flags{};
-    for (char32_t cp = 0; cp < kTableSize; ++cp) flags[cp] = IsSeparatorCode(CharacterCode(cp));
-    return flags;
-  }();
-  return table;
-}
-
-// Latin Extended-A: which code points are upper-case letters with the next code point as
-// their lower-case form.
-bool IsLatinExtendedUpper(char32_t cp) {
-  if (cp >= 0x0100 && cp <= 0x012F) return cp % 2 == 0;
-  if (cp >= 0x0132 && cp <= 0x0137) return cp % 2 == 0;
-  if (cp >= 0x0139 && cp <= 0x0148) return cp % 2 == 1;
-  if (cp >= 0x014A && cp <= 0x0177) return cp % 2 == 0;
-  if (cp >= 0x0179 && cp <= 0x017E) return cp % 2 == 1;
-  return false;
-}
-
-}  // namespace
 
 int CharacterCode(char32_t cp) {
   const int code = Windows1252Code(cp);
@@ -44,20 +14,40 @@ int CharacterCode(char32_t cp) {
 
 bool IsTokenSeparator(char32_t cp) {
   if (cp < 0x80) return IsAsciiSeparator(static_cast<unsigned char>(cp));
-  if (cp < kTableSize) return SeparatorTable()[cp];
-  return IsSeparatorCode(Windows1252Code(cp));
+  const auto c = static_cast<UChar32>(cp);
+  return (U_GET_GC_MASK(c) & (U_GC_L_MASK | U_GC_N_MASK | U_GC_M_MASK)) == 0;
+}
+
+bool IsCombiningMark(char32_t cp) {
+  return cp >= 0x80 && (U_GET_GC_MASK(static_cast<UChar32>(cp)) & U_GC_M_MASK) != 0;
 }
 
 char32_t LowerCase(char32_t cp) {
   if (cp < 0x80) return (cp >= 'A' && cp <= 'Z') ? cp + 32 : cp;
-  if (cp >= 0xC0 && cp <= 0xDE && cp != 0xD7) return cp + 0x20;  // À..Þ
-  if (cp == 0x0178) return 0x00FF;                               // Ÿ
-  if (IsLatinExtendedUpper(cp)) return cp + 1;                   // Ā, Ł, Œ, Š, Ž ...
-  if ((cp >= 0x0391 && cp <= 0x03A1) || (cp >= 0x03A3 && cp <= 0x03AB)) return cp + 0x20;
-  if (cp >= 0x0410 && cp <= 0x042F) return cp + 0x20;  // А..Я
-  if (cp >= 0x0400 && cp <= 0x040F) return cp + 0x50;  // Ѐ..Џ
-  if (cp >= 0x0531 && cp <= 0x0556) return cp + 0x30;  // Armenian
-  return cp;
+  return static_cast<char32_t>(u_tolower(static_cast<UChar32>(cp)));
+}
+
+bool IsLowerCaseLetter(char32_t cp) {
+  if (cp < 0x80) return cp >= 'a' && cp <= 'z';
+  return u_islower(static_cast<UChar32>(cp)) != 0;
+}
+
+bool IsLatinScriptWord(std::string_view word) {
+  std::size_t pos = 0;
+  while (pos < word.size() && static_cast<unsigned char>(word[pos]) < 0x80) ++pos;
+  while (pos < word.size()) {
+    std::size_t length = 1;
+    const char32_t cp = DecodeUtf8At(word, pos, length);
+    pos += length;
+    if (cp < 0x80 || !u_isalpha(static_cast<UChar32>(cp))) continue;
+    UErrorCode error = U_ZERO_ERROR;
+    const UScriptCode script = uscript_getScript(static_cast<UChar32>(cp), &error);
+    if (U_FAILURE(error)) continue;
+    if (script != USCRIPT_LATIN && script != USCRIPT_COMMON && script != USCRIPT_INHERITED) {
+      return false;
+    }
+  }
+  return true;
 }
 
 int FirstLetterBucket(std::string_view term) {

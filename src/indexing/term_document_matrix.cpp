@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "common/leading_number.h"
+#include "indexing/character_classes.h"
 #include "indexing/porter.h"
 
 namespace sylvora {
@@ -23,8 +24,9 @@ const std::string& TermDocumentMatrix::Term(std::int32_t mIndex) const {
 }
 
 std::int32_t TermDocumentMatrix::TermIndex(std::string_view termStr) const {
-  const std::string stemmed = isStemmed_ ? Porter::Stem(termStr) : std::string();
-  const std::string_view wanted = isStemmed_ ? std::string_view(stemmed) : termStr;
+  const bool stem = isStemmed_ && IsLatinScriptWord(termStr);
+  const std::string stemmed = stem ? Porter::Stem(termStr) : std::string();
+  const std::string_view wanted = stem ? std::string_view(stemmed) : termStr;
   for (std::size_t t = 0; t < terms_.size(); ++t) {
     if (terms_[t] == wanted) return static_cast<std::int32_t>(t) + 1;
   }

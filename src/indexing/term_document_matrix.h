@@ -43,8 +43,10 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "common/numbering.h"
@@ -61,8 +63,10 @@ class TermDocumentMatrix {
  public:
   // The one term of a vocabulary built from text without any token; it sits in the "f" bucket.
   static constexpr std::string_view kPlaceholderTerm = "foo";
-  // The scheme that a link index puts back in front of every term.
+  // The schemes that a link index puts back in front of its terms: kSecureLinkPrefix for a
+  // link that was written with it (at least once), kLinkPrefix for every other.
   static constexpr std::string_view kLinkPrefix = "http://";
+  static constexpr std::string_view kSecureLinkPrefix = "https://";
   // The weighting schemes of TermWeight and SaveTDM.
   static constexpr std::int32_t kRawFrequency = 0;
   static constexpr std::int32_t kInverseDocumentFrequency = 1;
@@ -80,11 +84,11 @@ class TermDocumentMatrix {
   // expressed field joined by single spaces, without leading or trailing spaces. `numDocs` is
   // lowered to documents.DocumentCount() (and raised to 0), and the caller sees the new value.
   // With `urlIndex` the index becomes a link index (IsURLIndex, never cleared) and every
-  // "http://", then every "https://", is removed from the text. Text is assigned once per
-  // object: a second call only clamps `numDocs` and may set IsURLIndex.
-  // BasePath becomes the corpus path up to its first "." (folders included), or gets "/temp"
-  // appended when the path has no "."; Version becomes 0.
-  // False when cancelled (nothing assigned).
+  // "http://", then every "https://", is removed from the text (the links that had
+  // "https://" are remembered, so that BuildTDM gives them their scheme back). Text is assigned
+  // once per object: a second call only clamps `numDocs` and may set IsURLIndex. BasePath becomes
+  // the corpus path up to its first "." (folders included), or gets "/temp" appended when the path
+  // has no "."; Version becomes 0. False when cancelled (nothing assigned).
   bool AssignText(const DocumentSet& documents, DocIndex& numDocs, bool urlIndex,
                   const ProgressCallback& progress = {});
 
@@ -94,8 +98,9 @@ class TermDocumentMatrix {
   //    RemoveStopWords (token_list.h). The stop list is read from `stopFilePath` the first time
   //    it is needed, keeping lines of at least `minLen` characters, and kept for the life of
   //    the object (later paths and lengths are not read).
-  // Then tokens of fewer than 2 characters are dropped and, with `porter`, the others are
-  // stemmed (Porter::Stem), which also makes TermIndex stem its argument (IsStemmed).
+  // Then tokens of fewer than 2 characters are dropped and, with `porter`, the Latin-script
+  // others are stemmed (Porter::Stem), which also makes TermIndex stem a Latin-script
+  // argument (IsStemmed).
   // Without text it does nothing but set IsStemmed. Throws StopListError, with no text
   // processed, when the stop list cannot be used. False when cancelled.
   bool Preprocess(bool tokeniseOnly, bool keepAbbrevs, std::uint8_t minLen,
@@ -117,18 +122,23 @@ class TermDocumentMatrix {
 
   // Builds the vocabulary from the tokens of the text (split at single spaces; empty tokens
   // are skipped). Each first-letter bucket holds at most `maxCharSlotSz` + 1 terms, taken in
-  // order of first appearance; a new token that finds its bucket full is dropped without
-  // notice and never becomes a term. A text without tokens gives the one term "foo". Only
+  // order of first appearance (kNoSlotLimit: no limit; below 0: none); a new token that finds
+  // its bucket full is dropped and never becomes a term, and DroppedTermCount() says how many
+  // distinct tokens were. A text without tokens gives the one term "foo". Only
   // `gramLen` 0 reads the text; any other value yields just "foo". Calling it again starts the
   // vocabulary over and discards counts and weights. False when cancelled.
-  bool BuildVocab(std::uint8_t gramLen, std::int16_t maxCharSlotSz,
+  bool BuildVocab(std::uint8_t gramLen, std::int32_t maxCharSlotSz,
                   const ProgressCallback& progress = {});
+  static constexpr std::int32_t kNoSlotLimit = std::numeric_limits<std::int32_t>::max() - 1;
+  // The distinct tokens the last BuildVocab dropped because their bucket was full.
+  std::int64_t DroppedTermCount() const { return droppedTermCount_; }
 
   // Counts every term in every document (DocFreq, GlobalFreq, the matrix columns), then keeps
   // the terms with minDF <= DocFreq <= maxDF (absolute numbers of documents, inclusive); the
   // kept terms close up in order. When no term qualifies nothing is pruned: the whole
-  // vocabulary, its counts and the text stay. Otherwise a link index gets "http://" put in
-  // front of every term and the text is released. False, with LastError(), when no
+  // vocabulary, its counts and the text stay. Otherwise a link index gets its scheme put
+  // back in front of every term ("https://" for links seen with it, else "http://") and the
+  // text is released. False, with LastError(), when no
   // vocabulary was built from the current text; false when cancelled.
   bool BuildTDM(std::int32_t minDF, std::int32_t maxDF, const ProgressCallback& progress = {});
 
@@ -217,6 +227,8 @@ class TermDocumentMatrix {
   DocumentTexts text_;  // document d (1-based) at d - 1
   DocIndex docCount_ = 0;
   bool isURLIndex_ = false;
+  // Link index: the links (without scheme) that were written with "https://".
+  std::unordered_set<std::string> secureLinks_;
   bool isStemmed_ = false;
   std::string basePath_;
   std::uint8_t version_ = 0;
@@ -224,6 +236,7 @@ class TermDocumentMatrix {
 
   // Vocabulary and statistics; term t (1-based) at index t - 1.
   std::vector<std::string> terms_;
+  std::int64_t droppedTermCount_ = 0;
   std::array<std::int32_t, 28> letterStart_{};
   std::vector<std::int32_t> docFreq_;
   std::vector<std::int32_t> globalFreq_;

@@ -103,7 +103,9 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
   if (!pruned) return true;
 
   if (isURLIndex_) {
-    for (std::string& term : terms_) term.insert(0, kLinkPrefix);
+    for (std::string& term : terms_) {
+      term.insert(0, secureLinks_.contains(term) ? kSecureLinkPrefix : kLinkPrefix);
+    }
   }
   ReleaseText();
   return true;

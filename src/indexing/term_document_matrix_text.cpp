@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "common/code_points.h"
+#include "indexing/character_classes.h"
 #include "indexing/porter.h"
 #include "indexing/term_document_matrix.h"
 #include "indexing/token_list.h"
@@ -11,10 +12,22 @@
 namespace sylvora {
 namespace {
 
-// A link index keeps links without their scheme; BuildTDM puts "http://" back.
-std::string_view StripLinkSchemes(std::string_view text, std::string& scratch) {
+// A link index keeps links without their scheme; BuildTDM puts the scheme back, so the links
+// that were written with "https://" are noted in `secure` (up to the next space).
+std::string_view StripLinkSchemes(std::string_view text, std::string& scratch,
+                                  std::unordered_set<std::string>& secure) {
   if (text.find("http") == std::string_view::npos) return text;
-  scratch = ReplaceAll(ReplaceAll(text, "http://", ""), "https://", "");
+  const std::string withoutPlain = ReplaceAll(text, "http://", "");
+  constexpr std::string_view kSecure = "https://";
+  for (std::size_t at = withoutPlain.find(kSecure); at != std::string::npos;
+       at = withoutPlain.find(kSecure, at + 1)) {
+    const std::size_t start = at + kSecure.size();
+    const std::size_t space = withoutPlain.find(' ', start);
+    std::string link =
+        withoutPlain.substr(start, space == std::string::npos ? space : space - start);
+    secure.insert(ReplaceAll(link, kSecure, ""));
+  }
+  scratch = ReplaceAll(withoutPlain, kSecure, "");
   return scratch;
 }
 
@@ -25,13 +38,14 @@ std::string BasePathOf(const std::string& corpusPath, const std::string& current
 }
 
 // The text of a document from its tokens: those of at least 2 characters, stemmed with
-// `porter`, each after a single space, then without the first space.
+// `porter` when they are Latin-script words (the stemmer knows English endings only), each
+// after a single space, then without the first space.
 void JoinTokens(const TokenList& tokens, bool porter, std::string& out) {
   out.clear();
   for (std::size_t i = 0; i < tokens.Count(); ++i) {
     if (tokens.Characters(i) < 2) continue;
     out += ' ';
-    if (porter) {
+    if (porter && IsLatinScriptWord(tokens.Token(i))) {
       out += Porter::Stem(tokens.Token(i));
     } else {
       out += tokens.Token(i);
@@ -70,7 +84,7 @@ bool TermDocumentMatrix::AssignText(const DocumentSet& documents, DocIndex& numD
       joined += documents.Cell(d, f);
     }
     std::string_view text = TrimSpaces(joined);
-    if (isURLIndex_) text = StripLinkSchemes(text, stripped);
+    if (isURLIndex_) text = StripLinkSchemes(text, stripped, secureLinks_);
     texts.Append(text);
     if (!reporter.Step()) return false;
   }
@@ -133,6 +147,7 @@ std::size_t TermDocumentMatrix::TextCount() const {
 
 void TermDocumentMatrix::ReleaseText() {
   text_.Clear();
+  std::unordered_set<std::string>().swap(secureLinks_);
   std::vector<std::int32_t>().swap(tokenTerms_);
   std::vector<std::size_t>().swap(tokenStart_);
 }

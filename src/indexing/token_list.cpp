@@ -1,7 +1,5 @@
 #include "indexing/token_list.h"
 
-#include <cassert>
-
 #include "common/code_points.h"
 #include "indexing/character_classes.h"
 #include "indexing/stop_list.h"
@@ -13,6 +11,12 @@ void TokenList::Add(std::string_view token, std::size_t characters) {
                      static_cast<std::uint32_t>(token.size()),
                      static_cast<std::uint32_t>(characters)});
   bytes_.append(token);
+}
+
+void TokenList::Replace(std::size_t i, std::string_view text) {
+  tokens_[i].offset = static_cast<std::uint32_t>(bytes_.size());
+  tokens_[i].bytes = static_cast<std::uint32_t>(text.size());
+  bytes_.append(text);
 }
 
 std::vector<std::string> TokenList::Strings() const {
@@ -34,8 +38,13 @@ void TokeniseDocument(std::string_view text, TokenList& tokens) {
   while (pos < text.size()) {
     const auto byte = static_cast<unsigned char>(text[pos]);
     std::size_t length = 1;
-    const bool separator =
-        byte < 0x80 ? IsAsciiSeparator(byte) : IsTokenSeparator(DecodeUtf8At(text, pos, length));
+    bool separator;
+    if (byte < 0x80) {
+      separator = IsAsciiSeparator(byte);
+    } else {
+      const char32_t cp = DecodeUtf8At(text, pos, length);
+      separator = IsTokenSeparator(cp) || (characters == 0 && IsCombiningMark(cp));
+    }
     if (separator) {
       finish(pos);
     } else {
@@ -62,51 +71,63 @@ void SplitOnSpaces(std::string_view text, TokenList& tokens) {
 
 namespace {
 
-// The code of the character at byte `pos` and its byte length.
-int CodeAt(std::string_view token, std::size_t pos, std::size_t& length) {
+// The character at byte `pos` and its byte length.
+char32_t CharacterAt(std::string_view token, std::size_t pos, std::size_t& length) {
   const auto byte = static_cast<unsigned char>(token[pos]);
   if (byte < 0x80) {
     length = 1;
     return byte;
   }
-  return CharacterCode(DecodeUtf8At(token, pos, length));
+  return DecodeUtf8At(token, pos, length);
 }
 
-void LowerInPlace(char* data, std::size_t bytes) {
-  std::size_t pos = 0;
-  while (pos < bytes) {
+// A lower-case letter in the sense of the case rules: in ASCII any code above 96, outside it
+// Unicode's lower case.
+bool StartsLowerCase(char32_t cp) { return cp < 0x80 ? cp > 96 : IsLowerCaseLetter(cp); }
+
+// Lower-cases token i: ASCII in place, other letters by Unicode's mapping (which may change
+// the byte length, and then the token is rewritten).
+void LowerToken(TokenList& tokens, std::size_t i, std::string& scratch) {
+  char* data = tokens.MutableData(i);
+  const std::string_view token = tokens.Token(i);
+  bool ascii = true;
+  for (std::size_t pos = 0; pos < token.size(); ++pos) {
     const auto byte = static_cast<unsigned char>(data[pos]);
-    if (byte < 0x80) {
-      if (byte >= 'A' && byte <= 'Z') data[pos] = static_cast<char>(byte + 32);
-      ++pos;
-      continue;
+    if (byte >= 0x80) {
+      ascii = false;
+      break;
     }
+    if (byte >= 'A' && byte <= 'Z') data[pos] = static_cast<char>(byte + 32);
+  }
+  if (ascii) return;
+  scratch.clear();
+  std::size_t pos = 0;
+  while (pos < token.size()) {
     std::size_t length = 1;
-    const std::string_view rest(data + pos, bytes - pos);
-    const char32_t cp = DecodeUtf8At(rest, 0, length);
-    const char32_t lower = LowerCase(cp);
-    if (lower != cp) {
-      std::string encoded;
-      AppendUtf8(encoded, lower);
-      assert(encoded.size() == length);
-      encoded.copy(data + pos, length);
-    }
+    const char32_t cp = CharacterAt(token, pos, length);
+    AppendUtf8(scratch, LowerCase(cp));
     pos += length;
+  }
+  if (scratch.size() == token.size()) {
+    scratch.copy(data, scratch.size());
+  } else {
+    tokens.Replace(i, scratch);
   }
 }
 
 }  // namespace
 
 void FoldCase(TokenList& tokens, bool keepAbbrevs) {
+  std::string scratch;
   for (std::size_t i = 0; i < tokens.Count(); ++i) {
     if (tokens.Characters(i) < 2) continue;
     const std::string_view token = tokens.Token(i);
     if (keepAbbrevs) {
       std::size_t firstLength = 1, secondLength = 1;
-      CodeAt(token, 0, firstLength);
-      if (CodeAt(token, firstLength, secondLength) < 97) continue;
+      CharacterAt(token, 0, firstLength);
+      if (!StartsLowerCase(CharacterAt(token, firstLength, secondLength))) continue;
     }
-    LowerInPlace(tokens.MutableData(i), token.size());
+    LowerToken(tokens, i, scratch);
   }
 }
 
@@ -115,7 +136,9 @@ void FilterTokenLength(TokenList& tokens, std::size_t minLen, std::size_t maxLen
     if (tokens.IsEmpty(i)) continue;
     const std::size_t characters = tokens.Characters(i);
     std::size_t length = 1;
-    if (characters < minLen && CodeAt(tokens.Token(i), 0, length) > 96) tokens.Empty(i);
+    if (characters < minLen && StartsLowerCase(CharacterAt(tokens.Token(i), 0, length))) {
+      tokens.Empty(i);
+    }
     if (characters > maxLen) tokens.Empty(i);
   }
 }

@@ -43,6 +43,9 @@ class TokenList {
 
   // Writable bytes of token i, for in-place rewriting that keeps the length.
   char* MutableData(std::size_t i) { return bytes_.data() + tokens_[i].offset; }
+  // Replaces the text of token i by `text` of the same number of characters (any length in
+  // bytes); the old bytes stay unused in the buffer until Clear.
+  void Replace(std::size_t i, std::string_view text);
 
   // Every token as a string, emptied ones included (for tests and diagnostics).
   std::vector<std::string> Strings() const;
@@ -58,7 +61,8 @@ class TokenList {
 };
 
 // Replaces `tokens` by the tokens of `text`: every separator character turns into a break,
-// runs of breaks count as one, and nothing is left at either end. A text without a letter
+// runs of breaks count as one, and nothing is left at either end. A combining mark belongs to
+// the word it follows and is a break where no word precedes it. A text without a letter
 // gives no token. One pass over the text.
 void TokeniseDocument(std::string_view text, TokenList& tokens);
 
@@ -67,15 +71,17 @@ void TokeniseDocument(std::string_view text, TokenList& tokens);
 void SplitOnSpaces(std::string_view text, TokenList& tokens);
 
 // Lower-cases every token of at least 2 characters, except, with `keepAbbrevs`, a token whose
-// second character has a code below 97 ("USA", "UK" stay; "Hello" becomes "hello"). Tokens of
-// 1 character are left as they are.
+// second character is not a lower-case letter: in ASCII a code below 97, outside it anything
+// Unicode does not call lower case ("USA", "UK", "ÉCOLE" stay; "Hello" becomes "hello",
+// "Straße" "straße"). Tokens of 1 character are left as they are.
 void FoldCase(TokenList& tokens, bool keepAbbrevs);
 
 // The longest token an index keeps, in characters.
 inline constexpr std::size_t kMaxTokenLength = 15;
 
-// Empties a token shorter than `minLen` characters whose first character has a code above 96
-// (so tokens kept upper-case by FoldCase are exempt), then any token longer than `maxLen`.
+// Empties a token shorter than `minLen` characters that starts with a lower-case letter (in
+// ASCII a code above 96, outside it Unicode's lower case; so tokens kept upper-case by FoldCase
+// and words of scripts without case are exempt), then any token longer than `maxLen`.
 void FilterTokenLength(TokenList& tokens, std::size_t minLen, std::size_t maxLen = kMaxTokenLength);
 
 // Empties every token equal (case-sensitive) to a word of `stopWords`.

@@ -1,5 +1,6 @@
 #include "session/cluster_maps.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "layout/shell_and_wait.h"
@@ -8,6 +9,9 @@
 
 namespace sylvora {
 namespace {
+
+// The field of a tweet's own ID in the tweet layouts that have one.
+constexpr std::string_view kTweetIdFieldName = "Tweet ID";
 
 constexpr std::string_view kProgramTitle = "Sylvora";
 
@@ -75,6 +79,21 @@ void Finish(MapReport& report, Stopwatch& watch, std::string stage) {
   report.stages.push_back({std::move(stage), watch.Lap()});
 }
 
+// A tweet map's node label, by which an export leads back to the tweet: its corpus row
+// (from 0, as the map's summary names the rows) and, where the corpus has one, its tweet ID.
+std::string TweetLabel(const DocumentSet* corpus, DocIndex row) {
+  std::string label = "row " + std::to_string(row);
+  if (corpus == nullptr) return label;
+  for (int f = 0; f < corpus->FieldCount(); ++f) {
+    const auto field = static_cast<FieldIndex>(f);
+    if (corpus->FieldName(field) != kTweetIdFieldName) continue;
+    const std::string_view id = corpus->Cell(row, field);
+    if (!id.empty()) label.append(" id ").append(id);
+    break;
+  }
+  return label;
+}
+
 bool Cancelled(MapReport& report, const CancelWatch& watch) {
   if (!watch.Cancelled()) return false;
   report.cancelled = true;
@@ -114,6 +133,9 @@ bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::in
                         Notifier& notifier, const ProgressCallback& progress) {
   const CancelWatch cancel(progress);
   Stopwatch watch;
+  // A cosine of items that always occur together comes out a rounding step above 1 in single
+  // precision; the tree only links values from 0 to 1, so such a pair would never be joined.
+  for (float& value : similarities) value = std::min(value, 1.0f);
   ProximityMatrix proximity;
   if (n < 2 || !proximity.AssignMatrix(std::move(similarities), n, type)) {
     report.error = "A map needs at least two nodes (this one has " + std::to_string(n) + ")";
@@ -270,7 +292,9 @@ MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& w
                           options, built, report, notifier, cancel.Callback())) {
     return report;
   }
-  for (std::int32_t i = 1; i <= n; ++i) built.labels.push_back(std::to_string(i));
+  for (std::int32_t i = 0; i < n; ++i) {
+    built.labels.push_back(TweetLabel(wordStream.Corpus(), first + i));
+  }
   built.weights.assign(static_cast<std::size_t>(n), 1.0f);
   map = std::move(built);
   report.built = true;

@@ -14,8 +14,6 @@
 namespace sylvora {
 namespace {
 
-// The slot limit per first-letter bucket of every index: 1000 terms per letter.
-constexpr std::int16_t kMaxCharSlotSize = 999;
 // The minimum token length of the secondary indexes.
 constexpr std::uint8_t kSecondaryMinLength = 3;
 constexpr const char* kLineBreak = "\r\n";
@@ -75,6 +73,10 @@ class IndexingRun {
   bool Begin(IndexKind kind, const char* stage) const;
   // Records the stage and returns its time in the log's form.
   std::string Finish(IndexKind kind, const char* stage);
+  // The slot limit of BuildVocab for "Terms per first letter".
+  std::int32_t SlotLimit() const;
+  // Counts and logs the terms the cap dropped from `index`.
+  void NoteDropped(IndexKind kind, const TermDocumentMatrix& index);
 
   DocumentSet& documents_;
   const IndexOptions& options_;
@@ -100,6 +102,20 @@ std::string IndexingRun::Finish(IndexKind kind, const char* stage) {
   return GeneralNumber(static_cast<float>(clock_.Stages().back().seconds));
 }
 
+std::int32_t IndexingRun::SlotLimit() const {
+  return options_.termsPerLetter > 0 ? options_.termsPerLetter - 1
+                                     : TermDocumentMatrix::kNoSlotLimit;
+}
+
+void IndexingRun::NoteDropped(IndexKind kind, const TermDocumentMatrix& index) {
+  const std::int64_t dropped = index.DroppedTermCount();
+  report_.droppedTerms[static_cast<std::size_t>(kind)] = dropped;
+  if (dropped == 0) return;
+  report_.log += std::string(IndexKindName(kind)) + " index: " + std::to_string(dropped) +
+                 " terms dropped (more than " + std::to_string(options_.termsPerLetter) +
+                 " per first letter)" + kLineBreak;
+}
+
 bool IndexingRun::BuildWords(TermDocumentMatrix& index) {
   const IndexKind kind = IndexKind::kWords;
   const ProgressCallback progress = ProgressFor(kind);
@@ -123,11 +139,12 @@ bool IndexingRun::BuildWords(TermDocumentMatrix& index) {
   log += " [Completed in " + Finish(kind, "preprocess") + " s]" + kLineBreak;
 
   log += "Building vocabulary...";
-  if (!Begin(kind, kVocabulary) || !index.BuildVocab(0, kMaxCharSlotSize, progress)) {
+  if (!Begin(kind, kVocabulary) || !index.BuildVocab(0, SlotLimit(), progress)) {
     return false;
   }
   log += std::to_string(index.TermCount()) + " index terms retained [Completed in " +
          Finish(kind, "vocabulary") + " s]" + kLineBreak;
+  NoteDropped(kind, index);
 
   log += "Counting Term-Doc occurrences...";
   if (!Begin(kind, kCounting) ||
@@ -168,10 +185,11 @@ bool IndexingRun::BuildSecondary(IndexKind kind, FieldIndex field, TermDocumentM
     return false;
   }
   Finish(kind, "preprocess");
-  if (!Begin(kind, kVocabulary) || !index.BuildVocab(0, kMaxCharSlotSize, progress)) {
+  if (!Begin(kind, kVocabulary) || !index.BuildVocab(0, SlotLimit(), progress)) {
     return false;
   }
   Finish(kind, "vocabulary");
+  NoteDropped(kind, index);
   if (!Begin(kind, kCounting) ||
       !index.BuildTDM(options_.secondaryMinDocFrequency, documents_.DocumentCount(), progress)) {
     return false;
@@ -209,6 +227,11 @@ IndexReport BuildIndexes(Session& session, const IndexOptions& options,
   if (options.minChars < 0 || options.minChars > 255) {
     report.error =
         "Min Chars must be a whole number from 0 to 255, not " + std::to_string(options.minChars);
+    return report;
+  }
+  if (options.termsPerLetter < 0) {
+    report.error = "Terms per first letter must be 0 (no limit) or more, not " +
+                   std::to_string(options.termsPerLetter);
     return report;
   }
   const double maxDF =

@@ -4,13 +4,14 @@
 //  * words     the fields chosen for the word index (normally the tweet text), cleaned,
 //              folded, filtered by length and stop list, optionally stemmed, pruned by Min DF
 //              and Max DF, then weighted by tf-idf;
-//  * links     the link column, each link one term with "http://" in front;
+//  * links     the link column, each link one term with its "http://" or "https://";
 //  * hashtags  the hashtag column, cleaned and lower-cased like words (stop list, 3 letters);
 //  * mentions  the mention column, each mention one term, case kept;
 //  * users     the author column, each user name one term, case kept.
 // The four secondary indexes take every document, keep tokens of at least 2 characters, are
 // never stemmed, and keep the terms found in at least the secondary Min DF documents (no upper
-// bound).
+// bound). With "Terms per first letter" every index keeps at most that many terms per first
+// letter; the report counts the terms dropped and the log names them per index.
 //
 // Fields. The word index covers every field that is expressed when the run starts, plus the
 // word fields of the options (the load workflow leaves the content field and the fields it
@@ -25,6 +26,7 @@
 // the workflow with report.error naming the file; options out of range stop it before any
 // work. Cost: a few passes over the corpus text per index, linear in its size.
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -58,7 +60,13 @@ struct IndexOptions {
   std::int32_t secondaryMinDocFrequency = 2;
   // The stop list of the word and hashtag indexes.
   std::string stopListPath;
+  // "Terms per first letter": each index keeps at most this many terms per first letter (in
+  // order of first appearance) and drops the rest; 0 keeps every term.
+  std::int32_t termsPerLetter = 0;
 };
+
+// The "Terms per first letter" value the window offers once the cap is switched on.
+inline constexpr std::int32_t kDefaultTermsPerLetter = 1000;
 
 struct IndexReport {
   bool indexed = false;
@@ -69,10 +77,13 @@ struct IndexReport {
   std::int32_t minDocFrequency = 0;
   std::int32_t maxDocFrequency = 0;
   DocIndex wordDocuments = 0;
-  // The indexing log of the window: the word index's stages with their times (CR LF lines).
+  // The indexing log of the window: the word index's stages with their times, and a line
+  // per index whose terms the cap dropped (CR LF lines).
   std::string log;
   // The status line: "Building word index...", ..., "All done :-)".
   std::string status;
+  // Per index (by IndexKind), the distinct terms that "Terms per first letter" dropped.
+  std::array<std::int64_t, 5> droppedTerms{};
   // "words: assign", "words: preprocess", ... "users: counts", each with its seconds.
   std::vector<StageTiming> stages;
 };

@@ -112,6 +112,11 @@ FieldIndex LastField(const DocumentSet& documents) {
 
 }  // namespace
 
+std::string RepairedLinesNote(std::int64_t lines) {
+  return std::to_string(lines) + (lines == 1 ? " line had" : " lines had") +
+         " bytes that are not UTF-8; those bytes were read as Windows-1252";
+}
+
 std::optional<CorpusFormat> ChooseCorpusFormat(const std::string& path, bool radian,
                                                std::string& error) {
   if (radian) return CorpusFormat::kRadian6;
@@ -299,6 +304,9 @@ LoadReport LoadCorpusUnguarded(Session& session, const LoadOptions& options, Not
   clock.Finish("mentions");
 
   documents.SetFieldExpressed(documents.ContentField(), true);
+  if (!isImport) report.repairedLines = documents.RepairedLineCount();
+  if (report.repairedLines > 0)
+    report.progressText += RepairedLinesNote(report.repairedLines) + "\r\n";
   report.progressText += "All done :)";
   const DocIndex count = documents.DocumentCount();
   report.minDocFrequency = count / 1000 + 2;

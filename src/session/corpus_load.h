@@ -60,10 +60,15 @@ struct LoadReport {
   // What was found in the file, as CorpusInfo::shape; and the records skipped with skipBad.
   std::string shape;
   std::int64_t skipped = 0;
+  // Lines of a tab-separated file that held bytes that are not UTF-8 (read as Windows-1252).
+  std::int64_t repairedLines = 0;
   // Defaults for the word index that follow from the corpus size.
   int minDocFrequency = 2;
   double maxDocFrequency = 0.0;
 };
+
+// "12 lines had bytes that are not UTF-8; those bytes were read as Windows-1252".
+std::string RepairedLinesNote(std::int64_t lines);
 
 // The format the workflow would choose for a file: 9 with the Radian switch, else 7 when the
 // first line (within the first 1024 characters) has fewer than 8 tab-separated columns, else 8.

@@ -114,7 +114,7 @@ bool ModelRun::BuildModel(IndexKind kind) {
 void ModelRun::PlaceEvents(TextStream& words) {
   for (const TimelineEvent& event : options_.events) {
     const auto interval = words.IntervalFromDateTime(event.dateTime, report_.unitCode);
-    if (!interval || *interval < 0 || *interval > words.IntervalCount()) {
+    if (!interval || *interval < 1 || *interval > words.IntervalCount()) {
       report_.warnings.push_back("Event \"" + event.description + "\" at \"" + event.dateTime +
                                  "\" is not on the time line");
       continue;

@@ -169,8 +169,11 @@ std::optional<std::int32_t> TextStream::IntervalFromDateTime(std::string_view da
   const auto origin = corpus_->DocumentDateTime(0);
   const auto when = DateTime::Parse(dateTimeVal);
   if (!unit || !origin || !when || intervalLength_ < 1) return std::nullopt;
-  const double units = static_cast<double>(DateDiff(*unit, *origin, *when));
-  const std::int64_t interval = RoundHalfEven(units / intervalLength_);
+  // Interval k spans units (k - 1) x length up to k x length - 1 from row 0's time.
+  const std::int64_t units = DateDiff(*unit, *origin, *when);
+  const std::int64_t below =
+      units >= 0 ? units / intervalLength_ : -((-units + intervalLength_ - 1) / intervalLength_);
+  const std::int64_t interval = below + 1;
   if (interval < INT32_MIN || interval > INT32_MAX) return std::nullopt;
   return static_cast<std::int32_t>(interval);
 }

@@ -132,10 +132,10 @@ class TextStream {
   std::int64_t BaseValue() const { return baseValue_; }
   std::int64_t LastValue() const { return lastValue_; }
 
-  // The interval of a date-time: the number of `intervalUnit` boundaries ("s", "n", "h", "d",
-  // "ww") from row 0's date-time cell to `dateTimeVal`, divided by IntervalLength() and
-  // rounded half to even. nullopt when either text is no date-time or the unit is unknown.
-  // The result is not limited to 1..IntervalCount().
+  // The interval whose span holds a date-time: with u the number of `intervalUnit` boundaries
+  // ("s", "n", "h", "d", "ww") from row 0's date-time cell to `dateTimeVal`, the interval
+  // floor(u / IntervalLength()) + 1, so 0 or below before the time line starts. nullopt when either
+  // text is no date-time or the unit is unknown. The result is not limited to 1..IntervalCount().
   std::optional<std::int32_t> IntervalFromDateTime(std::string_view dateTimeVal,
                                                    std::string_view intervalUnit) const;
   // Element 0: row 0's date-time (quotes removed) plus (i - 1) x IntervalLength() units;

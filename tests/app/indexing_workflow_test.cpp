@@ -1,10 +1,12 @@
 // "Create Tweet Indexes": status texts, tab captions, the term lists with their
 // sorting rule and link opening, bad options, a vanished stop list and cancelling.
+#include <QCheckBox>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
@@ -135,6 +137,31 @@ class IndexingWorkflowTest : public QObject {
       QVERIFY(words.DocFreq(t) <= 2500);
     }
     QVERIFY(words.IsStemmed());
+  }
+
+  void TermsPerFirstLetterIsOffUntilTickedAndLogsWhatItDrops() {
+    WindowFixture f;
+    QVERIFY(f.Load(kTwitter11));
+    auto* cap = f.Find<QCheckBox>(QStringLiteral("CapTerms"));
+    auto* perLetter = f.Find<QSpinBox>(QStringLiteral("TermsPerLetter"));
+    QVERIFY(!cap->isChecked());
+    QVERIFY(!perLetter->isEnabled());
+    QCOMPARE(perLetter->value(), 1000);
+    QVERIFY(f.Index());
+    const std::int32_t users = f.Window().CurrentSession().UserIndex().TermCount();
+    const auto log = [&] {
+      return f.Find<QPlainTextEdit>(QStringLiteral("TDMLog"))->toPlainText();
+    };
+    QVERIFY(!log().contains(QStringLiteral("dropped")));
+
+    cap->setChecked(true);
+    QVERIFY(perLetter->isEnabled());
+    perLetter->setValue(2);
+    QVERIFY(f.Index());
+    QVERIFY(f.Window().CurrentSession().UserIndex().TermCount() < users);
+    QVERIFY2(log().contains(QRegularExpression(QStringLiteral(
+                 "users index: \\d+ terms dropped \\(more than 2 per first letter\\)"))),
+             qPrintable(log()));
   }
 
   void HeaderClicksFollowTheDirectionRule() {

@@ -111,7 +111,7 @@ class ShortUrlTest : public QObject {
         {"http://news.abcdefgh.ij/x", true, "abcdefgh.ij"},
         {"http://news.abcdefgh.ij/x", false, "news.abcdefgh.ij"},
         {"http://t.co", true, "t.co"},
-        {"https://t.co/x", true, "https:"},
+        {"https://t.co/x", true, "t.co"},
         {"www.a.www.b/c", false, "a.b"},
         {"", true, ""}};
     for (const auto& [url, strip, host] : cases) {

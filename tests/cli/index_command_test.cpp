@@ -44,7 +44,18 @@ TEST(IndexCommand, PrintsEachIndexWithItsTopTermsAndTheStageTimes) {
   // The other four indexes follow in the same shape.
   EXPECT_TRUE(Has(run.out, "Tags (1 terms)\n       DF       GF  term\n        3        3  storm\n"))
       << run.out;
-  EXPECT_TRUE(Has(run.out, "Users (1 terms)\n")) << run.out;
+  // Both links moved to the link column; seen once with "https://", the term keeps it.
+  EXPECT_TRUE(Has(run.out,
+                  "Links (1 terms)\n       DF       GF  term\n"
+                  "        2        2  https://t.co/abc\n"))
+      << run.out;
+  EXPECT_FALSE(Has(run.out, "Terms per first letter")) << run.out;
+  EXPECT_TRUE(Has(run.out,
+                  "Mentions (1 terms)\n       DF       GF  term\n"
+                  "        2        2  bob\n"))
+      << run.out;
+  EXPECT_TRUE(Has(run.out, "Users (1 terms)\n       DF       GF  term\n        2        2  ann\n"))
+      << run.out;
   EXPECT_TRUE(Has(run.out, "Stage times:\n  load: read and split")) << run.out;
 }
 
@@ -64,6 +75,17 @@ TEST(IndexCommand, IndexFlagsReachTheWorkflow) {
                   "        1        1  flooding\n"))
       << run.out;
   EXPECT_TRUE(Has(run.out, "Other indexes: Min DF 3\n")) << run.out;
+
+  // "floods" and "flooding" share a first letter: a cap of 1 keeps the first.
+  const CommandRun capped = Index({SmallCorpus(dir), "--min-doc-len", "0", "--min-df", "1",
+                                   "--max-df", "3", "--no-porter", "--min-chars", "6",
+                                   "--stop-list", StopList(), "--max-per-letter", "1"});
+  ASSERT_EQ(capped.code, 0) << capped.err;
+  EXPECT_TRUE(Has(capped.out,
+                  "Terms per first letter: 1; dropped: words 1 hashtags 0 links 0 "
+                  "mentions 0 users 0\n"))
+      << capped.out;
+  EXPECT_TRUE(Has(capped.out, "Words (2 terms)\n")) << capped.out;
   EXPECT_TRUE(Has(run.err, "--allow-numbers changes nothing")) << run.err;
 }
 
@@ -90,6 +112,7 @@ TEST(IndexCommand, ReportsBadUsageAndFailures) {
       {{corpus, "--min-chars", "300"}, 2, "--min-chars"},
       {{corpus, "--min-df", "-1"}, 2, "--min-df"},
       {{corpus, "--max-df", "many"}, 2, "whole number"},
+      {{corpus, "--max-per-letter", "-1"}, 2, "--max-per-letter"},
       {{corpus, "--min-doc-len", "0", "--stop-list", "/no/such/list.txt"}, 1, "/no/such/list.txt"},
       {{(dir.Path() / "missing.txt").string(), "--stop-list", StopList()}, 1, "Error:"},
   };

@@ -160,8 +160,8 @@ TEST(TimelineCommand, EventsAreWrittenInTheirIntervals) {
   arguments.insert(arguments.end(), {"--events", events});
   const CommandRun run = Timeline(arguments);
   ASSERT_EQ(run.code, 0) << run.err;
-  // Two hour boundaries from 10:00 to 12:30, / 2 = 1: interval 1.
-  EXPECT_TRUE(Has(run.out, ",\"|power cut, east side\"\n2,")) << run.out;
+  // 12:30 lies in interval 2, which runs from 12:00 to 13:59.
+  EXPECT_TRUE(Has(run.out, ",\"|power cut, east side\"\n3,")) << run.out;
   EXPECT_TRUE(Has(run.err, "Warning: Event")) << run.err;
 }
 

@@ -15,10 +15,30 @@ TEST(TextDecoding, ValidUtf8IsKeptAndLosesItsByteOrderMark) {
   EXPECT_EQ(text, "caf\xC3\xA9 \xE2\x82\xAC");
 }
 
-TEST(TextDecoding, InvalidUtf8IsReadAsWindows1252) {
-  std::string text = "caf\xE9 \x80 \x93quoted\x94 \x81";
-  EXPECT_EQ(DecodeText(text), SourceEncoding::kWindows1252);
-  EXPECT_EQ(text, "caf\xC3\xA9 \xE2\x82\xAC \xE2\x80\x9Cquoted\xE2\x80\x9D \xC2\x81");
+TEST(TextDecoding, OnlyTheInvalidBytesOfALineAreReadAsWindows1252) {
+  struct Case {
+    std::string input, output;
+    std::size_t repaired;
+  };
+  const Case cases[] = {
+      {"caf\xE9 \x80 \x93quoted\x94 \x81",
+       "caf\xC3\xA9 \xE2\x82\xAC \xE2\x80\x9Cquoted\xE2\x80\x9D \xC2\x81", 1},
+      // Valid lines stay UTF-8 around a line with one stray byte.
+      {"#caf\xC3\xA9\n\xE6\x9D\xB1\xE4\xBA\xAC \xE9\n\xE6\x9D\xB1\xE4\xBA\xAC\n",
+       "#caf\xC3\xA9\n\xE6\x9D\xB1\xE4\xBA\xAC \xC3\xA9\n\xE6\x9D\xB1\xE4\xBA\xAC\n", 1},
+      // In a repaired line the well-formed UTF-8 characters are kept as they are.
+      {"na\xC3\xAFve \x93q\x94\r\nok\n\xC3",
+       "na\xC3\xAFve \xE2\x80\x9Cq\xE2\x80\x9D\r\nok\n\xC3\x83", 2},
+      // A truncated sequence is read byte by byte.
+      {"\xE2\x82 x", "\xC3\xA2\xE2\x80\x9A x", 1},
+  };
+  for (const Case& c : cases) {
+    std::string text = c.input;
+    std::size_t repaired = 99;
+    EXPECT_EQ(DecodeText(text, &repaired), SourceEncoding::kMixed) << c.input;
+    EXPECT_EQ(text, c.output) << c.input;
+    EXPECT_EQ(repaired, c.repaired) << c.input;
+  }
 }
 
 TEST(TextDecoding, Utf16WithByteOrderMarkIsRead) {

@@ -257,10 +257,16 @@ TEST_F(CsvImport, Windows1252AndByteOrderMarkAndCrLf) {
             DetectionOutcome::kImport)
       << report_.error;
   EXPECT_EQ(Cell(0, kText), "caf\xC3\xA9");
-  ASSERT_EQ(Import("date,text\n2013-09-09T10:00:00Z,caf\xE9 \x93quoted\x94\n"),
+  // Only the bytes that are not UTF-8 are read as Windows-1252; the other lines stay UTF-8.
+  ASSERT_EQ(Import("date,text\n2013-09-09T10:00:00Z,caf\xE9 \x93quoted\x94\n"
+                   "2013-09-09T11:00:00Z,\xE6\x9D\xB1\xE4\xBA\xAC\n"),
             DetectionOutcome::kImport)
       << report_.error;
   EXPECT_EQ(Cell(0, kText), "caf\xC3\xA9 \xE2\x80\x9Cquoted\xE2\x80\x9D");
+  EXPECT_EQ(Cell(1, kText), "\xE6\x9D\xB1\xE4\xBA\xAC");
+  ASSERT_EQ(report_.warnings.size(), 1u);
+  EXPECT_TRUE(Has(report_.warnings[0], "1 line had bytes that are not UTF-8"))
+      << report_.warnings[0];
 }
 
 TEST_F(CsvImport, HeaderOnlyHoldsNoPost) {

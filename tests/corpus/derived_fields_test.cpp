@@ -114,17 +114,19 @@ TEST(ElapsedTime, FourDigitYearsSurviveTheTwoDigitDateText) {
   EXPECT_EQ(set.Text(4, 1), "43824");  // days from 7 Jan 1950 to 1 Jan 2070
 }
 
-TEST(Links, FirstLongLinkIsMovedOutOfTheText) {
+TEST(Links, FirstLongLinkOfEitherSchemeIsMovedOutOfTheText) {
   DocumentSet set = Texts({"see http://abcdefgh now", "short http://ab link",
                            "two http://first.example/a and http://second.example/b",
-                           "end http://example.org/x", "secure https://example.org/x stays"});
+                           "end http://example.org/x", "secure https://example.org/x goes",
+                           "mixed https://t.co/ab and http://ex.io/c", "not a link: httpsx://y"});
   ASSERT_TRUE(set.DeriveLinksField(0, "Extracted Links", 0));
   ASSERT_EQ(set.FieldCount(), 2);
   EXPECT_EQ(set.FieldName(1), "Extracted Links");
-  EXPECT_EQ(Column(set, 0), (Cells{"see  now", "short  link", "two  and ", "end ",
-                                   "secure https://example.org/x stays"}));
-  EXPECT_EQ(Column(set, 1), (Cells{" http://abcdefgh", "", " http://first.example/a",
-                                   " http://example.org/x", ""}));
+  EXPECT_EQ(Column(set, 0), (Cells{"see  now", "short  link", "two  and ", "end ", "secure  goes",
+                                   "mixed  and ", "not a link: httpsx://y"}));
+  EXPECT_EQ(Column(set, 1),
+            (Cells{" http://abcdefgh", "", " http://first.example/a", " http://example.org/x",
+                   " https://example.org/x", " https://t.co/ab", ""}));
 }
 
 TEST(Links, AnExistingLinkFieldKeepsWhatItHolds) {

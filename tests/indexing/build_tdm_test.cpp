@@ -38,18 +38,21 @@ TEST(BuildTDM, NeedsAVocabulary) {
   EXPECT_EQ(index.TermCount(), 0);
 }
 
-TEST(BuildTDM, ALinkIndexPutsHttpBackOnEveryTerm) {
+TEST(BuildTDM, ALinkIndexPutsItsSchemeBackOnEveryTerm) {
+  // A link seen with "https://" gets it back; one seen under both schemes is one term.
   const DocumentSet corpus =
-      testing::TextCorpus({"https://t.co/a", "http://t.co/a http://ex.org/b", "https://ex.org/b"});
+      testing::TextCorpus({"https://t.co/a", "http://t.co/a http://ex.org/b", "https://ex.org/b",
+                           "http://plain.io/c", "http://plain.io/c"});
   TermDocumentMatrix index;
-  DocIndex count = 3;
+  DocIndex count = 5;
   index.AssignText(corpus, count, true);
   index.Preprocess(true, false, 3, "", false);
   index.BuildVocab(0, 999);
   ASSERT_TRUE(index.BuildTDM(2, 3));
-  EXPECT_EQ(testing::Terms(index), (Strings{"http://ex.org/b", "http://t.co/a"}));
-  EXPECT_EQ(index.DocFreq(2), 2);
-  EXPECT_EQ(index.TermIndex("http://t.co/a"), 2);
+  EXPECT_EQ(testing::Terms(index),
+            (Strings{"https://ex.org/b", "http://plain.io/c", "https://t.co/a"}));
+  EXPECT_EQ(index.DocFreq(3), 2);
+  EXPECT_EQ(index.TermIndex("https://t.co/a"), 3);
 }
 
 TEST(BuildTDM, ALinkIndexLeftUnprunedKeepsItsBareTerms) {

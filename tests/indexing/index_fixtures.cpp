@@ -52,7 +52,7 @@ std::vector<std::string> Terms(const TermDocumentMatrix& index) {
   return terms;
 }
 
-TermDocumentMatrix SpaceIndex(const std::vector<std::string>& texts, std::int16_t maxCharSlotSz,
+TermDocumentMatrix SpaceIndex(const std::vector<std::string>& texts, std::int32_t maxCharSlotSz,
                               bool build, std::int32_t minDF, std::int32_t maxDF) {
   const DocumentSet corpus = TextCorpus(texts);
   TermDocumentMatrix index;

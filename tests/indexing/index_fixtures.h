@@ -32,7 +32,7 @@ std::vector<std::string> Terms(const TermDocumentMatrix& index);
 // An index over `texts` split only at spaces (no cleaning, no stop list), with its vocabulary
 // built with `maxCharSlotSz` and, when `build` is set, counted and pruned by the bounds.
 TermDocumentMatrix SpaceIndex(const std::vector<std::string>& texts,
-                              std::int16_t maxCharSlotSz = 999, bool build = false,
+                              std::int32_t maxCharSlotSz = 999, bool build = false,
                               std::int32_t minDF = 1, std::int32_t maxDF = 1000000);
 
 }  // namespace sylvora::testing

@@ -34,15 +34,19 @@ TEST(TokeniseDocument, SplitsAtEverySeparatorAndDropsEmptyRuns) {
       {"hello", {"hello"}},
       {"  two   words  ", {"two", "words"}},
       {"Don't stop-believing!! 2011", {"Don", "t", "stop", "believing"}},
-      {"Caf\u00E9 au lait", {"Caf", "au", "lait"}},
-      {"caf\u00E9s", {"caf", "s"}},
+      {"Caf\u00E9 au lait", {"Caf\u00E9", "au", "lait"}},
+      {"caf\u00E9s", {"caf\u00E9s"}},
+      {"Stra\u00DFe \u00AByes\u00BB", {"Stra\u00DFe", "yes"}},
+      {"\u6771\u4EAC\u3002\u5927\u962A", {"\u6771\u4EAC", "\u5927\u962A"}},
+      {"cafe\u0301 \u0301x", {"cafe\u0301", "x"}},  // a mark belongs to the word before it
+      {"\u0663\u0664 x\u00D7y", {"\u0663\u0664", "x", "y"}},
       {"tab\there\nnewline", {"tab", "here", "newline"}},
       {"#hashtag @user http://t.co/abc", {"hashtag", "user", "http", "t", "co", "abc"}},
       {"under_score", {"under", "score"}},
       {"it\u2019s", {"it", "s"}},  // curly apostrophe (code 146)
       {"x\u00FFz", {"x\u00FFz"}},  // ÿ (code 255) is a letter
       {"\u0394\u03B5\u03BB\u03C4\u03B1 news", {"\u0394\u03B5\u03BB\u03C4\u03B1", "news"}},
-      {"storm\U0001F300now", {"storm\U0001F300now"}},  // emoji are letters
+      {"storm\U0001F300now", {"storm", "now"}},  // emoji are symbols
       {"a1b2c3", {"a", "b", "c"}},
       {"\u20ACuro", {"uro"}},
   };
@@ -86,7 +90,11 @@ TEST(FoldCase, LowersAllButAbbreviationsWhenAskedTo) {
       {"A I x", false, {"A", "I", "x"}},                // one character: left as it is
       {"NYers McDonald", true, {"NYers", "mcdonald"}},  // only the second character counts
       {"\u0394\u0395\u039B\u03A4\u0391", false, {"\u03B4\u03B5\u03BB\u03C4\u03B1"}},
-      {"\u0394\u0395\u039B\u03A4\u0391", true, {"\u03B4\u03B5\u03BB\u03C4\u03B1"}},  // Ε is 0x395
+      // An upper-case second letter keeps a word of any script as it is.
+      {"\u0394\u0395\u039B\u03A4\u0391 \u0394\u03AD\u03BB\u03C4\u03B1",
+       true,
+       {"\u0394\u0395\u039B\u03A4\u0391", "\u03B4\u03AD\u03BB\u03C4\u03B1"}},
+      {"\u0130ZMIR \u0130zmir", false, {"izmir", "izmir"}},  // shorter in UTF-8
       {"\u041C\u041E\u0421\u041A\u0412\u0410", false, {"\u043C\u043E\u0441\u043A\u0432\u0430"}},
   };
   for (const FoldCase_& c : cases) {

@@ -23,6 +23,20 @@ TEST(BuildVocab, OrderIsNotAlphabetical) {
   EXPECT_EQ(index.LetterStart(27), 9);
 }
 
+TEST(BuildVocab, AFullBucketDropsNewTermsAndCountsThem) {
+  // Two slots per bucket: "ax" and "ay" fill bucket a; "az" and later "aw" are dropped, while
+  // bucket b still takes its two and drops "bz" (twice, counted once).
+  const TermDocumentMatrix index =
+      testing::SpaceIndex({"ax ay az", "bx ax aw", "by bz ay bz"}, 1, true);
+  EXPECT_EQ(testing::Terms(index), (Strings{"ax", "ay", "bx", "by"}));
+  EXPECT_EQ(index.DroppedTermCount(), 3);
+  EXPECT_EQ(index.DocFreq(1), 2);  // ax
+  EXPECT_EQ(index.DocFreq(2), 2);  // ay
+  // The dropped tokens are not counted anywhere.
+  EXPECT_EQ(index.Matrix().Vector(1)->NZElementCount(), 2);
+  EXPECT_EQ(index.Matrix().Vector(3)->NZElementCount(), 2);
+}
+
 TEST(BuildVocab, AThousandSlotsPerBucketAtMost) {
   std::string text;
   for (int i = 0; i < 1200; ++i) text += "w" + std::to_string(i) + " ";
@@ -32,6 +46,24 @@ TEST(BuildVocab, AThousandSlotsPerBucketAtMost) {
   EXPECT_EQ(index.Term(1000), "w999");
   EXPECT_EQ(index.Term(1001), "x1");
   EXPECT_EQ(index.TermIndex("w1000"), -1);
+  EXPECT_EQ(index.DroppedTermCount(), 200);
+}
+
+TEST(BuildVocab, WithoutALimitEveryTermIsKeptInTheSameOrder) {
+  // More terms in one bucket than a 16-bit slot number holds.
+  std::string text = "x1";
+  for (int i = 0; i < 40000; ++i) text += " w" + std::to_string(i);
+  text += " a1 w7";
+  const TermDocumentMatrix index =
+      testing::SpaceIndex({text, "w39999 a1"}, TermDocumentMatrix::kNoSlotLimit, true);
+  EXPECT_EQ(index.TermCount(), 40002);
+  EXPECT_EQ(index.DroppedTermCount(), 0);
+  EXPECT_EQ(index.Term(1), "a1");
+  EXPECT_EQ(index.Term(2), "w0");
+  EXPECT_EQ(index.Term(40001), "w39999");
+  EXPECT_EQ(index.Term(40002), "x1");
+  EXPECT_EQ(index.DocFreq(40001), 2);
+  EXPECT_EQ(index.GlobalFreq(9), 2);  // w7
 }
 
 TEST(BuildVocab, NoTokensGiveThePlaceholderFoo) {

@@ -111,6 +111,20 @@ TEST_F(MapTest, SharedStepsWriteTheTreeAsDotAndReadTheLayout) {
   EXPECT_TRUE(notifier_.Messages().empty());
 }
 
+TEST_F(MapTest, SimilaritiesARoundingStepAboveOneAreLinked) {
+  // Nodes 1 and 2 always occur together: their single-precision cosine is 1.0000001.
+  const float above = std::nextafter(1.0f, 2.0f);
+  const FakeGraphviz graphviz(DiagonalPlain(3));
+  ClusterMap map;
+  MapReport report;
+  ASSERT_TRUE(LayOutSimilarities({1, above, 0.5f, above, 1, 0.25f, 0.5f, 0.25f, 1}, 3, 1,
+                                 Options(graphviz.Folder()), map, report, notifier_))
+      << report.error;
+  EXPECT_EQ(map.dot,
+            "graph G {\r\n\tnode [shape=plaintext,height=.0,width=.0];\r\n\tedge [weight=1.0];\r\n"
+            "\t1 -- 2 [len=0.00000];\r\n\t1 -- 3 [len=0.50000];\r\n}");
+}
+
 TEST_F(MapTest, TiedDistancesKeepTheFirstEdgesInOrder) {
   // Every pair at similarity 0.5: the tree is a star or a chain depending on how the ties are
   // taken. The sorted candidates stay (0,1), (0,2), (1,2); the tree takes the first two.
@@ -178,10 +192,12 @@ class SmallCorpusTest : public MapTest {
   void SetUp() override {
     std::vector<std::vector<std::string>> rows;
     for (std::size_t i = 0; i < kTexts.size(); ++i) {
-      rows.push_back({"", "user" + std::to_string(i % 5), kTexts[i], std::to_string(i / 2)});
+      rows.push_back({"", "user" + std::to_string(i % 5), kTexts[i], std::to_string(i / 2),
+                      std::to_string(9000 + i)});
     }
     DocumentSet& documents = session_.Documents();
     documents.SetDocuments(rows, 7, static_cast<DocIndex>(rows.size()));
+    documents.SetFieldName(4, "Tweet ID");
     documents.SetAuthorField(1);
     documents.SetContentField(2);
     documents.SetElapsedTimeField(3);
@@ -346,7 +362,10 @@ TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
   EXPECT_EQ(map.interval, 2);
   EXPECT_EQ(map.firstDocument, 6);
   EXPECT_EQ(map.NodeCount(), 6);
-  EXPECT_EQ(map.labels, (std::vector<std::string>{"1", "2", "3", "4", "5", "6"}));
+  // Labelled with the corpus row and the tweet ID, to be traced back from an export.
+  EXPECT_EQ(map.labels,
+            (std::vector<std::string>{"row 6 id 9006", "row 7 id 9007", "row 8 id 9008",
+                                      "row 9 id 9009", "row 10 id 9010", "row 11 id 9011"}));
   EXPECT_EQ(map.weights, std::vector<float>(6, 1.0f));
   EXPECT_EQ(map.layout.EdgeCount(), 5);
   // Tweets 6 and 7 (storm), 8 and 9 (power), 10 and 11 (music): each pair is linked.

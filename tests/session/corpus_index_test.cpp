@@ -72,7 +72,7 @@ TEST(BuildIndexes, BuildsTheFiveIndexesOfASmallCorpus) {
   EXPECT_EQ(Terms(session.WordIndex()), Strings{"harbour"});
   EXPECT_TRUE(session.WordIndex().WeightsApplied());
   EXPECT_EQ(session.WordIndex().DocCount(), 4);
-  EXPECT_EQ(Terms(session.LinkIndex()), Strings{"http://t.co/a"});
+  EXPECT_EQ(Terms(session.LinkIndex()), Strings{"https://t.co/a"});
   EXPECT_EQ(session.LinkIndex().DocFreq(1), 2);
   EXPECT_EQ(Terms(session.HashtagIndex()), Strings{"storm"});            // cleaned and lower-cased
   EXPECT_EQ(Terms(session.MentionIndex()), (Strings{"@KWRN", "@ann"}));  // whole, case kept
@@ -172,6 +172,36 @@ TEST(BuildIndexes, TheWordIndexMayCoverFewerDocumentsAndMoreFields) {
   EXPECT_EQ(session.WordIndex().TermIndex("ann"), -1);
   EXPECT_EQ(session.WordIndex().TermIndex("harbour"), -1);
   EXPECT_GT(session.WordIndex().TermIndex("storm"), 0);
+}
+
+TEST(BuildIndexes, TermsPerFirstLetterIsOffByDefaultAndCountsWhatItDrops) {
+  // Mentions "@KWRN" and "@ann" share bucket 0, users "ann", "bob" and "cy" have a bucket each.
+  struct Case {
+    std::int32_t termsPerLetter;
+    std::int64_t droppedMentions;
+    Strings mentions;
+  };
+  for (const Case& c :
+       {Case{0, 0, {"@KWRN", "@ann"}}, Case{1, 1, {"@KWRN"}}, Case{2, 0, {"@KWRN", "@ann"}}}) {
+    Session session;
+    Fill(session, kTweets);
+    IndexOptions options = SmallOptions();
+    options.termsPerLetter = c.termsPerLetter;
+    const IndexReport report = BuildIndexes(session, options);
+    ASSERT_TRUE(report.indexed) << report.error;
+    const auto mentions = static_cast<std::size_t>(IndexKind::kMentions);
+    EXPECT_EQ(report.droppedTerms[mentions], c.droppedMentions) << c.termsPerLetter;
+    EXPECT_EQ(Terms(session.MentionIndex()), c.mentions) << c.termsPerLetter;
+    const bool logged = report.log.find(
+                            "mentions index: 1 terms dropped (more than 1 per first "
+                            "letter)\r\n") != std::string::npos;
+    EXPECT_EQ(logged, c.droppedMentions > 0) << report.log;
+  }
+  IndexOptions negative = SmallOptions();
+  negative.termsPerLetter = -1;
+  Session session;
+  Fill(session, kTweets);
+  EXPECT_FALSE(BuildIndexes(session, negative).indexed);
 }
 
 TEST(BuildIndexes, AMissingStopListStopsTheRunAndKeepsTheSessionsIndexes) {

@@ -143,6 +143,23 @@ TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
   EXPECT_EQ(session_.Corpus().sentimentPositiveField, 3);
 }
 
+TEST_F(CorpusLoad, AStrayByteChangesOnlyItsLineAndIsCounted) {
+  const LoadReport report = Load(
+      "20110105T10:00:00Z\tann\tat #caf\xC3\xA9 \xE6\x9D\xB1\xE4\xBA\xAC\t2\t-1\t1\n"
+      "20110105T11:00:00Z\tbob\tna\xC3\xAFve \x93quoted\x94\t1\t-1\t0\n"
+      "20110105T12:00:00Z\tcy\tplain\t3\t-2\t1\n");
+  ASSERT_TRUE(report.loaded) << report.error;
+  const DocumentSet& docs = session_.Documents();
+  EXPECT_EQ(docs.Text(0, 2), "at [#] \xE6\x9D\xB1\xE4\xBA\xAC");
+  EXPECT_EQ(docs.Text(0, docs.KeyWordField()), " caf\xC3\xA9");
+  EXPECT_EQ(docs.Text(1, 2), "na\xC3\xAFve \xE2\x80\x9Cquoted\xE2\x80\x9D");
+  EXPECT_EQ(report.repairedLines, 1);
+  EXPECT_NE(report.progressText.find("1 line had bytes that are not UTF-8; those bytes were read "
+                                     "as Windows-1252\r\nAll done :)"),
+            std::string::npos)
+      << report.progressText;
+}
+
 TEST_F(CorpusLoad, DatesWithoutZKeepTheirTextAndStillGiveElapsedTime) {
   const LoadReport report = Load(
       "2011-01-05 10:00\tann\tfirst tweet of the day\t2\t-1\t1\n"

@@ -214,9 +214,10 @@ TEST_F(IntervalModels, EventsArePlacedInTheirIntervals) {
   const ModelReport report = Build("4", options);
   ASSERT_TRUE(report.built);
   const TextStream& words = session_.WordModel();
-  // 9 hours / 4 = 2.25 -> 2; 44 / 4 = 11.
-  EXPECT_EQ(words.Events(2), "|landfall|surge");
-  EXPECT_EQ(words.Events(11), "|power back");
+  // Intervals of 4 hours: hour 9 lies in interval 3 (hours 8 to 11), hour 44 in interval 12.
+  EXPECT_EQ(words.Events(2), "");
+  EXPECT_EQ(words.Events(3), "|landfall|surge");
+  EXPECT_EQ(words.Events(12), "|power back");
   EXPECT_EQ(report.warnings.size(), 2u);
 }
 

@@ -182,8 +182,9 @@ TEST_F(IntervalSeriesTest, EventsOfEachInterval) {
   Build(ThreeIntervals(), "2",
         {{"02/09/2013 04:00:00", "Landfall"}, {"02/09/2013 05:00:00", "Flood, \"big\""}});
   const IntervalSeries series = Series();
-  EXPECT_EQ(series.rows[0].events, "");
-  EXPECT_EQ(series.rows[1].events, "|Landfall|Flood, \"big\"");
+  // Both fall in the third interval, which starts at 04:00.
+  EXPECT_EQ(series.rows[1].events, "");
+  EXPECT_EQ(series.rows[2].events, "|Landfall|Flood, \"big\"");
   std::ostringstream csv;
   WriteIntervalSeriesCsv(csv, series.rows);
   EXPECT_NE(csv.str().find(",\"|Landfall|Flood, \"\"big\"\"\"\n"), std::string::npos) << csv.str();

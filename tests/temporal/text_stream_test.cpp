@@ -277,7 +277,8 @@ TEST(TextStreamDates, QuotesAroundTheFirstDateAreIgnored) {
   EXPECT_EQ(c.stream->IntervalDateTimeBounds(2, "h")[0], "2013-09-03 06:30:00");
 }
 
-TEST(TextStreamDates, IntervalOfADateTimeRoundsHalfToEven) {
+TEST(TextStreamDates, IntervalOfADateTimeIsTheOneWhoseSpanHoldsIt) {
+  // Intervals of 4 hours from 2013-09-02 00:00: interval 1 holds 00:00 to 03:59.
   StreamCorpus c = MakeStreamCorpus(AtTimes({0, 100}));
   ASSERT_TRUE(Build(c, 4));
   const TextStream& s = *c.stream;
@@ -285,10 +286,12 @@ TEST(TextStreamDates, IntervalOfADateTimeRoundsHalfToEven) {
     const char* when;
     std::int32_t interval;
   };
-  for (const Case& test : {Case{"2013-09-02 00:00:00", 0}, Case{"2013-09-02 02:00:00", 0},
-                           Case{"2013-09-02 03:00:00", 1}, Case{"2013-09-02 06:00:00", 2},
-                           Case{"2013-09-02 10:00:00", 2}, Case{"2013-09-02 14:00:00", 4},
-                           Case{"03/09/13 00:00:00", 6}, Case{"2013-09-01 20:00:00", -1}}) {
+  for (const Case& test : {Case{"2013-09-02 00:00:00", 1}, Case{"2013-09-02 01:00:00", 1},
+                           Case{"2013-09-02 03:59:59", 1}, Case{"2013-09-02 04:00:00", 2},
+                           Case{"2013-09-02 06:00:00", 2}, Case{"2013-09-02 10:00:00", 3},
+                           Case{"2013-09-02 14:00:00", 4}, Case{"03/09/13 00:00:00", 7},
+                           Case{"2013-09-01 23:00:00", 0}, Case{"2013-09-01 20:00:00", 0},
+                           Case{"2013-09-01 19:00:00", -1}}) {
     EXPECT_EQ(s.IntervalFromDateTime(test.when, "h"), test.interval) << test.when;
   }
   EXPECT_EQ(s.IntervalFromDateTime("not a date", "h"), std::nullopt);
