@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
