@@ -47,6 +47,12 @@ ClusterMapPanel::ClusterMapPanel(Platform& platform, const QString& mapName, con
   menu_->addSeparator();
   menu_->addAction(u"Save Picture (PNG)..."_s, this, [this] { SavePicture_Click(); });
   menu_->addAction(u"Save Map Files (GraphML, CSV)..."_s, this, [this] { SaveMapFiles_Click(); });
+  menu_->addSeparator();
+  // Every label over the threshold, overlapping or not, and nodes sized by weight alone.
+  QAction* allLabels = menu_->addAction(u"Show all labels"_s);
+  allLabels->setObjectName(mapName + u"ShowAllLabels"_s);
+  allLabels->setCheckable(true);
+  connect(allLabels, &QAction::toggled, this, [this](bool all) { map_->SetReadableDrawing(!all); });
   auto* save = new QToolButton;
   save->setObjectName(mapName + u"Save"_s);
   save->setText(u"Save"_s);

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string>
+#include <unordered_map>
 
 #include "common/file_io.h"
 #include "common/leading_number.h"
@@ -241,7 +243,166 @@ void PointMap2D::ResizeNodes() {
     total += size_[i];
   }
   meanNodeSize_ = nodeCount_ > 0 ? static_cast<float>(total / nodeCount_) : 0.0f;
+  if (readableDrawing_) {
+    CapNodeSizes();
+    FitHomeToDrawing();
+  }
   RenderView(true, false);
+}
+
+void PointMap2D::SetReadableDrawing(bool readable) {
+  readableDrawing_ = readable;
+  Refit();
+}
+
+void PointMap2D::Refit() {
+  if (nodeCount_ < 1) return;
+  const bool atHome = view_ == homeView_;
+  const ViewRect shown = view_;
+  FitView();
+  ResizeNodes();
+  // A zoomed view stays where the user put it; only the home view moves.
+  if (!atHome) {
+    view_ = shown;
+    RenderView(true, false);
+  }
+}
+
+void PointMap2D::CapNodeSizes() {
+  const float homeWidth = homeView_.right - homeView_.left;
+  const float homeHeight = homeView_.bottom - homeView_.top;
+  const QSize size = PictureSize();
+  // The largest radius, in layout units, that stays within a tenth of the shorter side.
+  float cap = 0.1f * std::min(homeWidth, homeHeight);
+  if (size.width() > 0 && size.height() > 0) {
+    const float shorter = static_cast<float>(std::min(size.width(), size.height()));
+    cap = 0.1f * shorter *
+          std::min(homeWidth / static_cast<float>(size.width()),
+                   homeHeight / static_cast<float>(size.height()));
+  }
+  if (!(cap > 0.0f)) return;
+  // Radii above half the cap bend smoothly towards it: the order stays, small nodes keep their
+  // size, and "+" and "-" still change what they can.
+  const float knee = 0.5f * cap;
+  double total = 0.0;
+  for (float& s : size_) {
+    if (s > knee) s = knee + (cap - knee) * std::tanh((s - knee) / (cap - knee));
+    total += s;
+  }
+  meanNodeSize_ = nodeCount_ > 0 ? static_cast<float>(total / nodeCount_) : 0.0f;
+}
+
+void PointMap2D::FitHomeToDrawing() {
+  const QSize size = PictureSize();
+  if (nodeCount_ < 1 || size.width() <= 0 || size.height() <= 0) return;
+  const bool atHome = view_ == homeView_;
+  const QFontMetricsF metrics(labelFont_, &MeasuringDevice());
+  constexpr double kMarginPixels = 8.0;
+  ViewRect fit = homeView_;
+  // The scale depends on the view and the labels' extent on the scale: three rounds settle it.
+  for (int round = 0; round < 3; ++round) {
+    const double perPixelX = (fit.right - fit.left) / size.width();
+    const double perPixelY = (fit.bottom - fit.top) / size.height();
+    double left = std::numeric_limits<double>::max();
+    double right = std::numeric_limits<double>::lowest();
+    double top = left;
+    double bottom = right;
+    for (std::int32_t node = 0; node < nodeCount_; ++node) {
+      const auto i = static_cast<std::size_t>(node);
+      left = std::min<double>(left, x_[i] - size_[i]);
+      right = std::max<double>(right, x_[i] + size_[i]);
+      top = std::min<double>(top, y_[i] - size_[i]);
+      bottom = std::max<double>(bottom, y_[i] + size_[i]);
+      if (showNodeLabels_ && !label_[i].isEmpty() &&
+          weight_[i] >= static_cast<float>(nodeLabelThreshold_)) {
+        right = std::max(right, x_[i] + metrics.horizontalAdvance(label_[i]) * perPixelX);
+        bottom = std::max(bottom, y_[i] + metrics.height() * perPixelY);
+      }
+    }
+    const double marginX = kMarginPixels * perPixelX;
+    const double marginY = kMarginPixels * perPixelY;
+    fit = {static_cast<float>(left - marginX), static_cast<float>(right + marginX),
+           static_cast<float>(top - marginY), static_cast<float>(bottom + marginY)};
+    if (!(fit.right > fit.left) || !(fit.bottom > fit.top)) return;
+  }
+  homeView_ = fit;
+  if (atHome) view_ = fit;
+}
+
+std::vector<std::int32_t> PointMap2D::LabelledNodes() const {
+  if (!showNodeLabels_) return {};
+  const QFontMetricsF metrics(labelFont_, &MeasuringDevice());
+  if (readableDrawing_) return ReadableLabels(metrics);
+  std::vector<std::int32_t> nodes;
+  for (std::int32_t node = 0; node < nodeCount_; ++node) {
+    const auto i = static_cast<std::size_t>(node);
+    if (!label_[i].isEmpty() && weight_[i] >= static_cast<float>(nodeLabelThreshold_)) {
+      nodes.push_back(node);
+    }
+  }
+  return nodes;
+}
+
+QRectF PointMap2D::LabelBox(std::int32_t node) const {
+  if (!ValidNode(node)) return {};
+  const auto i = static_cast<std::size_t>(node);
+  const QFontMetricsF metrics(labelFont_, &MeasuringDevice());
+  const QPointF at = ToPixels(x_[i], y_[i]);
+  return QRectF(at.x(), at.y(), metrics.horizontalAdvance(label_[i]), metrics.height());
+}
+
+std::vector<std::int32_t> PointMap2D::ReadableLabels(const QFontMetricsF& metrics) const {
+  const QSize size = PictureSize();
+  std::vector<std::int32_t> order;
+  for (std::int32_t node = 0; node < nodeCount_; ++node) {
+    const auto i = static_cast<std::size_t>(node);
+    if (label_[i].isEmpty() || weight_[i] < static_cast<float>(nodeLabelThreshold_)) continue;
+    if (!NodeVisible(node)) continue;
+    order.push_back(node);
+  }
+  std::stable_sort(order.begin(), order.end(), [this](std::int32_t a, std::int32_t b) {
+    return weight_[static_cast<std::size_t>(a)] > weight_[static_cast<std::size_t>(b)];
+  });
+  // Drawn boxes by grid cell, so that each label meets only its neighbours.
+  const double cell = std::max(8.0, metrics.height() * 4.0);
+  std::unordered_map<std::int64_t, std::vector<QRectF>> grid;
+  const auto key = [](std::int64_t column, std::int64_t row) { return (column << 32) ^ row; };
+  std::vector<std::int32_t> drawn;
+  for (const std::int32_t node : order) {
+    const auto i = static_cast<std::size_t>(node);
+    const QPointF at = ToPixels(x_[i], y_[i]);
+    // A little air between labels, so that two do not read as one word.
+    const QRectF box =
+        QRectF(at.x(), at.y(), metrics.horizontalAdvance(label_[i]), metrics.height())
+            .adjusted(-2.0, 0.0, 2.0, 0.0);
+    if (box.left() > size.width() || box.top() > size.height() || box.right() < 0.0 ||
+        box.bottom() < 0.0) {
+      continue;
+    }
+    const auto firstColumn = static_cast<std::int64_t>(std::floor(box.left() / cell));
+    const auto lastColumn = static_cast<std::int64_t>(std::floor(box.right() / cell));
+    const auto firstRow = static_cast<std::int64_t>(std::floor(box.top() / cell));
+    const auto lastRow = static_cast<std::int64_t>(std::floor(box.bottom() / cell));
+    bool free = true;
+    for (auto column = firstColumn; column <= lastColumn && free; ++column) {
+      for (auto row = firstRow; row <= lastRow && free; ++row) {
+        const auto found = grid.find(key(column, row));
+        if (found == grid.end()) continue;
+        for (const QRectF& other : found->second) {
+          if (other.intersects(box)) {
+            free = false;
+            break;
+          }
+        }
+      }
+    }
+    if (!free) continue;
+    for (auto column = firstColumn; column <= lastColumn; ++column) {
+      for (auto row = firstRow; row <= lastRow; ++row) grid[key(column, row)].push_back(box);
+    }
+    drawn.push_back(node);
+  }
+  return drawn;
 }
 
 void PointMap2D::SetBaseNodeSize(float size) {
@@ -527,7 +688,10 @@ void PointMap2D::RenderView(bool clear, bool lassoo) {
     const double ascent = metrics.ascent();
     const double height = metrics.height();
     const double charWidth = metrics.horizontalAdvance(QLatin1Char('M'));
-    for (std::int32_t i = 0; i < nodeCount_; ++i) {
+    if (readableDrawing_) {
+      for (const std::int32_t node : ReadableLabels(metrics)) DrawLabel(painter, node, ascent);
+    }
+    for (std::int32_t i = 0; i < nodeCount_ && !readableDrawing_; ++i) {
       // Labels hang right and down from their node; skip those that cannot reach the picture.
       const QPointF at = ToPixels(x_[static_cast<std::size_t>(i)], y_[static_cast<std::size_t>(i)]);
       if (at.x() > size.width() || at.y() > size.height() || at.y() + height < 0.0) continue;
@@ -591,7 +755,13 @@ QImage PointMap2D::Snapshot() const {
 }
 
 void PointMap2D::SurfaceResized() {
-  if (dataWidth_ != 0.0f && dataHeight_ != 0.0f) RenderView(true, lassoVisible_);
+  if (dataWidth_ == 0.0f || dataHeight_ == 0.0f) return;
+  // Readable sizes and margins are in pixels: a new size fits them again.
+  if (readableDrawing_ && !lassoVisible_) {
+    Refit();
+    return;
+  }
+  RenderView(true, lassoVisible_);
 }
 
 void PointMap2D::SetSelectedNode(std::int32_t node) {

@@ -29,6 +29,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QFontMetricsF>
 #include <QImage>
 #include <QObject>
 #include <QPointF>
@@ -63,6 +64,7 @@ class PointMap2D : public QObject {
     float right = 0.0f;
     float top = 0.0f;
     float bottom = 0.0f;
+    friend bool operator==(const ViewRect&, const ViewRect&) = default;
   };
 
   explicit PointMap2D(QObject* parent = nullptr);
@@ -90,6 +92,17 @@ class PointMap2D : public QObject {
   // A one-line hint drawn in grey in the middle of a map that has no nodes.
   const QString& EmptyText() const { return emptyText_; }
   void SetEmptyText(const QString& text);
+
+  // Readable drawing, the default: labels are drawn heaviest first and a label that would
+  // overlap one already drawn is left out (hovering still shows it); no node's radius passes a
+  // tenth of the picture's shorter side at the home view (sizes keep their order); the home view
+  // holds every node and label with a margin. Off, every label over the threshold is drawn,
+  // nodes are sized by weight alone and the home view frames the node centres.
+  bool ReadableDrawing() const { return readableDrawing_; }
+  void SetReadableDrawing(bool readable);
+  // The nodes whose labels the picture shows, in drawing order, and the pixel box of a label.
+  std::vector<std::int32_t> LabelledNodes() const;
+  QRectF LabelBox(std::int32_t node) const;
 
   bool ShowNodeLabels() const { return showNodeLabels_; }
   void SetShowNodeLabels(bool show);
@@ -269,6 +282,7 @@ class PointMap2D : public QObject {
   QColor labelColor_{255, 255, 0};
   bool showEdges_ = false;
   bool showNodeLabels_ = false;
+  bool readableDrawing_ = true;
   std::int16_t nodeLabelThreshold_ = 0;
   bool temporalMask_ = false;
   std::uint8_t nodeShape_ = 0;
@@ -297,6 +311,13 @@ class PointMap2D : public QObject {
   // the same pixels.
   ViewRect renderedView_{};
   QFont labelFont_;
+  // Readable drawing: the labels drawn, heaviest first, without overlaps.
+  std::vector<std::int32_t> ReadableLabels(const QFontMetricsF& metrics) const;
+  // Readable drawing: caps the node sizes and fits the home view to nodes and labels.
+  void CapNodeSizes();
+  void FitHomeToDrawing();
+  // The home view and node sizes made again for the current picture size and drawing mode.
+  void Refit();
   QString emptyText_;
   QImage picture_;
 };

@@ -17,6 +17,7 @@
 #include "app/related_terms.h"
 #include "app/time_line_explorer_page.h"
 #include "app/tweet_list_model.h"
+#include "cluster_test_support.h"
 #include "support/qt_test_main.h"
 #include "views/session_views.h"
 #include "views/table_lens.h"
@@ -121,6 +122,40 @@ class FirstUseTest : public QObject {
       const std::int32_t built = f.Window().CurrentSession().WordModel().IntervalCount();
       if (intervals > 0) QCOMPARE(built, intervals);
       if (intervals == 0) QVERIFY2(built > 400, qPrintable(QString::number(built)));
+    }
+  }
+
+  void mapsAreReadableAndWhole() {
+    // The sample's maps, laid out by the real sfdp, in a window of the usual size.
+    WindowFixture f;
+    f.Window().resize(1280, 800);
+    f.Window().show();
+    QVERIFY(PrepareSampleModels(f, RealGraphvizFolder()) && VisitClusterExplorer(f));
+    for (const MapKind kind : {MapKind::kWords, MapKind::kIntervals}) {
+      PointMap2D& map = f.Window().ClusterExplorer().Map(kind);
+      const QSize size = map.Snapshot().size();
+      const auto labelled = map.LabelledNodes();
+      QVERIFY(!labelled.empty());
+      // Heaviest first, and no two labels on each other.
+      for (std::size_t a = 0; a < labelled.size(); ++a) {
+        if (a > 0) QVERIFY(map.Weight(labelled[a - 1]) >= map.Weight(labelled[a]));
+        for (std::size_t b = a + 1; b < labelled.size(); ++b) {
+          QVERIFY(!map.LabelBox(labelled[a]).intersects(map.LabelBox(labelled[b])));
+        }
+      }
+      // Every node within the picture, none wider than a tenth of its shorter side.
+      const double cap = 0.1 * std::min(size.width(), size.height()) + 1.0;
+      for (std::int32_t node = 0; node < map.NodeCount(); ++node) {
+        const float s = map.NodeSize(node);
+        const QRectF circle(map.ToPixels(map.NodeX(node) - s, map.NodeY(node) - s),
+                            map.ToPixels(map.NodeX(node) + s, map.NodeY(node) + s));
+        QVERIFY(QRectF(QPointF(0, 0), size).contains(circle));
+        QVERIFY(circle.width() / 2 <= cap);
+      }
+      // "Show all labels" draws every label over the threshold again.
+      map.SetReadableDrawing(false);
+      QVERIFY(map.LabelledNodes().size() >= labelled.size());
+      map.SetReadableDrawing(true);
     }
   }
 

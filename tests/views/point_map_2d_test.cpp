@@ -39,6 +39,8 @@ struct MapWindow {
     form = std::make_unique<QWidget>();
     form->resize(size);
     map = std::make_unique<PointMap2D>();
+    // These cases pin the plain drawing: every label, weighted sizes, the node-centre view.
+    map->SetReadableDrawing(false);
     map->InitializePM2DCtl(form.get());
     form->show();
   }
@@ -267,6 +269,7 @@ class PointMap2DTest : public QObject {
 
   void pressRedrawsAnOutOfDatePicture() {
     PointMap2D map;
+    map.SetReadableDrawing(false);
     map.SetPictureSize(QSize(300, 300));
     const auto spatial = StarSpatial();
     map.SetCoordinates(*spatial);
@@ -427,6 +430,7 @@ class PointMap2DTest : public QObject {
 
   void zoomOutStepAccelerates() {
     PointMap2D map;
+    map.SetReadableDrawing(false);
     // A wide map with small nodes: the step starts below 1 % of the width.
     const auto spatial = MakeSpatial({{0, 0}, {1000, 0}, {0.3f, 0}}, {{0, 2}});
     map.SetCoordinates(*spatial);
@@ -493,6 +497,7 @@ class PointMap2DTest : public QObject {
 
   void secondPulseReplacesTheFirst() {
     PointMap2D map;
+    map.SetReadableDrawing(false);
     const auto spatial = StarSpatial();
     map.SetCoordinates(*spatial);
     const float size = map.NodeSize(0);
