@@ -383,6 +383,10 @@ void LoadIndexPage::FieldList_ItemCheck(QListWidgetItem* item) {
 
 // ---- Progress texts ----
 
+void LoadIndexPage::AppendLoadNote(const QString& note) {
+  SetLoadProgress(loadProgressText_ + u"\r\n"_s + note);
+}
+
 void LoadIndexPage::SetLoadProgress(const QString& text) {
   loadProgressText_ = text;
   QString shown = text;

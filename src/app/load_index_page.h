@@ -121,6 +121,8 @@ class LoadIndexPage final : public QWidget {
   const QString& DocViewText() const { return docViewText_; }
   // The progress label's text with its CR LF line breaks.
   const QString& LoadProgressText() const { return loadProgressText_; }
+  // Adds a line to the progress text of the last load.
+  void AppendLoadNote(const QString& note);
 
  signals:
   // The window caption the load asks for, in the order the workflow sets them.

@@ -33,6 +33,7 @@
 #include "views/time_line_chart.h"
 
 #include "app/page_widgets.h"
+#include "session/interval_length_proposal.h"
 
 namespace sylvora::app {
 
@@ -146,6 +147,9 @@ QWidget* TimeLineExplorerPage::BuildOptionsRow() {
 
   connect(buildModels_, &QPushButton::clicked, this, [this] { BuildModels_Click(); });
   connect(etiCombo_, &QComboBox::currentTextChanged, this, [this] { ETI_Combo_Click(); });
+  // What the user types or picks is theirs: no later load proposes over it.
+  connect(intervalLen_, &QLineEdit::textEdited, this, [this] { lengthChosen_ = true; });
+  connect(etiCombo_, &QComboBox::activated, this, [this] { lengthChosen_ = true; });
   connect(getTL_, &QPushButton::clicked, this, &TimeLineExplorerPage::GetTL_Click);
   connect(findTermStr_, &QLineEdit::returnPressed, this, [this] { FindTerm_Click(0); });
   connect(findTerm_[0], &QPushButton::clicked, this, [this] { FindTerm_Click(0); });
@@ -270,6 +274,15 @@ void TimeLineExplorerPage::SetSummary(const QString& text) { tweetViewSummary_->
 
 void TimeLineExplorerPage::ShowError(const QString& text) {
   services_.platform.ShowMessage(text, kProgramTitle, MessageIcon::kExclamation);
+}
+
+QString TimeLineExplorerPage::ProposeIntervalLength() {
+  if (lengthChosen_) return {};
+  const IntervalLengthProposal proposal =
+      sylvora::ProposeIntervalLength(services_.session.Documents());
+  intervalLen_->setText(QString::number(proposal.length));
+  etiCombo_->setCurrentText(proposal.unitCode == "ww" ? u"Weeks"_s : u"Hours"_s);
+  return QString::fromStdString(proposal.Describe());
 }
 
 void TimeLineExplorerPage::ETI_Combo_Click() {

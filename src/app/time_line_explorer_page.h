@@ -76,6 +76,10 @@ class TimeLineExplorerPage final : public QWidget {
   // Checks the options and starts the build job; false when nothing was started.
   bool BuildModels_Click();
   void ETI_Combo_Click();
+  // After a load: puts a length that cuts the corpus into at most about a thousand intervals
+  // into "Interval length" and the unit combo, unless the user set them; returns the line that
+  // says so ("" when 24 hours fits or the user's choice stands).
+  QString ProposeIntervalLength();
   void GetTL_Click();
   // The chart click: selects `interval` everywhere (0 or out of range does nothing).
   void SelectInterval(std::int32_t interval);
@@ -272,6 +276,7 @@ class TimeLineExplorerPage final : public QWidget {
   std::array<QAction*, 3> sentiAvg_{};
   std::array<QAction*, 5> cellStyle_{};
   std::optional<int> userCellStyle_;
+  bool lengthChosen_ = false;
   std::array<QAction*, 3> burst_{};
 };
 

@@ -34,6 +34,11 @@ TimeLineLinks::TimeLineLinks(LoadIndexPage& loadIndex, TimeLineExplorerPage& tim
   connect(&timeLine_, &TimeLineExplorerPage::modelsBuilt, this, [this](bool built) {
     if (built) FillTermListSpans();
   });
+  connect(&loadIndex_, &LoadIndexPage::corpusLoaded, &timeLine_, [this](bool loaded) {
+    if (!loaded) return;
+    const QString proposal = timeLine_.ProposeIntervalLength();
+    if (!proposal.isEmpty()) loadIndex_.AppendLoadNote(proposal);
+  });
   connect(&timeLine_, &TimeLineExplorerPage::intervalUnitChanged, &loadIndex_,
           &LoadIndexPage::SetIntervalUnitCode);
   connect(&timeLine_, &TimeLineExplorerPage::copySelectedUsersRequested, this,

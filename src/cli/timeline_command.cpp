@@ -9,6 +9,7 @@
 #include "cli/index_command.h"
 #include "cli/stream_notifier.h"
 #include "common/file_io.h"
+#include "session/interval_length_proposal.h"
 #include "session/interval_models.h"
 #include "views/view_pictures.h"
 
@@ -20,7 +21,8 @@ constexpr const char* kUsage =
     "                                 [--burst ratio|temporal|z] [--json] [--events FILE]\n"
     "                                 [--png FILE] [--chart-png FILE] [--yes] and the load and\n"
     "                                 index flags of 'index'\n"
-    "  --length L           interval length in units (default 24)\n"
+    "  --length L           interval length in units (default 24); \"auto\" proposes one that\n"
+    "                       gives at most about 1,000 intervals (weeks, 4 weeks, years...)\n"
     "  --novelty-window W   intervals compared for novelty, 0..255 (default 1)\n"
     "  --burst M            burst measure of the burst words (default ratio)\n"
     "  --events FILE        tab-separated lines: date-time, description\n"
@@ -158,7 +160,10 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
     return 2;
   }
   const auto window = line.Number("novelty-window", 1, 0, 255);
-  const auto length = line.Number("length", 24, 1, kWholeMax);
+  // "auto" proposes a length that gives at most about a thousand intervals.
+  const bool autoLength = line.Value("length", "") == "auto";
+  const auto length =
+      autoLength ? std::optional<long long>(24) : line.Number("length", 24, 1, kWholeMax);
   if (!window || !length) {
     err << line.Error() << '\n' << kUsage;
     return 2;
@@ -202,6 +207,15 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
   if (!indexed.indexed) {
     err << "Error: " << indexed.error << '\n';
     return 1;
+  }
+  if (autoLength) {
+    const IntervalLengthProposal proposal = ProposeIntervalLength(session.Documents());
+    models.intervalLength = std::to_string(proposal.length);
+    models.unitCode = proposal.unitCode;
+    err << (proposal.proposed ? proposal.Describe()
+                              : "Interval length: 24 hours, " +
+                                    std::to_string(proposal.defaultIntervals) + " intervals")
+        << '\n';
   }
   const ModelReport built = BuildModels(session, models, notifier);
   if (!built.built) {

@@ -209,14 +209,16 @@ QString TableLens::RowHeaderText(std::int32_t row) const {
   return name.left(1) + QStringLiteral("..");
 }
 
-QStringList TableLens::ColumnLabelForms(const QString& name) {
-  // "YYYY-MM-DD HH:MM:SS" and its shorter readable forms, longest first.
+QStringList TableLens::ColumnLabelForms(const QString& name, bool acrossYears) {
+  // "YYYY-MM-DD HH:MM:SS" and its shorter readable forms, longest first: within a year the
+  // year goes first, across years the day and the month.
   static const QRegularExpression kDateTime(
       QStringLiteral(R"(^(\d{4})-(\d{2})-(\d{2})[ T](\d{2}):(\d{2})(:\d{2})?$)"));
   const QRegularExpressionMatch match = kDateTime.match(name);
   if (!match.hasMatch()) return {name};
   const QString year = match.captured(1), month = match.captured(2), day = match.captured(3);
   const QString time = match.captured(4) + u':' + match.captured(5);
+  if (acrossYears) return {name, year + u'-' + month + u'-' + day, year + u'-' + month, year};
   return {name,
           year + u'-' + month + u'-' + day + u' ' + time,
           month + u'-' + day + u' ' + time,
@@ -225,8 +227,14 @@ QStringList TableLens::ColumnLabelForms(const QString& name) {
           day};
 }
 
+bool TableLens::VisibleColumnsAcrossYears() const {
+  if (table_ == nullptr || visibleColumns_ < 1) return false;
+  const std::int32_t last = std::min(table_->ColCount(), leftColumn_ + visibleColumns_ - 1);
+  return ColumnName(leftColumn_).left(4) != ColumnName(last).left(4);
+}
+
 QString TableLens::ColumnLabel(std::int32_t column, double roomColumns) const {
-  const QStringList forms = ColumnLabelForms(ColumnName(column));
+  const QStringList forms = ColumnLabelForms(ColumnName(column), VisibleColumnsAcrossYears());
   for (const QString& form : forms) {
     if (TextWidthUnits(form, headerFont_) <= roomColumns) return form;
   }
@@ -239,7 +247,8 @@ std::int32_t TableLens::ColumnLabelStep() const {
   const std::int32_t last = std::min(table_->ColCount(), leftColumn_ + visibleColumns_ - 1);
   double needed = 0.0;
   for (const std::int32_t column : {leftColumn_, last}) {
-    const QString shortest = ColumnLabelForms(ColumnName(column)).back();
+    const QString shortest =
+        ColumnLabelForms(ColumnName(column), VisibleColumnsAcrossYears()).back();
     needed = std::max(needed, TextWidthUnits(shortest, headerFont_) + 0.2);
   }
   for (std::int32_t step = 1;; step *= 10) {

@@ -153,8 +153,9 @@ class TableLens : public QObject {
   // The text printed in the row header for `row` (long names shortened to 6 characters + "..").
   QString RowHeaderText(std::int32_t row) const;
   // The forms a column name may take in the header, longest first: a date-time
-  // "YYYY-MM-DD HH:MM:SS" also as "YYYY-MM-DD HH:MM", "MM-DD HH:MM", "YYYY-MM-DD", "MM-DD", "DD".
-  static QStringList ColumnLabelForms(const QString& name);
+  // "YYYY-MM-DD HH:MM:SS" also as "YYYY-MM-DD HH:MM", "MM-DD HH:MM", "YYYY-MM-DD", "MM-DD", "DD";
+  // across years as "YYYY-MM-DD", "YYYY-MM", "YYYY".
+  static QStringList ColumnLabelForms(const QString& name, bool acrossYears = false);
   // Pixel rectangle of cell (slot, visible column); column 0 is the row header, slot 0 the
   // column header.
   QRectF CellRect(std::int32_t slot, std::int32_t visibleColumn) const;
@@ -194,6 +195,8 @@ class TableLens : public QObject {
   QString ColumnLabel(std::int32_t column, double roomColumns) const;
   // How many columns one header label spans so that the shortest form fits.
   std::int32_t ColumnLabelStep() const;
+  // Whether the first and last visible column names lie in different years.
+  bool VisibleColumnsAcrossYears() const;
   double PixelsPerColumn() const;
   double PixelsPerRow() const;
   QPointF ToPixels(double x, double y) const;

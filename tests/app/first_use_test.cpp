@@ -164,6 +164,9 @@ class FirstUseTest : public QObject {
              (QStringList{QStringLiteral("2013-09-05 00:13:19"), QStringLiteral("2013-09-05 00:13"),
                           QStringLiteral("09-05 00:13"), QStringLiteral("2013-09-05"),
                           QStringLiteral("09-05"), QStringLiteral("05")}));
+    QCOMPARE(TableLens::ColumnLabelForms(QStringLiteral("2013-09-05 00:13:19"), true),
+             (QStringList{QStringLiteral("2013-09-05 00:13:19"), QStringLiteral("2013-09-05"),
+                          QStringLiteral("2013-09"), QStringLiteral("2013")}));
     QCOMPARE(TableLens::ColumnLabelForms(QStringLiteral("C12")),
              QStringList{QStringLiteral("C12")});
   }

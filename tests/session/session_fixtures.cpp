@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <string>
 
+#include "common/date_time.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "support/recording_notifier.h"
@@ -11,10 +12,15 @@
 namespace sylvora::testing {
 
 std::string ExportLine(const Tweet& t) {
-  char date[64];
-  std::snprintf(date, sizeof date, "Mon Sep %02d %02d:%02d:00 +0000 2013", 2 + t.hour / 24,
-                t.hour % 24, t.minute);
-  std::string line = date;
+  // "YYYY-MM-DD HH:MM:SS" of the tweet, rewritten in the export's "Mon Sep 02 ..." form (the
+  // weekday is not read).
+  const DateTime at = DateAdd(TimeUnit::kMinute, t.minute,
+                              DateAdd(TimeUnit::kHour, t.hour, *DateTime::FromParts(2013, 9, 2)));
+  const std::string iso = at.Format();
+  static const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  std::string line = std::string("Mon ") + kMonths[std::stoi(iso.substr(5, 2)) - 1] + " " +
+                     iso.substr(8, 2) + " " + iso.substr(11, 8) + " +0000 " + iso.substr(0, 4);
   for (const std::string& cell :
        {t.user, t.text, std::string("123"), "Real " + t.user, std::string("10"), std::string("20"),
         std::string("0"), std::string("UTC"), std::string(""), std::string("99"), std::string("0"),
