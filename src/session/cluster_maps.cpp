@@ -4,6 +4,7 @@
 
 #include "layout/shell_and_wait.h"
 #include "networks/proximity_matrix.h"
+#include "networks/sparse_spanning_tree.h"
 #include "temporal/text_stream.h"
 
 namespace sylvora {
@@ -82,6 +83,40 @@ bool Cancelled(MapReport& report, const CancelWatch& watch) {
   return true;
 }
 
+// Memory of a map through the dense route: the array, the network, the candidate edges (at
+// most half the cells, 12 bytes each) and the tree matrix.
+std::int64_t DenseMapBytes(std::int64_t n) { return n * n * (4 + 4 + 6 + 4); }
+
+// Memory of a map through the sparse spanning tree: an edge for every stored pair of the upper
+// triangle, plus the union-find and the DOT text per node.
+std::int64_t SparseMapBytes(const SparseMatrixSingle& similarities) {
+  std::int64_t cells = 0;
+  for (std::int32_t c = 1; c <= similarities.ColCount(); ++c)
+    cells += similarities.Vector(c)->NZElementCount();
+  return cells / 2 * 12 + std::int64_t{similarities.ColCount()} * 80;
+}
+
+// The last step of every map: Graphviz lays out map.dot.
+bool LayOutDot(std::int32_t n, const MapOptions& options, ClusterMap& map, MapReport& report,
+               Notifier& notifier, const CancelWatch& cancel, Stopwatch& watch) {
+  Spatial spatial(notifier);
+  if (!options.layoutFolder.empty()) spatial.SetLayoutFolder(options.layoutFolder);
+  spatial.SetTimeLimit(options.timeLimitMs);
+  const bool laidOut = spatial.GraphVisLayout_CLI(options.graphvizFolder, options.algorithm,
+                                                  map.dot, n, 1, cancel.Callback());
+  report.shellCode = spatial.LastShellCode();
+  Finish(report, watch, "layout");
+  if (!laidOut) {
+    report.cancelled = cancel.Cancelled();
+    report.error = LayoutFailure(report.shellCode, options, spatial.LastFailure());
+    return false;
+  }
+  report.nodeCount = spatial.NodeCount();
+  report.edgeCount = spatial.EdgeCount();
+  map.layout = std::move(spatial);
+  return true;
+}
+
 }  // namespace
 
 std::vector<float> ColumnSimilarityArray(const SparseMatrixSingle& matrix,
@@ -134,23 +169,32 @@ bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::in
   tree = NetworkResult::Failure({});
   if (Cancelled(report, cancel)) return false;
   Finish(report, watch, "dot");
+  return LayOutDot(n, options, map, report, notifier, cancel, watch);
+}
 
-  Spatial spatial(notifier);
-  if (!options.layoutFolder.empty()) spatial.SetLayoutFolder(options.layoutFolder);
-  spatial.SetTimeLimit(options.timeLimitMs);
-  const bool laidOut = spatial.GraphVisLayout_CLI(options.graphvizFolder, options.algorithm,
-                                                  map.dot, n, 1, cancel.Callback());
-  report.shellCode = spatial.LastShellCode();
-  Finish(report, watch, "layout");
-  if (!laidOut) {
-    report.cancelled = cancel.Cancelled();
-    report.error = LayoutFailure(report.shellCode, options, spatial.LastFailure());
+bool LayOutSparseSimilarities(const SparseMatrixSingle& similarities, const MapOptions& options,
+                              ClusterMap& map, MapReport& report, Notifier& notifier,
+                              const ProgressCallback& progress) {
+  const CancelWatch cancel(progress);
+  Stopwatch watch;
+  const std::int32_t n = similarities.ColCount();
+  if (n < 2) {
+    report.error = "A map needs at least two nodes (this one has " + std::to_string(n) + ")";
     return false;
   }
-  report.nodeCount = spatial.NodeCount();
-  report.edgeCount = spatial.EdgeCount();
-  map.layout = std::move(spatial);
-  return true;
+  SparseTree tree = SparseSpanningTree(similarities, cancel.Callback());
+  if (Cancelled(report, cancel)) return false;
+  if (!tree.built) {
+    report.error = "No spanning tree: " + tree.message;
+    return false;
+  }
+  report.warning = tree.message;
+  Finish(report, watch, "network");
+
+  map.dot = DotFromEdges(std::move(tree.links), 1.0f, 1, cancel.Callback());
+  if (Cancelled(report, cancel)) return false;
+  Finish(report, watch, "dot");
+  return LayOutDot(n, options, map, report, notifier, cancel, watch);
 }
 
 MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wordStream,
@@ -211,13 +255,30 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
     report.error = "The interval similarity model is not built";
     return report;
   }
-  std::vector<float> similarities = DenseArray(wordStream.NM());
-  Finish(report, watch, "similarity");
-
+  const bool dense = n <= options.denseNodeLimit;
+  const std::int64_t bytes = dense ? DenseMapBytes(n) : SparseMapBytes(wordStream.NM());
+  if (bytes > options.memoryBudgetBytes) {
+    report.error = "The interval map of " + std::to_string(n) + " intervals would need about " +
+                   Megabytes(bytes) + ", more than the memory budget of " +
+                   Megabytes(options.memoryBudgetBytes) +
+                   "; rebuild the views with an interval length of at least " +
+                   std::to_string(LengthThatFits(wordStream.IntervalLength(), bytes,
+                                                 options.memoryBudgetBytes, 0.5));
+    return report;
+  }
   ClusterMap built;
   built.kind = MapKind::kIntervals;
-  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
-                          options, built, report, notifier, progress)) {
+  bool laidOut = false;
+  if (dense) {
+    std::vector<float> similarities = DenseArray(wordStream.NM());
+    Finish(report, watch, "similarity");
+    laidOut = LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
+                                 options, built, report, notifier, progress);
+  } else {
+    Finish(report, watch, "similarity");
+    laidOut = LayOutSparseSimilarities(wordStream.NM(), options, built, report, notifier, progress);
+  }
+  if (!laidOut) {
     if (!report.cancelled)
       notifier.ShowMessage(kIntervalMapFailure, kProgramTitle, MessageIcon::kNone);
     return report;

@@ -23,6 +23,8 @@
 //
 // Cost: the similarity is one sparse product; the array, the network and the MST are n^2 in
 // memory (4 bytes a cell, about 100 MB for 5,000 terms) and time; the layout is Graphviz's.
+// Interval maps past MapOptions::denseNodeLimit read NM as it is stored instead: memory and
+// time in its stored pairs, so linear in the interval count when intervals share few terms.
 
 #include <cstdint>
 #include <string>
@@ -35,6 +37,7 @@
 #include "indexing/term_document_matrix.h"
 #include "layout/spatial.h"
 #include "session/cluster_map.h"
+#include "session/memory_budget.h"
 #include "sparse/sparse_matrix_single.h"
 
 namespace sylvora {
@@ -55,6 +58,11 @@ struct MapOptions {
   // Where gvin.txt and gvout.txt go; "" for the per-process default.
   std::string layoutFolder;
   std::int32_t timeLimitMs = kLayoutTimeLimitMs;
+  // A map whose estimated memory passes this is refused before it starts.
+  std::int64_t memoryBudgetBytes = kDefaultMemoryBudgetBytes;
+  // Interval and tweet maps of up to this many nodes go through the dense n x n matrix; larger
+  // ones through the sparse spanning tree, which needs memory only for the linked pairs.
+  std::int32_t denseNodeLimit = 2000;
 };
 
 struct MapReport {
@@ -84,6 +92,12 @@ std::vector<float> ColumnSimilarityArray(const SparseMatrixSingle& matrix,
 bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::int32_t type,
                         const MapOptions& options, ClusterMap& map, MapReport& report,
                         Notifier& notifier, const ProgressCallback& progress = {});
+
+// As LayOutSimilarities for a square sparse similarity matrix (n = its ColCount(), absent
+// cells 0), through SparseSpanningTree: the memory is that of the stored pairs.
+bool LayOutSparseSimilarities(const SparseMatrixSingle& similarities, const MapOptions& options,
+                              ClusterMap& map, MapReport& report, Notifier& notifier,
+                              const ProgressCallback& progress = {});
 
 // The word map. `wordStream` is needed at the interval level only (nullptr otherwise).
 MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wordStream,

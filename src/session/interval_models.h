@@ -8,8 +8,10 @@
 //  1. The interval length L is the leading number of the "IntervalLen" text, rounded half to
 //     even for the models; E is the elapsed-time value of the last document.
 //  2. E / L < 2 stops with the "Reset Interval Length" message. So does a length that is not a
-//     positive number (0, negative, no number at all, or below 1 once rounded) and a length
-//     that would make more intervals than TextStream::kMaxIntervalCount.
+//     positive number (0, negative, no number at all, or below 1 once rounded), a length
+//     that would make more intervals than TextStream::kMaxIntervalCount, and one whose
+//     intervals would pass the memory budget (the message names the interval count and a
+//     length that fits).
 //  3. E / L < 10 asks whether to proceed (OK / Cancel).
 //  4. The words model is built over ElapsedTimeField; when IntervalCount exceeds the term
 //     time line's visible columns the "too many intervals" notice is shown; the events are
@@ -17,7 +19,9 @@
 //  5. A largest interval of more than 2000 documents asks whether to go on (OK / Cancel).
 //  6. The links, hashtags, mentions and users models are built with the same length.
 //  7. TrunK: the smallest number of distinct terms among the words model's intervals that hold
-//     at least 26, else 9999; the words model's interval similarity model is built with it.
+//     at least 26, else 9999; the words model's interval similarity model is built with it,
+//     unless the pairs of intervals that share terms would pass the memory budget: then the
+//     build stops with a message naming the interval count and a length that fits.
 //  8. The words model's sentiment model is built from the corpus's sentiment fields.
 //  9. The session records the length and unit and that the models are built.
 //
@@ -36,6 +40,7 @@
 #include "common/notifier.h"
 #include "common/progress.h"
 #include "common/stopwatch.h"
+#include "session/memory_budget.h"
 #include "session/session.h"
 
 namespace sylvora {
@@ -58,6 +63,9 @@ struct ModelOptions {
   std::int32_t maxVisibleColumns = 0;
   // The title of that notice.
   std::string applicationTitle = "Sylvora";
+  // A build whose estimated memory (the intervals of the five models and the pairs of the
+  // interval similarity model) passes this is refused before it starts.
+  std::int64_t memoryBudgetBytes = kDefaultMemoryBudgetBytes;
 };
 
 struct ModelReport {

@@ -228,6 +228,52 @@ SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
   return result;
 }
 
+std::int64_t SparseMatrixSingle::SharedRowPairEstimate(std::int64_t limit) const {
+  const auto rowCount = static_cast<std::size_t>(rowCount_);
+  std::vector<std::int32_t> holders(rowCount + 1, 0);
+  for (const SparseVectorSingle& column : columns_) {
+    for (const std::int32_t r : column.ElementIndexes()) {
+      if (r > rowCount_) break;
+      if (r >= 1) ++holders[static_cast<std::size_t>(r)];
+    }
+  }
+  std::int64_t bound = 0;
+  for (const std::int32_t k : holders) bound += std::int64_t{k} * (k - 1) / 2;
+  if (bound <= limit) return bound;
+
+  // Exact: each column's later partners, marked once, through the rows' column lists.
+  std::vector<std::size_t> rowStart(rowCount + 2, 0);
+  for (std::size_t r = 1; r <= rowCount; ++r) rowStart[r + 1] = rowStart[r] + holders[r];
+  std::vector<std::int32_t> rowColumns(rowStart.back());
+  std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
+  const std::int32_t n = ColCount();
+  for (std::int32_t c = 1; c <= n; ++c) {
+    for (const std::int32_t r : Column(c).ElementIndexes()) {
+      if (r > rowCount_) break;
+      if (r >= 1) rowColumns[next[static_cast<std::size_t>(r)]++] = c;
+    }
+  }
+  std::vector<std::int32_t> markedBy(static_cast<std::size_t>(n) + 1, 0);
+  std::int64_t pairs = 0;
+  for (std::int32_t i = 1; i <= n; ++i) {
+    for (const std::int32_t r : Column(i).ElementIndexes()) {
+      if (r > rowCount_) break;
+      if (r < 1) continue;
+      const auto row = static_cast<std::size_t>(r);
+      const auto end = rowColumns.begin() + static_cast<std::ptrdiff_t>(rowStart[row + 1]);
+      auto at =
+          std::upper_bound(rowColumns.begin() + static_cast<std::ptrdiff_t>(rowStart[row]), end, i);
+      for (; at != end; ++at) {
+        auto& mark = markedBy[static_cast<std::size_t>(*at)];
+        if (mark == i) continue;
+        mark = i;
+        ++pairs;
+      }
+    }
+  }
+  return pairs;
+}
+
 bool SparseMatrixSingle::SaveDenseMatrix(const std::string& file, bool dissim) const {
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   if (!out) return false;

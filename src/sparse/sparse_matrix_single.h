@@ -101,6 +101,12 @@ class SparseMatrixSingle {
   SparseMatrixSingle GetSimilarityMatrix(std::int32_t metric,
                                          const ProgressCallback& progress = {}) const;
 
+  // An upper bound of the column pairs (i < j, rows 1..RowCount()) that share a row, which is
+  // what GetSimilarityMatrix can store off the diagonal: the sum over rows of C(k, 2), k the
+  // columns holding the row, when that is at most `limit` (O(nnz)); otherwise the exact count
+  // (the cost of the product, memory O(ColCount)). For checking a product's size first.
+  std::int64_t SharedRowPairEstimate(std::int64_t limit) const;
+
   // Writes the dense table to `file` (created or replaced): for each row 1..RowCount(), every
   // cell (1 - cell when `dissim`) in the general number form (see GeneralNumber) followed by a
   // tab, then CR LF. Absent cells are 0 (1 with `dissim`). False when the file cannot be
