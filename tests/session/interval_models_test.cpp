@@ -328,3 +328,38 @@ TEST(ChooseTrunK, TakesTheSmallestIntervalWithAtLeast26Terms) {
 
 }  // namespace
 }  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+// A build that would pass the memory budget is refused before it grows, naming the interval
+// count and a length that fits; the length it names builds within the same budget.
+TEST_F(IntervalModels, BuildsPastTheMemoryBudgetAreRefusedWithALengthThatFits) {
+  struct Case {
+    std::int64_t budget;
+    const char* stage;  // what passes the budget
+    const char* fits;   // the length the message proposes
+  };
+  // Length 2: 25 intervals at 1,024 bytes, and 144 pairs of intervals sharing terms at 32.
+  Prepare(EveryTwoHours());
+  for (const Case c : {Case{20'000, "intervals", "3"}, Case{28'000, "pairs", "3"}}) {
+    SCOPED_TRACE(c.stage);
+    const std::size_t before = Messages().size();
+    ModelOptions options;
+    options.memoryBudgetBytes = c.budget;
+    const ModelReport refused = Build("2", options);
+    EXPECT_FALSE(refused.built);
+    EXPECT_FALSE(session_.ModelsBuilt());
+    EXPECT_EQ(session_.WordModel().NM().ColCount(), 0);
+    EXPECT_NE(refused.error.find("25 intervals"), std::string::npos) << refused.error;
+    EXPECT_NE(refused.error.find(std::string("at least ") + c.fits + " hours"), std::string::npos)
+        << refused.error;
+    ASSERT_EQ(Messages().size(), before + 1);
+    EXPECT_EQ(Messages().back().title, kIntervalLengthTitle);
+    const ModelReport fitted = Build(c.fits, options);
+    EXPECT_TRUE(fitted.built) << fitted.error;
+  }
+}
+
+}  // namespace
+}  // namespace sylvora

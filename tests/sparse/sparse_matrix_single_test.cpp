@@ -500,3 +500,20 @@ TEST(SparseMatrixSingleColumns, TruncateLocalAndNormaliseWorkPerColumn) {
 
 }  // namespace
 }  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+// Columns 1 and 2 share rows 1 and 2, column 3 shares row 2 with both: three pairs, which
+// the cheap bound counts once per shared row (four).
+TEST(SharedRowPairEstimate, CheapBoundWithinTheLimitAndTheExactCountPastIt) {
+  SparseMatrixSingle m;
+  m.Reset(3, 3);
+  for (const auto& [row, col] : {std::pair{1, 1}, {2, 1}, {1, 2}, {2, 2}, {2, 3}, {3, 3}})
+    m.SetValue(row, col, 0.5f);
+  EXPECT_EQ(m.SharedRowPairEstimate(4), 4);
+  EXPECT_EQ(m.SharedRowPairEstimate(3), 3);
+}
+
+}  // namespace
+}  // namespace sylvora
