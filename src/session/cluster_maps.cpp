@@ -1,5 +1,9 @@
 #include "session/cluster_maps.h"
 
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <unordered_map>
 #include <utility>
 
 #include "layout/shell_and_wait.h"
@@ -94,6 +98,101 @@ std::int64_t SparseMapBytes(const SparseMatrixSingle& similarities) {
   for (std::int32_t c = 1; c <= similarities.ColCount(); ++c)
     cells += similarities.Vector(c)->NZElementCount();
   return cells / 2 * 12 + std::int64_t{similarities.ColCount()} * 80;
+}
+
+// Whether a map of n nodes goes through the dense n x n matrix: small enough to keep the
+// tree the dense route has always drawn, and within the memory budget.
+bool UseDenseRoute(std::int32_t n, const MapOptions& options) {
+  return n <= options.denseNodeLimit && DenseMapBytes(n) <= options.memoryBudgetBytes;
+}
+
+// The bounded second-order similarity of a large interval's tweets (columns of `tweets`), as
+// an n x n matrix of which only the upper triangle is filled. Identical tweets (retweets,
+// repeated messages) are computed once: each keeps its first copy's neighbours, and the copies
+// join it at similarity 1. Without that, a group of more copies than the neighbour count
+// would keep only its own members and fall apart from the rest of the map. Each distinct
+// tweet counts in the second order as often as it occurs, as in the full similarity.
+SparseMatrixSingle NearestSecondOrder(SparseMatrixSingle tweets, std::int32_t neighbours,
+                                      const ProgressCallback& progress) {
+  const std::int32_t n = tweets.ColCount();
+  // Distinct columns: `firstOf[c]` is the first column equal to c (0-based), `distinct` the
+  // first columns in order, `copies` how often each occurs.
+  std::vector<std::int32_t> firstOf(static_cast<std::size_t>(n));
+  std::vector<std::int32_t> distinct;
+  std::vector<float> copies;
+  std::unordered_map<std::uint64_t, std::vector<std::int32_t>> byHash;
+  const auto same = [&](std::int32_t a, std::int32_t b) {
+    const SparseVectorSingle& x = *tweets.Vector(a + 1);
+    const SparseVectorSingle& y = *tweets.Vector(b + 1);
+    return std::ranges::equal(x.ElementIndexes(), y.ElementIndexes()) &&
+           std::ranges::equal(x.ElementValues(), y.ElementValues());
+  };
+  for (std::int32_t c = 0; c < n; ++c) {
+    const SparseVectorSingle& column = *tweets.Vector(c + 1);
+    std::uint64_t hash = 1469598103934665603ULL;
+    for (const std::int32_t r : column.ElementIndexes())
+      hash = (hash ^ std::uint32_t(r)) * 1099511628211ULL;
+    for (const float v : column.ElementValues())
+      hash = (hash ^ std::bit_cast<std::uint32_t>(v)) * 1099511628211ULL;
+    std::vector<std::int32_t>& bucket = byHash[hash];
+    const auto found = std::ranges::find_if(
+        bucket, [&](std::int32_t d) { return same(distinct[static_cast<std::size_t>(d)], c); });
+    if (found != bucket.end()) {
+      firstOf[static_cast<std::size_t>(c)] = distinct[static_cast<std::size_t>(*found)];
+      copies[static_cast<std::size_t>(*found)] += 1.0f;
+      continue;
+    }
+    bucket.push_back(static_cast<std::int32_t>(distinct.size()));
+    firstOf[static_cast<std::size_t>(c)] = c;
+    distinct.push_back(c);
+    copies.push_back(1.0f);
+  }
+  byHash.clear();
+
+  const auto u = static_cast<std::int32_t>(distinct.size());
+  SparseMatrixSingle unique;
+  unique.Reset(tweets.RowCount(), u);
+  for (std::int32_t d = 0; d < u; ++d) {
+    const SparseVectorSingle& column = *tweets.Vector(distinct[static_cast<std::size_t>(d)] + 1);
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    for (std::size_t k = 0; k < rows.size(); ++k) unique.SetValue(rows[k], d + 1, values[k]);
+  }
+  tweets = SparseMatrixSingle();
+
+  SparseMatrixSingle firstOrder = unique.NearestSimilarityMatrix(neighbours, progress);
+  unique = SparseMatrixSingle();
+  // Row d stands for all its copies: weighting it by the square root of their count makes
+  // each copy add its own product to the second-order sums.
+  for (std::int32_t d = 1; d <= u; ++d) {
+    SparseVectorSingle& column = *firstOrder.Vector(d);
+    const auto rows = column.ElementIndexes();
+    for (std::int32_t k = 1; k <= column.NZElementCount(); ++k) {
+      const float weight =
+          std::sqrt(copies[static_cast<std::size_t>(rows[static_cast<std::size_t>(k - 1)] - 1)]);
+      column.SetValueByListIndex(k, column.ValueByListIndex(k) * weight);
+    }
+  }
+  const SparseMatrixSingle secondOrder = firstOrder.NearestSimilarityMatrix(neighbours, progress);
+  firstOrder = SparseMatrixSingle();
+
+  SparseMatrixSingle similarities;
+  similarities.Reset(n, n);
+  for (std::int32_t b = 1; b <= u; ++b) {
+    const SparseVectorSingle& column = *secondOrder.Vector(b);
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    const std::int32_t to = distinct[static_cast<std::size_t>(b - 1)];
+    for (std::size_t k = 0; k < rows.size() && rows[k] < b; ++k) {
+      const std::int32_t from = distinct[static_cast<std::size_t>(rows[k] - 1)];
+      similarities.SetValue(from + 1, to + 1, values[k]);
+    }
+  }
+  for (std::int32_t c = 0; c < n; ++c) {
+    const std::int32_t first = firstOf[static_cast<std::size_t>(c)];
+    if (first != c) similarities.SetValue(first + 1, c + 1, 1.0f);
+  }
+  return similarities;
 }
 
 // The last step of every map: Graphviz lays out map.dot.
@@ -255,7 +354,7 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
     report.error = "The interval similarity model is not built";
     return report;
   }
-  const bool dense = n <= options.denseNodeLimit;
+  const bool dense = UseDenseRoute(n, options);
   const std::int64_t bytes = dense ? DenseMapBytes(n) : SparseMapBytes(wordStream.NM());
   if (bytes > options.memoryBudgetBytes) {
     report.error = "The interval map of " + std::to_string(n) + " intervals would need about " +
@@ -314,22 +413,34 @@ MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& w
   // The interval's documents, every term row kept (corpus row d is column d + 1).
   SparseMatrixSingle tweets;
   tweets.SetMatrixSelective(wordIndex.Matrix(), first + 1, last + 1, false);
-  // Second order: tweets are alike when their similarities to all the interval's tweets are.
-  const SparseMatrixSingle firstOrder = SymmetricSimilarity(tweets, cancel.Callback());
-  if (Cancelled(report, cancel)) return report;
-  const SparseMatrixSingle secondOrder = SymmetricSimilarity(firstOrder, cancel.Callback());
-  if (Cancelled(report, cancel)) return report;
-  std::vector<float> similarities = DenseArray(secondOrder);
-  const std::int32_t n = secondOrder.ColCount();
-  Finish(report, watch, "similarity");
-
+  const std::int32_t n = tweets.ColCount();
   ClusterMap built;
   built.kind = MapKind::kTweets;
   built.interval = interval;
   built.firstDocument = first;
-  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
-                          options, built, report, notifier, cancel.Callback())) {
-    return report;
+  // Second order: tweets are alike when their similarities to all the interval's tweets are.
+  if (UseDenseRoute(n, options)) {
+    const SparseMatrixSingle firstOrder = SymmetricSimilarity(tweets, cancel.Callback());
+    if (Cancelled(report, cancel)) return report;
+    const SparseMatrixSingle secondOrder = SymmetricSimilarity(firstOrder, cancel.Callback());
+    if (Cancelled(report, cancel)) return report;
+    std::vector<float> similarities = DenseArray(secondOrder);
+    Finish(report, watch, "similarity");
+    if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
+                            options, built, report, notifier, cancel.Callback())) {
+      return report;
+    }
+  } else {
+    // A large interval: each tweet keeps its nearest tweets only, at both orders, so that the
+    // products cost the tweets times their neighbours rather than the cube of the tweets.
+    const SparseMatrixSingle secondOrder =
+        NearestSecondOrder(std::move(tweets), options.tweetNeighbours, cancel.Callback());
+    if (Cancelled(report, cancel)) return report;
+    Finish(report, watch, "similarity");
+    if (!LayOutSparseSimilarities(secondOrder, options, built, report, notifier,
+                                  cancel.Callback())) {
+      return report;
+    }
   }
   for (std::int32_t i = 1; i <= n; ++i) built.labels.push_back(std::to_string(i));
   built.weights.assign(static_cast<std::size_t>(n), 1.0f);

@@ -13,7 +13,9 @@
 //  * tweet map of interval K: its tweets; second-order similarity: the cosine of the tweets'
 //    term columns, made symmetric, then the cosine of that matrix's columns, made symmetric
 //    (two tweets are close when they are alike to the same tweets). Labels "1".."n", weights 1.
-//    Node i is corpus row FirstDocumentIndex(K) + i.
+//    Node i is corpus row FirstDocumentIndex(K) + i. An interval of more tweets than
+//    MapOptions::denseNodeLimit keeps, at each order, only each tweet's tweetNeighbours most
+//    similar tweets (NearestSimilarityMatrix) and is drawn through the sparse spanning tree.
 //
 // A build fills `map` only when the layout succeeds; otherwise the map keeps what it held and
 // the report says why (an empty source, a network without links, Graphviz missing or too
@@ -63,6 +65,9 @@ struct MapOptions {
   // Interval and tweet maps of up to this many nodes go through the dense n x n matrix; larger
   // ones through the sparse spanning tree, which needs memory only for the linked pairs.
   std::int32_t denseNodeLimit = 2000;
+  // Tweet maps past denseNodeLimit: how many nearest tweets each tweet keeps at each order of
+  // the similarity.
+  std::int32_t tweetNeighbours = 30;
 };
 
 struct MapReport {
