@@ -16,6 +16,11 @@ namespace {
 
 constexpr std::string_view kProgramTitle = "Sylvora";
 
+// The constants of EstimatedTweetMapSeconds, from a release build's benchmark.
+constexpr double kDenseTweetSeconds = 1e-9;
+constexpr double kSparseTweetSquareSeconds = 1e-8;
+constexpr double kSparseTweetLinearSeconds = 1e-4;
+
 // Passes progress on and remembers whether the receiver asked to stop.
 class CancelWatch {
  public:
@@ -391,6 +396,12 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
   map = std::move(built);
   report.built = true;
   return report;
+}
+
+double EstimatedTweetMapSeconds(std::int32_t tweets, const MapOptions& options) {
+  const double n = tweets;
+  if (UseDenseRoute(tweets, options)) return kDenseTweetSeconds * n * n * n;
+  return kSparseTweetSquareSeconds * n * n + kSparseTweetLinearSeconds * n;
 }
 
 MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& wordStream,

@@ -6,6 +6,7 @@
 #include "common/date_time.h"
 #include "common/errors.h"
 #include "common/leading_number.h"
+#include "session/cluster_maps.h"
 
 namespace sylvora {
 namespace {
@@ -203,9 +204,11 @@ ModelReport ModelRun::Run() {
                             MessageIcon::kInformation);
     }
     PlaceEvents(words);
-    if (words.MaxIntervalDocCount() > kLargeIntervalDocuments &&
-        notifier_.Ask(kLargeIntervalQuestion, kLargeIntervalTitle, QuestionButtons::kOkCancel,
-                      MessageIcon::kExclamation) != Answer::kOk) {
+    const std::int32_t largest = words.MaxIntervalDocCount();
+    const double seconds = EstimatedTweetMapSeconds(largest);
+    if (largest > kLargeIntervalDocuments && seconds > options_.largeIntervalQuestionSeconds &&
+        notifier_.Ask(LargeIntervalQuestion(largest, seconds), kLargeIntervalTitle,
+                      QuestionButtons::kOkCancel, MessageIcon::kExclamation) != Answer::kOk) {
       return Stop("Model building cancelled: the largest interval holds " +
                       std::to_string(words.MaxIntervalDocCount()) + " documents",
                   true);
@@ -243,6 +246,15 @@ ModelReport ModelRun::Run() {
 }
 
 }  // namespace
+
+std::string LargeIntervalQuestion(std::int32_t tweets, double seconds) {
+  const auto rounded = std::max<long long>(1, std::llround(seconds));
+  return std::string(kLargeIntervalQuestion) + " (The tweet map of the largest interval, " +
+         std::to_string(tweets) + " tweets, would take about " +
+         (rounded < 120 ? std::to_string(rounded) + " s"
+                        : std::to_string((rounded + 30) / 60) + " min") +
+         " to build.)";
+}
 
 std::int32_t ChooseTrunK(const TextStream& wordModel) {
   std::int32_t trunK = kTrunKNone;

@@ -16,7 +16,9 @@
 //  4. The words model is built over ElapsedTimeField; when IntervalCount exceeds the term
 //     time line's visible columns the "too many intervals" notice is shown; the events are
 //     placed in the intervals IntervalFromDateTime gives them.
-//  5. A largest interval of more than 2000 documents asks whether to go on (OK / Cancel).
+//  5. A largest interval of more than 2000 documents asks whether to go on (OK / Cancel) when
+//     the estimated build time of its tweet map passes ModelOptions::largeIntervalQuestionSeconds;
+//     the question says the estimate.
 //  6. The links, hashtags, mentions and users models are built with the same length.
 //  7. TrunK: the smallest number of distinct terms among the words model's intervals that hold
 //     at least 26, else 9999; the words model's interval similarity model is built with it,
@@ -66,6 +68,9 @@ struct ModelOptions {
   // A build whose estimated memory (the intervals of the five models and the pairs of the
   // interval similarity model) passes this is refused before it starts.
   std::int64_t memoryBudgetBytes = kDefaultMemoryBudgetBytes;
+  // A largest interval of more than kLargeIntervalDocuments asks whether to go on only when its
+  // tweet map would take longer than this to build.
+  double largeIntervalQuestionSeconds = 10.0;
 };
 
 struct ModelReport {
@@ -109,6 +114,10 @@ inline constexpr std::int32_t kLargeIntervalDocuments = 2000;
 // Intervals with fewer distinct terms than this do not bound the truncation of NM.
 inline constexpr std::int32_t kTrunKMinimumTerms = 26;
 inline constexpr std::int32_t kTrunKNone = 9999;
+
+// The large-interval question with the estimate: kLargeIntervalQuestion, then the tweet count
+// and the estimated build time of the largest interval's tweet map.
+std::string LargeIntervalQuestion(std::int32_t tweets, double seconds);
 
 // The truncation for the interval similarity model of a words model: the smallest number of
 // distinct terms (non-zero cells of a TIFM column) of an interval holding at least 26, else

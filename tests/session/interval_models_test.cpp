@@ -7,6 +7,7 @@
 
 #include <cstdio>
 
+#include "session/cluster_maps.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "support/recording_notifier.h"
@@ -199,22 +200,32 @@ TEST_F(IntervalModels, CancellingTheFewIntervalsQuestionKeepsTheOldModels) {
   EXPECT_EQ(session_.IntervalLength(), 4);
 }
 
-TEST_F(IntervalModels, ALargeIntervalAsksAndCancelEmptiesTheModels) {
+TEST_F(IntervalModels, ALargeIntervalAsksOnlyWhenItsTweetMapWouldBeSlowAndSaysTheEstimate) {
   std::vector<Tweet> tweets(2001, Tweet{0, "storm harbour"});
   for (int h = 1; h <= 30; ++h) tweets.push_back({h, "calm"});
   Prepare(tweets);
+  // 2,001 tweets map in well under ten seconds: no question.
+  const ModelReport quick = Build("1");
+  ASSERT_TRUE(quick.built) << quick.error;
+  EXPECT_TRUE(Messages().empty());
+
+  ModelOptions slow;
+  slow.largeIntervalQuestionSeconds = 0.0;
   notifier_.QueueAnswer(Answer::kCancel);
-  const ModelReport report = Build("1");
+  const ModelReport report = Build("1", slow);
   EXPECT_FALSE(report.built);
   EXPECT_TRUE(report.cancelled);
   ASSERT_EQ(Messages().size(), 1u);
   EXPECT_EQ(Messages()[0].title, "Warning");
+  EXPECT_EQ(Messages()[0].text, LargeIntervalQuestion(2001, EstimatedTweetMapSeconds(2001)));
   EXPECT_EQ(Messages()[0].text.substr(0, 38), "Largest interval contains >2000 tweets");
+  EXPECT_NE(Messages()[0].text.find("largest interval, 2001 tweets, would take about "),
+            std::string::npos);
   EXPECT_FALSE(session_.ModelsBuilt());
   EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
 
   // OK goes on.
-  const ModelReport again = Build("1");
+  const ModelReport again = Build("1", slow);
   ASSERT_TRUE(again.built) << again.error;
   EXPECT_EQ(again.maxIntervalDocCount, 2001);
 }
