@@ -16,10 +16,12 @@ namespace {
 
 constexpr std::string_view kProgramTitle = "Sylvora";
 
-// The constants of EstimatedTweetMapSeconds, from a release build's benchmark.
-constexpr double kDenseTweetSeconds = 1e-9;
-constexpr double kSparseTweetSquareSeconds = 1e-8;
-constexpr double kSparseTweetLinearSeconds = 1e-4;
+// The constants of EstimatedTweetMapSeconds, from the release build's benchmark on a busy
+// 2-core machine (2,000 tweets: 1.4 s through the full route; 20,000: 0.5 s of similarities
+// and 11 s of sfdp through the neighbour lists).
+constexpr double kDenseTweetSeconds = 2e-10;
+constexpr double kSparseTweetSquareSeconds = 1.3e-9;
+constexpr double kLayoutTweetSeconds = 4.5e-4;
 
 // Passes progress on and remembers whether the receiver asked to stop.
 class CancelWatch {
@@ -400,8 +402,9 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
 
 double EstimatedTweetMapSeconds(std::int32_t tweets, const MapOptions& options) {
   const double n = tweets;
-  if (UseDenseRoute(tweets, options)) return kDenseTweetSeconds * n * n * n;
-  return kSparseTweetSquareSeconds * n * n + kSparseTweetLinearSeconds * n;
+  const double layout = kLayoutTweetSeconds * n;
+  if (UseDenseRoute(tweets, options)) return kDenseTweetSeconds * n * n * n + layout;
+  return kSparseTweetSquareSeconds * n * n + layout;
 }
 
 MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& wordStream,

@@ -117,8 +117,8 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
 
 // A rough build time, in seconds, of the tweet map of an interval of `tweets` tweets (the
 // similarity, the tree and the layout), measured on generated corpora on a 2-core machine:
-// cubic in the tweets up to options.denseNodeLimit, then quadratic (the first-order
-// products) plus linear (neighbour lists, tree, layout).
+// the similarities are cubic in the tweets up to options.denseNodeLimit, then quadratic (the
+// first-order products); the layout is linear.
 double EstimatedTweetMapSeconds(std::int32_t tweets, const MapOptions& options = {});
 
 // The tweet map of interval `interval` (1-based) of the word model.
