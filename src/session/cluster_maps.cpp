@@ -98,13 +98,10 @@ bool Cancelled(MapReport& report, const CancelWatch& watch) {
 // most half the cells, 12 bytes each) and the tree matrix.
 std::int64_t DenseMapBytes(std::int64_t n) { return n * n * (4 + 4 + 6 + 4); }
 
-// Memory of a map through the sparse spanning tree: an edge for every stored pair of the upper
-// triangle, plus the union-find and the DOT text per node.
+// Memory of a map through the sparse spanning tree: per node, the forest's heap and links,
+// the union-find and the DOT text.
 std::int64_t SparseMapBytes(const SparseMatrixSingle& similarities) {
-  std::int64_t cells = 0;
-  for (std::int32_t c = 1; c <= similarities.ColCount(); ++c)
-    cells += similarities.Vector(c)->NZElementCount();
-  return cells / 2 * 12 + std::int64_t{similarities.ColCount()} * 80;
+  return std::int64_t{similarities.ColCount()} * 100;
 }
 
 // Whether a map of n nodes goes through the dense n x n matrix: small enough to keep the
@@ -114,7 +111,7 @@ bool UseDenseRoute(std::int32_t n, const MapOptions& options) {
 }
 
 // The bounded second-order similarity of a large interval's tweets (columns of `tweets`), as
-// an n x n matrix of which only the upper triangle is filled. Identical tweets (retweets,
+// a symmetric n x n matrix. Identical tweets (retweets,
 // repeated messages) are computed once: each keeps its first copy's neighbours, and the copies
 // join it at similarity 1. Without that, a group of more copies than the neighbour count
 // would keep only its own members and fall apart from the rest of the map. Each distinct
@@ -193,11 +190,14 @@ SparseMatrixSingle NearestSecondOrder(SparseMatrixSingle tweets, std::int32_t ne
     for (std::size_t k = 0; k < rows.size() && rows[k] < b; ++k) {
       const std::int32_t from = distinct[static_cast<std::size_t>(rows[k] - 1)];
       similarities.SetValue(from + 1, to + 1, values[k]);
+      similarities.SetValue(to + 1, from + 1, values[k]);
     }
   }
   for (std::int32_t c = 0; c < n; ++c) {
     const std::int32_t first = firstOf[static_cast<std::size_t>(c)];
-    if (first != c) similarities.SetValue(first + 1, c + 1, 1.0f);
+    if (first == c) continue;
+    similarities.SetValue(first + 1, c + 1, 1.0f);
+    similarities.SetValue(c + 1, first + 1, 1.0f);
   }
   return similarities;
 }

@@ -98,8 +98,8 @@ bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::in
                         const MapOptions& options, ClusterMap& map, MapReport& report,
                         Notifier& notifier, const ProgressCallback& progress = {});
 
-// As LayOutSimilarities for a square sparse similarity matrix (n = its ColCount(), absent
-// cells 0), through SparseSpanningTree: the memory is that of the stored pairs.
+// As LayOutSimilarities for a square, symmetric sparse similarity matrix (n = its ColCount(),
+// absent cells 0), through SparseSpanningTree: no memory in the square of n.
 bool LayOutSparseSimilarities(const SparseMatrixSingle& similarities, const MapOptions& options,
                               ClusterMap& map, MapReport& report, Notifier& notifier,
                               const ProgressCallback& progress = {});
