@@ -435,6 +435,32 @@ void SparseMatrixSingle::MakeSymmetric(bool /*top2Bottom*/) {
     column.elements_.resize(static_cast<std::size_t>(upperEnd));
     column.values_.resize(static_cast<std::size_t>(upperEnd));
   }
+  // Each column's final size, reserved once: growing by doubling would hold up to twice the
+  // mirrored matrix at its peak, which for an interval similarity model of thousands of
+  // intervals is hundreds of megabytes.
+  std::vector<std::size_t> lowerCounts(static_cast<std::size_t>(n) + 1, 0);
+  for (std::int32_t j = 1; j <= n; ++j) {
+    const SparseVectorSingle& column = Column(j);
+    for (std::size_t k = 0; k < column.elements_.size() && column.elements_[k] < j; ++k) {
+      if (column.elements_[k] >= 1 && Storable(column.values_[k]))
+        ++lowerCounts[static_cast<std::size_t>(column.elements_[k])];
+    }
+  }
+  for (std::int32_t c = 1; c <= n; ++c) {
+    SparseVectorSingle& column = Column(c);
+    const auto at = static_cast<std::size_t>(c);
+    const std::size_t size = column.elements_.size() + lowerCounts[at] + tailRows[at - 1].size();
+    if (column.elements_.capacity() < size || column.elements_.capacity() > size + size / 4) {
+      std::vector<std::int32_t> elements;
+      std::vector<float> values;
+      elements.reserve(size);
+      values.reserve(size);
+      elements.assign(column.elements_.begin(), column.elements_.end());
+      values.assign(column.values_.begin(), column.values_.end());
+      column.elements_ = std::move(elements);
+      column.values_ = std::move(values);
+    }
+  }
   for (std::int32_t j = 1; j <= n; ++j) {
     // Column j holds only rows <= j here: later columns append to earlier ones only.
     const SparseVectorSingle& column = Column(j);
