@@ -24,7 +24,7 @@ constexpr const char* kUsage =
     "                            [--interval K] [--length L] [--unit s|n|h|d|ww]\n"
     "                            [--out PREFIX] [--graphviz DIR] [--layout-folder DIR]\n"
     "                            [--neighbours N] [--png FILE] [--label-threshold T]\n"
-    "                            [--layout-timeout SECONDS] [--yes]\n"
+    "                            [--layout-timeout SECONDS] [--memory-budget MB] [--yes]\n"
     "                            and the corpus and index flags of 'sylvora-cli index'\n"
     "  --kind       words (default): every term of the word index; intervals: every interval;\n"
     "               tweets: the tweets of one interval\n"
@@ -38,7 +38,9 @@ constexpr const char* kUsage =
     "  --label-threshold  word maps: label words in at least T per thousand documents\n"
     "               (0 to 1000, default 120)\n"
     "  --layout-timeout  seconds sfdp may take before the map is given up (default 20;\n"
-    "               0 waits as long as it takes)\n";
+    "               0 waits as long as it takes)\n"
+    "  --memory-budget  megabytes the models and the map may take; larger ones are refused\n"
+    "               with an interval length that fits (default 2048)\n";
 
 constexpr long long kDefaultLayoutSeconds = kLayoutTimeLimitMs / 1000;
 // A day: more than any layout of the maps' sizes needs, and within 32-bit milliseconds.
@@ -80,7 +82,8 @@ bool ReadMapOptions(CommandLine& line, MapCommandOptions& options, std::ostream&
   const auto length = line.Number("length", 24, 1, kWholeMax);
   const auto threshold = line.Number("label-threshold", kWordMapLabelThreshold, 0, 1000);
   const auto timeout = line.Number("layout-timeout", kDefaultLayoutSeconds, 0, kMaxLayoutSeconds);
-  if (!interval || !neighbours || !length || !threshold || !timeout) {
+  const auto budget = line.Number("memory-budget", kDefaultMemoryBudgetBytes >> 20, 1, 1LL << 30);
+  if (!interval || !neighbours || !length || !threshold || !timeout || !budget) {
     err << line.Error() << '\n';
     return false;
   }
@@ -89,6 +92,7 @@ bool ReadMapOptions(CommandLine& line, MapCommandOptions& options, std::ostream&
   options.length = std::to_string(*length);
   options.labelThreshold = static_cast<std::int16_t>(*threshold);
   options.map.timeLimitMs = static_cast<std::int32_t>(*timeout * 1000);
+  options.map.memoryBudgetBytes = static_cast<std::int64_t>(*budget) << 20;
   const std::string stem = std::filesystem::path(options.corpus.load.path).stem().string();
   options.prefix = line.Value("out", stem + "_" + MapKindName(options.kind) + "_map");
   options.map.graphvizFolder = line.Value("graphviz", DefaultGraphvizFolder());
@@ -165,7 +169,7 @@ void PrintNeighbours(std::ostream& out, const ClusterMap& map, std::int32_t coun
 int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
   valueOptions.insert({"kind", "level", "interval", "length", "out", "graphviz", "layout-folder",
-                       "neighbours", "png", "label-threshold", "layout-timeout"});
+                       "neighbours", "png", "label-threshold", "layout-timeout", "memory-budget"});
   CommandLine line(valueOptions, CorpusSwitches());
   const bool parsed = line.Parse(arguments);
   if (parsed && line.Has("help")) {
@@ -207,6 +211,7 @@ int RunMapCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     ModelOptions models;
     models.intervalLength = options.length;
     models.unitCode = options.corpus.load.unitCode;
+    models.memoryBudgetBytes = options.map.memoryBudgetBytes;
     const ModelReport report = BuildModels(session, models, notifier);
     if (!report.built) {
       err << "Error: "

@@ -19,7 +19,8 @@ namespace {
 constexpr const char* kUsage =
     "usage: sylvora-cli timeline FILE [--length L] [--unit s|n|h|d|ww] [--novelty-window W]\n"
     "                                 [--burst ratio|temporal|z] [--json] [--events FILE]\n"
-    "                                 [--png FILE] [--chart-png FILE] [--yes] and the load and\n"
+    "                                 [--png FILE] [--chart-png FILE] [--memory-budget MB]\n"
+    "                                 [--yes] and the load and\n"
     "                                 index flags of 'index'\n"
     "  --length L           interval length in units (default 24); \"auto\" proposes one that\n"
     "                       gives at most about 1,000 intervals (weeks, 4 weeks, years...)\n"
@@ -28,6 +29,8 @@ constexpr const char* kUsage =
     "  --events FILE        tab-separated lines: date-time, description\n"
     "  --png FILE           also draw the term time line (Line style) into a PNG picture\n"
     "  --chart-png FILE     also draw the main time line (mean sentiment) into a PNG picture\n"
+    "  --memory-budget MB   megabytes the models may take; larger ones are refused with an\n"
+    "                       interval length that fits (default 2048)\n"
     "  --yes                answer OK to the model-building questions\n";
 
 // Reads an event file: each line's first tab-separated field is the date-time and the second
@@ -140,7 +143,8 @@ std::vector<TimelineRow> TimelineRows(Session& session, std::uint8_t noveltyWind
 int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& out,
                        std::ostream& err) {
   std::set<std::string> valueOptions = CorpusValueOptions();
-  valueOptions.insert({"length", "novelty-window", "burst", "events", "png", "chart-png"});
+  valueOptions.insert(
+      {"length", "novelty-window", "burst", "events", "png", "chart-png", "memory-budget"});
   std::set<std::string> switches = CorpusSwitches();
   switches.insert("json");
   CommandLine line(valueOptions, switches);
@@ -164,7 +168,8 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
   const bool autoLength = line.Value("length", "") == "auto";
   const auto length =
       autoLength ? std::optional<long long>(24) : line.Number("length", 24, 1, kWholeMax);
-  if (!window || !length) {
+  const auto budget = line.Number("memory-budget", kDefaultMemoryBudgetBytes >> 20, 1, 1LL << 30);
+  if (!window || !length || !budget) {
     err << line.Error() << '\n' << kUsage;
     return 2;
   }
@@ -181,6 +186,7 @@ int RunTimelineCommand(const std::vector<std::string>& arguments, std::ostream& 
   ModelOptions models;
   models.intervalLength = std::to_string(*length);
   models.unitCode = options.load.unitCode;
+  models.memoryBudgetBytes = static_cast<std::int64_t>(*budget) << 20;
   if (line.Has("events")) {
     std::string error;
     if (!ReadEvents(line.Value("events", ""), models.events, error)) {

@@ -238,6 +238,12 @@ class ProximityMatrix {
   std::string lastLoadError_;
 };
 
+// The DOT text of Matrix2Dot for a list of links {distance, i, j} given in ascending (i, j)
+// order (the order a matrix lists its edges in): sorted by SortEdges, then written as there.
+// This is how a tree that never had a dense matrix is handed to Graphviz.
+std::string DotFromEdges(std::vector<EdgeRecord> edges, float lenPwr, std::uint8_t firstNode,
+                         const ProgressCallback& progress = {});
+
 // The outcome of a transform: the new matrix, or no matrix and the reason. A result with a
 // matrix may still carry a message (a spanning tree that could not reach every node).
 class NetworkResult {

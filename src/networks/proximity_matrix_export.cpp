@@ -37,8 +37,11 @@ std::string ProximityMatrix::Matrix2Dot(float lenPwr, std::uint8_t firstNode,
   if (HoldsSimilarities()) Sim2Dis();
   // Labels are taken and not written: Graphviz sees node numbers only.
   static_cast<void>(nodeLabels);
+  return DotFromEdges(GetEdgeList(minEdgeLen, maxEdgeLen), lenPwr, firstNode, progress);
+}
 
-  std::vector<EdgeRecord> edges = GetEdgeList(minEdgeLen, maxEdgeLen);
+std::string DotFromEdges(std::vector<EdgeRecord> edges, float lenPwr, std::uint8_t firstNode,
+                         const ProgressCallback& progress) {
   SortEdges(edges, false);
   const std::int32_t first = firstNode > 1 ? 1 : firstNode;
 

@@ -1,10 +1,14 @@
 #include "session/cluster_maps.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
+#include <unordered_map>
 #include <utility>
 
 #include "layout/shell_and_wait.h"
 #include "networks/proximity_matrix.h"
+#include "networks/sparse_spanning_tree.h"
 #include "temporal/text_stream.h"
 
 namespace sylvora {
@@ -14,6 +18,13 @@ namespace {
 constexpr std::string_view kTweetIdFieldName = "Tweet ID";
 
 constexpr std::string_view kProgramTitle = "Sylvora";
+
+// The constants of EstimatedTweetMapSeconds, from the release build's benchmark on a busy
+// 2-core machine (2,000 tweets: 1.4 s through the full route; 20,000: 0.5 s of similarities
+// and 11 s of sfdp through the neighbour lists).
+constexpr double kDenseTweetSeconds = 2e-10;
+constexpr double kSparseTweetSquareSeconds = 1.3e-9;
+constexpr double kLayoutTweetSeconds = 4.5e-4;
 
 // Passes progress on and remembers whether the receiver asked to stop.
 class CancelWatch {
@@ -101,6 +112,135 @@ bool Cancelled(MapReport& report, const CancelWatch& watch) {
   return true;
 }
 
+// Memory of a map through the dense route: the array, the network, the candidate edges (at
+// most half the cells, 12 bytes each) and the tree matrix.
+std::int64_t DenseMapBytes(std::int64_t n) { return n * n * (4 + 4 + 6 + 4); }
+
+// Memory of a map through the sparse spanning tree: per node, the forest's heap and links,
+// the union-find and the DOT text.
+std::int64_t SparseMapBytes(const SparseMatrixSingle& similarities) {
+  return std::int64_t{similarities.ColCount()} * 100;
+}
+
+// Whether a map of n nodes goes through the dense n x n matrix: small enough to keep the
+// tree the dense route has always drawn, and within the memory budget.
+bool UseDenseRoute(std::int32_t n, const MapOptions& options) {
+  return n <= options.denseNodeLimit && DenseMapBytes(n) <= options.memoryBudgetBytes;
+}
+
+// The bounded second-order similarity of a large interval's tweets (columns of `tweets`), as
+// a symmetric n x n matrix. Identical tweets (retweets,
+// repeated messages) are computed once: each keeps its first copy's neighbours, and the copies
+// join it at similarity 1. Without that, a group of more copies than the neighbour count
+// would keep only its own members and fall apart from the rest of the map. Each distinct
+// tweet counts in the second order as often as it occurs, as in the full similarity.
+SparseMatrixSingle NearestSecondOrder(SparseMatrixSingle tweets, std::int32_t neighbours,
+                                      const ProgressCallback& progress) {
+  const std::int32_t n = tweets.ColCount();
+  // Distinct columns: `firstOf[c]` is the first column equal to c (0-based), `distinct` the
+  // first columns in order, `copies` how often each occurs.
+  std::vector<std::int32_t> firstOf(static_cast<std::size_t>(n));
+  std::vector<std::int32_t> distinct;
+  std::vector<float> copies;
+  std::unordered_map<std::uint64_t, std::vector<std::int32_t>> byHash;
+  const auto same = [&](std::int32_t a, std::int32_t b) {
+    const SparseVectorSingle& x = *tweets.Vector(a + 1);
+    const SparseVectorSingle& y = *tweets.Vector(b + 1);
+    return std::ranges::equal(x.ElementIndexes(), y.ElementIndexes()) &&
+           std::ranges::equal(x.ElementValues(), y.ElementValues());
+  };
+  for (std::int32_t c = 0; c < n; ++c) {
+    const SparseVectorSingle& column = *tweets.Vector(c + 1);
+    std::uint64_t hash = 1469598103934665603ULL;
+    for (const std::int32_t r : column.ElementIndexes())
+      hash = (hash ^ std::uint32_t(r)) * 1099511628211ULL;
+    for (const float v : column.ElementValues())
+      hash = (hash ^ std::bit_cast<std::uint32_t>(v)) * 1099511628211ULL;
+    std::vector<std::int32_t>& bucket = byHash[hash];
+    const auto found = std::ranges::find_if(
+        bucket, [&](std::int32_t d) { return same(distinct[static_cast<std::size_t>(d)], c); });
+    if (found != bucket.end()) {
+      firstOf[static_cast<std::size_t>(c)] = distinct[static_cast<std::size_t>(*found)];
+      copies[static_cast<std::size_t>(*found)] += 1.0f;
+      continue;
+    }
+    bucket.push_back(static_cast<std::int32_t>(distinct.size()));
+    firstOf[static_cast<std::size_t>(c)] = c;
+    distinct.push_back(c);
+    copies.push_back(1.0f);
+  }
+  byHash.clear();
+
+  const auto u = static_cast<std::int32_t>(distinct.size());
+  SparseMatrixSingle unique;
+  unique.Reset(tweets.RowCount(), u);
+  for (std::int32_t d = 0; d < u; ++d) {
+    const SparseVectorSingle& column = *tweets.Vector(distinct[static_cast<std::size_t>(d)] + 1);
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    for (std::size_t k = 0; k < rows.size(); ++k) unique.SetValue(rows[k], d + 1, values[k]);
+  }
+  tweets = SparseMatrixSingle();
+
+  SparseMatrixSingle firstOrder = unique.NearestSimilarityMatrix(neighbours, progress);
+  unique = SparseMatrixSingle();
+  // Row d stands for all its copies: weighting it by the square root of their count makes
+  // each copy add its own product to the second-order sums.
+  for (std::int32_t d = 1; d <= u; ++d) {
+    SparseVectorSingle& column = *firstOrder.Vector(d);
+    const auto rows = column.ElementIndexes();
+    for (std::int32_t k = 1; k <= column.NZElementCount(); ++k) {
+      const float weight =
+          std::sqrt(copies[static_cast<std::size_t>(rows[static_cast<std::size_t>(k - 1)] - 1)]);
+      column.SetValueByListIndex(k, column.ValueByListIndex(k) * weight);
+    }
+  }
+  const SparseMatrixSingle secondOrder = firstOrder.NearestSimilarityMatrix(neighbours, progress);
+  firstOrder = SparseMatrixSingle();
+
+  SparseMatrixSingle similarities;
+  similarities.Reset(n, n);
+  for (std::int32_t b = 1; b <= u; ++b) {
+    const SparseVectorSingle& column = *secondOrder.Vector(b);
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    const std::int32_t to = distinct[static_cast<std::size_t>(b - 1)];
+    for (std::size_t k = 0; k < rows.size() && rows[k] < b; ++k) {
+      const std::int32_t from = distinct[static_cast<std::size_t>(rows[k] - 1)];
+      similarities.SetValue(from + 1, to + 1, values[k]);
+      similarities.SetValue(to + 1, from + 1, values[k]);
+    }
+  }
+  for (std::int32_t c = 0; c < n; ++c) {
+    const std::int32_t first = firstOf[static_cast<std::size_t>(c)];
+    if (first == c) continue;
+    similarities.SetValue(first + 1, c + 1, 1.0f);
+    similarities.SetValue(c + 1, first + 1, 1.0f);
+  }
+  return similarities;
+}
+
+// The last step of every map: Graphviz lays out map.dot.
+bool LayOutDot(std::int32_t n, const MapOptions& options, ClusterMap& map, MapReport& report,
+               Notifier& notifier, const CancelWatch& cancel, Stopwatch& watch) {
+  Spatial spatial(notifier);
+  if (!options.layoutFolder.empty()) spatial.SetLayoutFolder(options.layoutFolder);
+  spatial.SetTimeLimit(options.timeLimitMs);
+  const bool laidOut = spatial.GraphVisLayout_CLI(options.graphvizFolder, options.algorithm,
+                                                  map.dot, n, 1, cancel.Callback());
+  report.shellCode = spatial.LastShellCode();
+  Finish(report, watch, "layout");
+  if (!laidOut) {
+    report.cancelled = cancel.Cancelled();
+    report.error = LayoutFailure(report.shellCode, options, spatial.LastFailure());
+    return false;
+  }
+  report.nodeCount = spatial.NodeCount();
+  report.edgeCount = spatial.EdgeCount();
+  map.layout = std::move(spatial);
+  return true;
+}
+
 }  // namespace
 
 std::vector<float> ColumnSimilarityArray(const SparseMatrixSingle& matrix,
@@ -156,23 +296,32 @@ bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::in
   tree = NetworkResult::Failure({});
   if (Cancelled(report, cancel)) return false;
   Finish(report, watch, "dot");
+  return LayOutDot(n, options, map, report, notifier, cancel, watch);
+}
 
-  Spatial spatial(notifier);
-  if (!options.layoutFolder.empty()) spatial.SetLayoutFolder(options.layoutFolder);
-  spatial.SetTimeLimit(options.timeLimitMs);
-  const bool laidOut = spatial.GraphVisLayout_CLI(options.graphvizFolder, options.algorithm,
-                                                  map.dot, n, 1, cancel.Callback());
-  report.shellCode = spatial.LastShellCode();
-  Finish(report, watch, "layout");
-  if (!laidOut) {
-    report.cancelled = cancel.Cancelled();
-    report.error = LayoutFailure(report.shellCode, options, spatial.LastFailure());
+bool LayOutSparseSimilarities(const SparseMatrixSingle& similarities, const MapOptions& options,
+                              ClusterMap& map, MapReport& report, Notifier& notifier,
+                              const ProgressCallback& progress) {
+  const CancelWatch cancel(progress);
+  Stopwatch watch;
+  const std::int32_t n = similarities.ColCount();
+  if (n < 2) {
+    report.error = "A map needs at least two nodes (this one has " + std::to_string(n) + ")";
     return false;
   }
-  report.nodeCount = spatial.NodeCount();
-  report.edgeCount = spatial.EdgeCount();
-  map.layout = std::move(spatial);
-  return true;
+  SparseTree tree = SparseSpanningTree(similarities, cancel.Callback());
+  if (Cancelled(report, cancel)) return false;
+  if (!tree.built) {
+    report.error = "No spanning tree: " + tree.message;
+    return false;
+  }
+  report.warning = tree.message;
+  Finish(report, watch, "network");
+
+  map.dot = DotFromEdges(std::move(tree.links), 1.0f, 1, cancel.Callback());
+  if (Cancelled(report, cancel)) return false;
+  Finish(report, watch, "dot");
+  return LayOutDot(n, options, map, report, notifier, cancel, watch);
 }
 
 MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wordStream,
@@ -233,13 +382,30 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
     report.error = "The interval similarity model is not built";
     return report;
   }
-  std::vector<float> similarities = DenseArray(wordStream.NM());
-  Finish(report, watch, "similarity");
-
+  const bool dense = UseDenseRoute(n, options);
+  const std::int64_t bytes = dense ? DenseMapBytes(n) : SparseMapBytes(wordStream.NM());
+  if (bytes > options.memoryBudgetBytes) {
+    report.error = "The interval map of " + std::to_string(n) + " intervals would need about " +
+                   Megabytes(bytes) + ", more than the memory budget of " +
+                   Megabytes(options.memoryBudgetBytes) +
+                   "; rebuild the views with an interval length of at least " +
+                   std::to_string(LengthThatFits(wordStream.IntervalLength(), bytes,
+                                                 options.memoryBudgetBytes, 0.5));
+    return report;
+  }
   ClusterMap built;
   built.kind = MapKind::kIntervals;
-  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
-                          options, built, report, notifier, progress)) {
+  bool laidOut = false;
+  if (dense) {
+    std::vector<float> similarities = DenseArray(wordStream.NM());
+    Finish(report, watch, "similarity");
+    laidOut = LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
+                                 options, built, report, notifier, progress);
+  } else {
+    Finish(report, watch, "similarity");
+    laidOut = LayOutSparseSimilarities(wordStream.NM(), options, built, report, notifier, progress);
+  }
+  if (!laidOut) {
     if (!report.cancelled)
       notifier.ShowMessage(kIntervalMapFailure, kProgramTitle, MessageIcon::kNone);
     return report;
@@ -253,6 +419,13 @@ MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& optio
   map = std::move(built);
   report.built = true;
   return report;
+}
+
+double EstimatedTweetMapSeconds(std::int32_t tweets, const MapOptions& options) {
+  const double n = tweets;
+  const double layout = kLayoutTweetSeconds * n;
+  if (UseDenseRoute(tweets, options)) return kDenseTweetSeconds * n * n * n + layout;
+  return kSparseTweetSquareSeconds * n * n + layout;
 }
 
 MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& wordStream,
@@ -275,22 +448,34 @@ MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& w
   // The interval's documents, every term row kept (corpus row d is column d + 1).
   SparseMatrixSingle tweets;
   tweets.SetMatrixSelective(wordIndex.Matrix(), first + 1, last + 1, false);
-  // Second order: tweets are alike when their similarities to all the interval's tweets are.
-  const SparseMatrixSingle firstOrder = SymmetricSimilarity(tweets, cancel.Callback());
-  if (Cancelled(report, cancel)) return report;
-  const SparseMatrixSingle secondOrder = SymmetricSimilarity(firstOrder, cancel.Callback());
-  if (Cancelled(report, cancel)) return report;
-  std::vector<float> similarities = DenseArray(secondOrder);
-  const std::int32_t n = secondOrder.ColCount();
-  Finish(report, watch, "similarity");
-
+  const std::int32_t n = tweets.ColCount();
   ClusterMap built;
   built.kind = MapKind::kTweets;
   built.interval = interval;
   built.firstDocument = first;
-  if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
-                          options, built, report, notifier, cancel.Callback())) {
-    return report;
+  // Second order: tweets are alike when their similarities to all the interval's tweets are.
+  if (UseDenseRoute(n, options)) {
+    const SparseMatrixSingle firstOrder = SymmetricSimilarity(tweets, cancel.Callback());
+    if (Cancelled(report, cancel)) return report;
+    const SparseMatrixSingle secondOrder = SymmetricSimilarity(firstOrder, cancel.Callback());
+    if (Cancelled(report, cancel)) return report;
+    std::vector<float> similarities = DenseArray(secondOrder);
+    Finish(report, watch, "similarity");
+    if (!LayOutSimilarities(std::move(similarities), n, ProximityMatrix::kDocumentSimilarities,
+                            options, built, report, notifier, cancel.Callback())) {
+      return report;
+    }
+  } else {
+    // A large interval: each tweet keeps its nearest tweets only, at both orders, so that the
+    // products cost the tweets times their neighbours rather than the cube of the tweets.
+    const SparseMatrixSingle secondOrder =
+        NearestSecondOrder(std::move(tweets), options.tweetNeighbours, cancel.Callback());
+    if (Cancelled(report, cancel)) return report;
+    Finish(report, watch, "similarity");
+    if (!LayOutSparseSimilarities(secondOrder, options, built, report, notifier,
+                                  cancel.Callback())) {
+      return report;
+    }
   }
   for (std::int32_t i = 0; i < n; ++i) {
     built.labels.push_back(TweetLabel(wordStream.Corpus(), first + i));

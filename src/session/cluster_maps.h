@@ -13,7 +13,9 @@
 //  * tweet map of interval K: its tweets; second-order similarity: the cosine of the tweets'
 //    term columns, made symmetric, then the cosine of that matrix's columns, made symmetric
 //    (two tweets are close when they are alike to the same tweets). Labels "1".."n", weights 1.
-//    Node i is corpus row FirstDocumentIndex(K) + i.
+//    Node i is corpus row FirstDocumentIndex(K) + i. An interval of more tweets than
+//    MapOptions::denseNodeLimit keeps, at each order, only each tweet's tweetNeighbours most
+//    similar tweets (NearestSimilarityMatrix) and is drawn through the sparse spanning tree.
 //
 // A build fills `map` only when the layout succeeds; otherwise the map keeps what it held and
 // the report says why (an empty source, a network without links, Graphviz missing or too
@@ -23,6 +25,8 @@
 //
 // Cost: the similarity is one sparse product; the array, the network and the MST are n^2 in
 // memory (4 bytes a cell, about 100 MB for 5,000 terms) and time; the layout is Graphviz's.
+// Interval maps past MapOptions::denseNodeLimit read NM as it is stored instead: memory and
+// time in its stored pairs, so linear in the interval count when intervals share few terms.
 
 #include <cstdint>
 #include <string>
@@ -35,6 +39,7 @@
 #include "indexing/term_document_matrix.h"
 #include "layout/spatial.h"
 #include "session/cluster_map.h"
+#include "session/memory_budget.h"
 #include "sparse/sparse_matrix_single.h"
 
 namespace sylvora {
@@ -55,6 +60,14 @@ struct MapOptions {
   // Where gvin.txt and gvout.txt go; "" for the per-process default.
   std::string layoutFolder;
   std::int32_t timeLimitMs = kLayoutTimeLimitMs;
+  // A map whose estimated memory passes this is refused before it starts.
+  std::int64_t memoryBudgetBytes = kDefaultMemoryBudgetBytes;
+  // Interval and tweet maps of up to this many nodes go through the dense n x n matrix; larger
+  // ones through the sparse spanning tree, which needs memory only for the linked pairs.
+  std::int32_t denseNodeLimit = 2000;
+  // Tweet maps past denseNodeLimit: how many nearest tweets each tweet keeps at each order of
+  // the similarity.
+  std::int32_t tweetNeighbours = 30;
 };
 
 struct MapReport {
@@ -85,6 +98,12 @@ bool LayOutSimilarities(std::vector<float> similarities, std::int32_t n, std::in
                         const MapOptions& options, ClusterMap& map, MapReport& report,
                         Notifier& notifier, const ProgressCallback& progress = {});
 
+// As LayOutSimilarities for a square, symmetric sparse similarity matrix (n = its ColCount(),
+// absent cells 0), through SparseSpanningTree: no memory in the square of n.
+bool LayOutSparseSimilarities(const SparseMatrixSingle& similarities, const MapOptions& options,
+                              ClusterMap& map, MapReport& report, Notifier& notifier,
+                              const ProgressCallback& progress = {});
+
 // The word map. `wordStream` is needed at the interval level only (nullptr otherwise).
 MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wordStream,
                        WordMapLevel level, const MapOptions& options, ClusterMap& map,
@@ -95,6 +114,12 @@ MapReport BuildWordMap(const TermDocumentMatrix& wordIndex, const TextStream* wo
 MapReport BuildIntervalMap(const TextStream& wordStream, const MapOptions& options, ClusterMap& map,
                            Notifier& notifier = DefaultNotifier(),
                            const ProgressCallback& progress = {});
+
+// A rough build time, in seconds, of the tweet map of an interval of `tweets` tweets (the
+// similarity, the tree and the layout), measured on generated corpora on a 2-core machine:
+// the similarities are cubic in the tweets up to options.denseNodeLimit, then quadratic (the
+// first-order products); the layout is linear.
+double EstimatedTweetMapSeconds(std::int32_t tweets, const MapOptions& options = {});
 
 // The tweet map of interval `interval` (1-based) of the word model.
 MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& wordStream,

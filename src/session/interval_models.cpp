@@ -1,14 +1,26 @@
 #include "session/interval_models.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/date_time.h"
 #include "common/errors.h"
 #include "common/leading_number.h"
+#include "session/cluster_maps.h"
 #include "session/elapsed_time_unit.h"
 
 namespace sylvora {
 namespace {
+
+// The unit of an interval length in words, for messages.
+const char* TimeUnitWord(std::string_view code) {
+  if (code == "s") return "seconds";
+  if (code == "n") return "minutes";
+  if (code == "h") return "hours";
+  if (code == "d") return "days";
+  if (code == "ww") return "weeks";
+  return "units";
+}
 
 // The order the models are built in after the words model.
 constexpr IndexKind kSecondaryKinds[] = {IndexKind::kLinks, IndexKind::kHashtags,
@@ -27,6 +39,11 @@ class ModelRun {
   bool CheckLength();
   bool BuildModel(IndexKind kind);
   void PlaceEvents(TextStream& words);
+  // The refusal text of a build that would pass the memory budget.
+  std::string OverBudget(std::int64_t intervals, std::int64_t bytes, std::int64_t length) const;
+  // False (models emptied, message shown) when the interval similarity model would pass the
+  // memory budget.
+  bool SimilarityFits(const TextStream& words);
   // Empties the models after a stop past the checks.
   ModelReport Stop(std::string reason, bool cancelled);
   // A progress callback that prefixes the stage with the model's name.
@@ -61,6 +78,29 @@ ModelReport ModelRun::Stop(std::string reason, bool cancelled) {
   return report_;
 }
 
+std::string ModelRun::OverBudget(std::int64_t intervals, std::int64_t bytes,
+                                 std::int64_t length) const {
+  return "The models would have " + std::to_string(intervals) + " intervals and need about " +
+         Megabytes(bytes) + ", more than the memory budget of " +
+         Megabytes(options_.memoryBudgetBytes) + ". Choose an interval length of at least " +
+         std::to_string(length) + " " + TimeUnitWord(report_.unitCode) + ".";
+}
+
+bool ModelRun::SimilarityFits(const TextStream& words) {
+  const std::int64_t linear = std::int64_t{words.IntervalCount()} * kBytesPerInterval;
+  const std::int64_t room = options_.memoryBudgetBytes - linear;
+  const std::int64_t pairs = words.IntervalSimilarityPairEstimate(
+      report_.trunK, std::max<std::int64_t>(room, 0) / kBytesPerSimilarPair);
+  const std::int64_t bytes = linear + pairs * kBytesPerSimilarPair;
+  if (bytes <= options_.memoryBudgetBytes) return true;
+  const std::string text =
+      OverBudget(words.IntervalCount(), bytes,
+                 LengthThatFits(length_, bytes, options_.memoryBudgetBytes, 0.5));
+  notifier_.ShowMessage(text, kIntervalLengthTitle, MessageIcon::kExclamation);
+  Stop(text, false);
+  return false;
+}
+
 bool ModelRun::CheckLength() {
   const DocumentSet& documents = session_.Documents();
   const auto refuse = [&](const char* message, std::string reason) {
@@ -88,6 +128,15 @@ bool ModelRun::CheckLength() {
     return refuse(kIntervalLengthInvalidMessage,
                   "Interval length " + options_.intervalLength + " is too short: more than " +
                       std::to_string(TextStream::kMaxIntervalCount) + " intervals");
+  }
+  const std::int64_t intervals = static_cast<std::int64_t>(elapsed / length_) + 1;
+  const std::int64_t bytes = intervals * kBytesPerInterval;
+  if (bytes > options_.memoryBudgetBytes) {
+    const std::string text =
+        OverBudget(intervals, bytes, LengthThatFits(length_, bytes, options_.memoryBudgetBytes, 1));
+    notifier_.ShowMessage(text, kIntervalLengthTitle, MessageIcon::kExclamation);
+    report_.error = text;
+    return false;
   }
   if (ratio < 10 &&
       notifier_.Ask(kFewIntervalsQuestion, kFewIntervalsTitle, QuestionButtons::kOkCancel,
@@ -166,9 +215,11 @@ ModelReport ModelRun::Run() {
                             MessageIcon::kInformation);
     }
     PlaceEvents(words);
-    if (words.MaxIntervalDocCount() > kLargeIntervalDocuments &&
-        notifier_.Ask(kLargeIntervalQuestion, kLargeIntervalTitle, QuestionButtons::kOkCancel,
-                      MessageIcon::kExclamation) != Answer::kOk) {
+    const std::int32_t largest = words.MaxIntervalDocCount();
+    const double seconds = EstimatedTweetMapSeconds(largest);
+    if (largest > kLargeIntervalDocuments && seconds > options_.largeIntervalQuestionSeconds &&
+        notifier_.Ask(LargeIntervalQuestion(largest, seconds), kLargeIntervalTitle,
+                      QuestionButtons::kOkCancel, MessageIcon::kExclamation) != Answer::kOk) {
       return Stop("Model building cancelled: the largest interval holds " +
                       std::to_string(words.MaxIntervalDocCount()) + " documents",
                   true);
@@ -184,6 +235,7 @@ ModelReport ModelRun::Run() {
     }
 
     report_.trunK = ChooseTrunK(words);
+    if (!SimilarityFits(words)) return report_;
     words.BuildIntervalSimilarityModel(report_.trunK, Named("words: interval similarities"));
     clock_.Finish("similarity");
     if (progressCancelled_) return Stop("Model building cancelled", true);
@@ -205,6 +257,15 @@ ModelReport ModelRun::Run() {
 }
 
 }  // namespace
+
+std::string LargeIntervalQuestion(std::int32_t tweets, double seconds) {
+  const auto rounded = std::max<long long>(1, std::llround(seconds));
+  return std::string(kLargeIntervalQuestion) + " (The tweet map of the largest interval, " +
+         std::to_string(tweets) + " tweets, would take about " +
+         (rounded < 120 ? std::to_string(rounded) + " s"
+                        : std::to_string((rounded + 30) / 60) + " min") +
+         " to build.)";
+}
 
 std::int32_t ChooseTrunK(const TextStream& wordModel) {
   std::int32_t trunK = kTrunKNone;

@@ -8,16 +8,22 @@
 //  1. The interval length L is the leading number of the "IntervalLen" text, rounded half to
 //     even for the models; E is the elapsed-time value of the last document.
 //  2. E / L < 2 stops with the "Reset Interval Length" message. So does a length that is not a
-//     positive number (0, negative, no number at all, or below 1 once rounded) and a length
-//     that would make more intervals than TextStream::kMaxIntervalCount.
+//     positive number (0, negative, no number at all, or below 1 once rounded), a length
+//     that would make more intervals than TextStream::kMaxIntervalCount, and one whose
+//     intervals would pass the memory budget (the message names the interval count and a
+//     length that fits).
 //  3. E / L < 10 asks whether to proceed (OK / Cancel).
 //  4. The words model is built over ElapsedTimeField; when IntervalCount exceeds the term
 //     time line's visible columns the "too many intervals" notice is shown; the events are
 //     placed in the intervals IntervalFromDateTime gives them.
-//  5. A largest interval of more than 2000 documents asks whether to go on (OK / Cancel).
+//  5. A largest interval of more than 2000 documents asks whether to go on (OK / Cancel) when
+//     the estimated build time of its tweet map passes ModelOptions::largeIntervalQuestionSeconds;
+//     the question says the estimate.
 //  6. The links, hashtags, mentions and users models are built with the same length.
 //  7. TrunK: the smallest number of distinct terms among the words model's intervals that hold
-//     at least 26, else 9999; the words model's interval similarity model is built with it.
+//     at least 26, else 9999; the words model's interval similarity model is built with it,
+//     unless the pairs of intervals that share terms would pass the memory budget: then the
+//     build stops with a message naming the interval count and a length that fits.
 //  8. The words model's sentiment model is built from the corpus's sentiment fields.
 //  9. The session records the length and unit and that the models are built.
 //
@@ -36,6 +42,7 @@
 #include "common/notifier.h"
 #include "common/progress.h"
 #include "common/stopwatch.h"
+#include "session/memory_budget.h"
 #include "session/session.h"
 
 namespace sylvora {
@@ -58,6 +65,12 @@ struct ModelOptions {
   std::int32_t maxVisibleColumns = 0;
   // The title of that notice.
   std::string applicationTitle = "Sylvora";
+  // A build whose estimated memory (the intervals of the five models and the pairs of the
+  // interval similarity model) passes this is refused before it starts.
+  std::int64_t memoryBudgetBytes = kDefaultMemoryBudgetBytes;
+  // A largest interval of more than kLargeIntervalDocuments asks whether to go on only when its
+  // tweet map would take longer than this to build.
+  double largeIntervalQuestionSeconds = 10.0;
 };
 
 struct ModelReport {
@@ -101,6 +114,10 @@ inline constexpr std::int32_t kLargeIntervalDocuments = 2000;
 // Intervals with fewer distinct terms than this do not bound the truncation of NM.
 inline constexpr std::int32_t kTrunKMinimumTerms = 26;
 inline constexpr std::int32_t kTrunKNone = 9999;
+
+// The large-interval question with the estimate: kLargeIntervalQuestion, then the tweet count
+// and the estimated build time of the largest interval's tweet map.
+std::string LargeIntervalQuestion(std::int32_t tweets, double seconds);
 
 // The truncation for the interval similarity model of a words model: the smallest number of
 // distinct terms (non-zero cells of a TIFM column) of an interval holding at least 26, else

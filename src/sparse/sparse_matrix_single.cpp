@@ -228,6 +228,153 @@ SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
   return result;
 }
 
+SparseMatrixSingle SparseMatrixSingle::NearestSimilarityMatrix(
+    std::int32_t k, const ProgressCallback& progress) const {
+  const std::int32_t n = ColCount();
+  SparseMatrixSingle result;
+  result.Reset(n, n);
+
+  // Inverted lists: row r's columns (ascending) and values.
+  const auto rowCount = static_cast<std::size_t>(rowCount_);
+  std::vector<std::size_t> rowStart(rowCount + 2, 0);
+  for (const SparseVectorSingle& column : columns_) {
+    for (const std::int32_t r : column.ElementIndexes()) {
+      if (r > rowCount_) break;
+      ++rowStart[static_cast<std::size_t>(r) + 1];
+    }
+  }
+  for (std::size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
+  std::vector<std::int32_t> rowColumns(rowStart.back());
+  std::vector<float> rowValues(rowStart.back());
+  {
+    std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
+    for (std::int32_t c = 1; c <= n; ++c) {
+      const auto rows = Column(c).ElementIndexes();
+      const auto values = Column(c).ElementValues();
+      for (std::size_t m = 0; m < rows.size() && rows[m] <= rowCount_; ++m) {
+        const std::size_t at = next[static_cast<std::size_t>(rows[m])]++;
+        rowColumns[at] = c;
+        rowValues[at] = values[m];
+      }
+    }
+  }
+  std::vector<float> magnitudes(static_cast<std::size_t>(n) + 1, 0.0f);
+  for (std::int32_t c = 1; c <= n; ++c)
+    magnitudes[static_cast<std::size_t>(c)] = Column(c).Magnitude();
+
+  struct Cell {
+    std::int32_t col;
+    std::int32_t row;
+    float value;
+  };
+  std::vector<Cell> kept;
+  std::vector<float> sums(static_cast<std::size_t>(n) + 1, 0.0f);
+  std::vector<char> touched(static_cast<std::size_t>(n) + 1, 0);
+  std::vector<std::int32_t> partners;
+  std::vector<std::pair<float, std::int32_t>> candidates;
+  const auto moreSimilar = [](const std::pair<float, std::int32_t>& a,
+                              const std::pair<float, std::int32_t>& b) {
+    return a.first != b.first ? a.first > b.first : a.second < b.second;
+  };
+  ProgressReporter reporter(progress, "Nearest similarities", n, 1);
+  for (std::int32_t i = 1; i <= n; ++i) {
+    // Every pair's terms arrive in ascending row order, as in GetSimilarityMatrix.
+    const auto rows = Column(i).ElementIndexes();
+    const auto values = Column(i).ElementValues();
+    for (std::size_t m = 0; m < rows.size() && rows[m] <= rowCount_; ++m) {
+      const auto r = static_cast<std::size_t>(rows[m]);
+      const float a = values[m];
+      for (std::size_t e = rowStart[r]; e < rowStart[r + 1]; ++e) {
+        const auto j = static_cast<std::size_t>(rowColumns[e]);
+        if (j == static_cast<std::size_t>(i)) continue;
+        if (!touched[j]) {
+          touched[j] = 1;
+          partners.push_back(static_cast<std::int32_t>(j));
+        }
+        sums[j] += rowValues[e] * a;
+      }
+    }
+    for (const std::int32_t j : partners) {
+      const auto at = static_cast<std::size_t>(j);
+      const float similarity =
+          CosineFromDot(sums[at], magnitudes[at], magnitudes[static_cast<std::size_t>(i)]);
+      if (Storable(similarity)) candidates.emplace_back(similarity, j);
+      sums[at] = 0.0f;
+      touched[at] = 0;
+    }
+    partners.clear();
+    if (static_cast<std::int64_t>(candidates.size()) > k) {
+      const auto end = candidates.begin() + std::max<std::int32_t>(k, 0);
+      std::nth_element(candidates.begin(), end, candidates.end(), moreSimilar);
+      candidates.erase(end, candidates.end());
+    }
+    for (const auto& [similarity, j] : candidates) {
+      kept.push_back({i, j, similarity});
+      kept.push_back({j, i, similarity});
+    }
+    candidates.clear();
+    kept.push_back({i, i, 1.0f});
+    if (!reporter.Step()) {
+      result.Reset(n, n);
+      return result;
+    }
+  }
+  std::sort(kept.begin(), kept.end(), [](const Cell& a, const Cell& b) {
+    return a.col != b.col ? a.col < b.col : a.row < b.row;
+  });
+  for (std::size_t e = 0; e < kept.size(); ++e) {
+    if (e > 0 && kept[e].col == kept[e - 1].col && kept[e].row == kept[e - 1].row) continue;
+    result.Column(kept[e].col).Append(kept[e].row, kept[e].value);
+  }
+  return result;
+}
+
+std::int64_t SparseMatrixSingle::SharedRowPairEstimate(std::int64_t limit) const {
+  const auto rowCount = static_cast<std::size_t>(rowCount_);
+  std::vector<std::int32_t> holders(rowCount + 1, 0);
+  for (const SparseVectorSingle& column : columns_) {
+    for (const std::int32_t r : column.ElementIndexes()) {
+      if (r > rowCount_) break;
+      if (r >= 1) ++holders[static_cast<std::size_t>(r)];
+    }
+  }
+  std::int64_t bound = 0;
+  for (const std::int32_t k : holders) bound += std::int64_t{k} * (k - 1) / 2;
+  if (bound <= limit) return bound;
+
+  // Exact: each column's later partners, marked once, through the rows' column lists.
+  std::vector<std::size_t> rowStart(rowCount + 2, 0);
+  for (std::size_t r = 1; r <= rowCount; ++r) rowStart[r + 1] = rowStart[r] + holders[r];
+  std::vector<std::int32_t> rowColumns(rowStart.back());
+  std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
+  const std::int32_t n = ColCount();
+  for (std::int32_t c = 1; c <= n; ++c) {
+    for (const std::int32_t r : Column(c).ElementIndexes()) {
+      if (r > rowCount_) break;
+      if (r >= 1) rowColumns[next[static_cast<std::size_t>(r)]++] = c;
+    }
+  }
+  std::vector<std::int32_t> markedBy(static_cast<std::size_t>(n) + 1, 0);
+  std::int64_t pairs = 0;
+  for (std::int32_t i = 1; i <= n; ++i) {
+    for (const std::int32_t r : Column(i).ElementIndexes()) {
+      if (r > rowCount_) break;
+      if (r < 1) continue;
+      const auto row = static_cast<std::size_t>(r);
+      const auto end = rowColumns.begin() + static_cast<std::ptrdiff_t>(rowStart[row + 1]);
+      auto at =
+          std::upper_bound(rowColumns.begin() + static_cast<std::ptrdiff_t>(rowStart[row]), end, i);
+      for (; at != end; ++at) {
+        auto& mark = markedBy[static_cast<std::size_t>(*at)];
+        if (mark == i) continue;
+        mark = i;
+        ++pairs;
+      }
+    }
+  }
+  return pairs;
+}
+
 bool SparseMatrixSingle::SaveDenseMatrix(const std::string& file, bool dissim) const {
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   if (!out) return false;
@@ -287,6 +434,32 @@ void SparseMatrixSingle::MakeSymmetric(bool /*top2Bottom*/) {
     tailValues[at].assign(column.values_.begin() + tailBegin, column.values_.end());
     column.elements_.resize(static_cast<std::size_t>(upperEnd));
     column.values_.resize(static_cast<std::size_t>(upperEnd));
+  }
+  // Each column's final size, reserved once: growing by doubling would hold up to twice the
+  // mirrored matrix at its peak, which for an interval similarity model of thousands of
+  // intervals is hundreds of megabytes.
+  std::vector<std::size_t> lowerCounts(static_cast<std::size_t>(n) + 1, 0);
+  for (std::int32_t j = 1; j <= n; ++j) {
+    const SparseVectorSingle& column = Column(j);
+    for (std::size_t k = 0; k < column.elements_.size() && column.elements_[k] < j; ++k) {
+      if (column.elements_[k] >= 1 && Storable(column.values_[k]))
+        ++lowerCounts[static_cast<std::size_t>(column.elements_[k])];
+    }
+  }
+  for (std::int32_t c = 1; c <= n; ++c) {
+    SparseVectorSingle& column = Column(c);
+    const auto at = static_cast<std::size_t>(c);
+    const std::size_t size = column.elements_.size() + lowerCounts[at] + tailRows[at - 1].size();
+    if (column.elements_.capacity() < size || column.elements_.capacity() > size + size / 4) {
+      std::vector<std::int32_t> elements;
+      std::vector<float> values;
+      elements.reserve(size);
+      values.reserve(size);
+      elements.assign(column.elements_.begin(), column.elements_.end());
+      values.assign(column.values_.begin(), column.values_.end());
+      column.elements_ = std::move(elements);
+      column.values_ = std::move(values);
+    }
   }
   for (std::int32_t j = 1; j <= n; ++j) {
     // Column j holds only rows <= j here: later columns append to earlier ones only.

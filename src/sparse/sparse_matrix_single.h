@@ -101,6 +101,22 @@ class SparseMatrixSingle {
   SparseMatrixSingle GetSimilarityMatrix(std::int32_t metric,
                                          const ProgressCallback& progress = {}) const;
 
+  // The cosine similarities of the columns as GetSimilarityMatrix(2) computes them (each value
+  // bit for bit the same), keeping for every column only its `k` most similar other columns
+  // (ties to the lower column), made symmetric by union: cell (i, j) and (j, i) hold the
+  // cosine when either column kept the other. The diagonal is 1 for every column. With k of
+  // ColCount() - 1 or more this is the whole similarity matrix, mirrored. Memory O(nnz +
+  // ColCount x k); time that of the product. `progress` is called once per column; a cancel
+  // gives an empty ColCount() x ColCount() matrix.
+  SparseMatrixSingle NearestSimilarityMatrix(std::int32_t k,
+                                             const ProgressCallback& progress = {}) const;
+
+  // An upper bound of the column pairs (i < j, rows 1..RowCount()) that share a row, which is
+  // what GetSimilarityMatrix can store off the diagonal: the sum over rows of C(k, 2), k the
+  // columns holding the row, when that is at most `limit` (O(nnz)); otherwise the exact count
+  // (the cost of the product, memory O(ColCount)). For checking a product's size first.
+  std::int64_t SharedRowPairEstimate(std::int64_t limit) const;
+
   // Writes the dense table to `file` (created or replaced): for each row 1..RowCount(), every
   // cell (1 - cell when `dissim`) in the general number form (see GeneralNumber) followed by a
   // tab, then CR LF. Absent cells are 0 (1 with `dissim`). False when the file cannot be

@@ -238,6 +238,15 @@ void TextStream::BuildIntervalSimilarityModel(std::int32_t trunK,
   nm_.MakeSymmetric(true);
 }
 
+std::int64_t TextStream::IntervalSimilarityPairEstimate(std::int32_t trunK,
+                                                        std::int64_t limit) const {
+  if (trunK <= 0) return tifm_.SharedRowPairEstimate(limit);
+  SparseMatrixSingle profiles;
+  profiles.SetMatrix(tifm_);
+  profiles.TruncateLocal(trunK);
+  return profiles.SharedRowPairEstimate(limit);
+}
+
 const std::string& TextStream::Events(std::int32_t intervalIndex) const {
   return events_[CheckedInterval(intervalIndex, "Events")];
 }

@@ -167,6 +167,10 @@ class TextStream {
   // SparseMatrixSingle::GetSimilarityMatrix (a cancel leaves NM empty, sized IC x IC).
   void BuildIntervalSimilarityModel(std::int32_t trunK, const ProgressCallback& progress = {});
 
+  // An upper bound of the interval pairs BuildIntervalSimilarityModel(trunK) would store off
+  // the diagonal (see SparseMatrixSingle::SharedRowPairEstimate), to check its memory first.
+  std::int64_t IntervalSimilarityPairEstimate(std::int32_t trunK, std::int64_t limit) const;
+
   // The descriptions of the events in interval i: "" or "|A|B...". Throws RangeError outside
   // 0..IntervalCount().
   const std::string& Events(std::int32_t intervalIndex) const;

@@ -152,6 +152,26 @@ TEST(TimelineCommand, FailuresStopWithTheirCodeAndMessage) {
   EXPECT_EQ(Timeline({"--help"}).code, 0);
 }
 
+// Four hours in one-second intervals need about 14 MB: refused under a budget of 1 MB, with a
+// length that fits, and built under the default one.
+TEST(TimelineCommand, TheMemoryBudgetRefusesTooManyIntervals) {
+  testing::TempDir dir;
+  std::vector<std::string> arguments = SmallArguments(SmallCorpus(dir));
+  arguments[10] = "s";
+  arguments[12] = "1";
+  EXPECT_EQ(Timeline(arguments).code, 0);
+  arguments.insert(arguments.end(), {"--memory-budget", "1"});
+  const CommandRun run = Timeline(arguments);
+  EXPECT_EQ(run.code, 1);
+  EXPECT_TRUE(Has(run.err,
+                  "The models would have 14401 intervals and need about 15 MB, more "
+                  "than the memory budget of 1 MB. Choose an interval length of at "
+                  "least 15 seconds."))
+      << run.err;
+  arguments.back() = "0";
+  EXPECT_EQ(Timeline(arguments).code, 2);
+}
+
 TEST(TimelineCommand, EventsAreWrittenInTheirIntervals) {
   testing::TempDir dir;
   const std::string events =

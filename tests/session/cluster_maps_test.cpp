@@ -10,9 +10,14 @@
 #include <cmath>
 #include <filesystem>
 #include <set>
+#include <tuple>
 
 #include "layout/shell_and_wait.h"
+#include "networks/proximity_matrix.h"
+#include "networks/sparse_spanning_tree.h"
 #include "session/corpus_index.h"
+#include "session/corpus_load.h"
+#include "session/interval_models.h"
 #include "session_fixtures.h"
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
@@ -406,6 +411,109 @@ TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
   EXPECT_FALSE(report.built);
   EXPECT_EQ(report.error, "Interval 2 has no tweets");
   EXPECT_EQ(map.NodeCount(), 0);
+}
+
+// ---- The sparse route on the bundled sample ----
+
+// The DOT text of the tree the dense route draws from a square similarity matrix.
+std::string DenseTreeDot(const SparseMatrixSingle& similarities) {
+  const std::int32_t n = similarities.ColCount();
+  std::vector<float> cells;
+  for (const std::vector<float>& row : similarities.GetDenseMatrix())
+    cells.insert(cells.end(), row.begin(), row.end());
+  ProximityMatrix matrix;
+  EXPECT_TRUE(matrix.AssignMatrix(std::move(cells), n, ProximityMatrix::kDocumentSimilarities));
+  matrix.Sim2Dis();
+  NetworkResult tree = matrix.Transform2MST(-1);
+  return tree ? tree->Matrix2Dot(1.0f, 1, "", 0.0f, 1.0f) : "no tree: " + tree.Message();
+}
+
+std::string SparseTreeDot(const SparseMatrixSingle& similarities) {
+  SparseTree tree = SparseSpanningTree(similarities);
+  return tree.built ? DotFromEdges(std::move(tree.links), 1.0f, 1) : "no tree: " + tree.message;
+}
+
+class SampleMapTest : public MapTest {
+ protected:
+  void SetUp() override {
+    LoadOptions load;
+    load.path = (testing::SourceDir() / "data" / "sample_twitter11.txt").string();
+    ASSERT_TRUE(LoadCorpus(session_, load, notifier_).loaded);
+    IndexOptions index;
+    index.stopListPath = (testing::SourceDir() / "data" / "common_words.txt").string();
+    ASSERT_TRUE(BuildIndexes(session_, index).indexed);
+  }
+  void BuildModelsOf(const std::string& hours) {
+    ModelOptions options;
+    options.intervalLength = hours;
+    ASSERT_TRUE(BuildModels(session_, options, notifier_).built);
+  }
+
+  Session session_;
+};
+
+// The link lengths of a DOT text, sorted: the same for every minimum spanning tree of a network.
+std::vector<std::string> SortedLengths(const std::string& dot) {
+  std::vector<std::string> lengths;
+  for (std::size_t at = dot.find("[len="); at != std::string::npos; at = dot.find("[len=", at + 1))
+    lengths.push_back(dot.substr(at + 5, dot.find(']', at) - at - 5));
+  std::sort(lengths.begin(), lengths.end());
+  return lengths;
+}
+
+// The interval map of many intervals goes through the sparse spanning tree. On the sample it
+// draws the same tree as the dense route from two hours to a day; at an hour (430 intervals,
+// many of them empty) equal lengths compete and the two routes may pick different links of
+// the same lengths, which is why maps of up to MapOptions::denseNodeLimit keep the dense one.
+TEST_F(SampleMapTest, IntervalMapsDrawTheSameTreeThroughTheSparseRoute) {
+  for (const char* hours : {"24", "12", "8", "6", "4", "3", "2", "1"}) {
+    SCOPED_TRACE(hours);
+    BuildModelsOf(hours);
+    const SparseMatrixSingle& nm = session_.WordModel().NM();
+    ASSERT_GT(nm.ColCount(), 10);
+    const std::string sparse = SparseTreeDot(nm);
+    const std::string dense = DenseTreeDot(nm);
+    EXPECT_EQ(SortedLengths(sparse), SortedLengths(dense));
+    if (std::string(hours) != "1") {
+      EXPECT_EQ(sparse, dense);
+    }
+  }
+}
+
+// The cells of a square matrix, column by column, for comparing bit for bit.
+std::vector<std::tuple<std::int32_t, std::int32_t, float>> Cells(const SparseMatrixSingle& m) {
+  std::vector<std::tuple<std::int32_t, std::int32_t, float>> cells;
+  for (std::int32_t c = 1; c <= m.ColCount(); ++c) {
+    const auto rows = m.Vector(c)->ElementIndexes();
+    const auto values = m.Vector(c)->ElementValues();
+    for (std::size_t k = 0; k < rows.size(); ++k) cells.emplace_back(c, rows[k], values[k]);
+  }
+  return cells;
+}
+
+// The tweet map's second-order similarity through neighbour lists: with room for every tweet
+// the lists hold exactly the similarities of the full products, and the sparse spanning tree
+// over them has the lengths of the dense route's tree (the same tree but for equal lengths,
+// which retweets make common), on every day of the sample.
+TEST_F(SampleMapTest, NeighbourListsWithRoomForAllGiveTheFullSecondOrderSimilarity) {
+  BuildModelsOf("24");
+  const TextStream& words = session_.WordModel();
+  for (std::int32_t interval = 1; interval <= words.IntervalCount(); ++interval) {
+    SCOPED_TRACE(interval);
+    SparseMatrixSingle tweets;
+    tweets.SetMatrixSelective(session_.WordIndex().Matrix(), words.FirstDocumentIndex(interval) + 1,
+                              words.LastDocumentIndex(interval) + 1, false);
+    const std::int32_t n = tweets.ColCount();
+    SparseMatrixSingle firstOrder = tweets.GetSimilarityMatrix(2);
+    firstOrder.MakeSymmetric(true);
+    SparseMatrixSingle secondOrder = firstOrder.GetSimilarityMatrix(2);
+    secondOrder.MakeSymmetric(true);
+    const SparseMatrixSingle nearFirst = tweets.NearestSimilarityMatrix(n);
+    const SparseMatrixSingle nearSecond = nearFirst.NearestSimilarityMatrix(n);
+    EXPECT_EQ(Cells(nearFirst), Cells(firstOrder));
+    ASSERT_EQ(Cells(nearSecond), Cells(secondOrder));
+    EXPECT_EQ(SortedLengths(SparseTreeDot(nearSecond)), SortedLengths(DenseTreeDot(secondOrder)));
+  }
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
+#include "session/cluster_maps.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "session_fixtures.h"
@@ -167,22 +170,32 @@ TEST_F(IntervalModels, FewIntervalsAskFirstAndCancelKeepsTheOldModels) {
   EXPECT_EQ(session_.IntervalLength(), 4);
 }
 
-TEST_F(IntervalModels, ALargeIntervalAsksAndCancelEmptiesTheModels) {
+TEST_F(IntervalModels, ALargeIntervalAsksOnlyWhenItsTweetMapWouldBeSlowAndSaysTheEstimate) {
   std::vector<Tweet> tweets(2001, Tweet{0, "storm harbour"});
   for (int h = 1; h <= 30; ++h) tweets.push_back({h, "calm"});
   Prepare(tweets);
+  // 2,001 tweets map in well under ten seconds: no question.
+  const ModelReport quick = Build("1");
+  ASSERT_TRUE(quick.built) << quick.error;
+  EXPECT_TRUE(Messages().empty());
+
+  ModelOptions slow;
+  slow.largeIntervalQuestionSeconds = 0.0;
   notifier_.QueueAnswer(Answer::kCancel);
-  const ModelReport report = Build("1");
+  const ModelReport report = Build("1", slow);
   EXPECT_FALSE(report.built);
   EXPECT_TRUE(report.cancelled);
   ASSERT_EQ(Messages().size(), 1u);
   EXPECT_EQ(Messages()[0].title, "Warning");
+  EXPECT_EQ(Messages()[0].text, LargeIntervalQuestion(2001, EstimatedTweetMapSeconds(2001)));
   EXPECT_EQ(Messages()[0].text.substr(0, 38), "Largest interval contains >2000 tweets");
+  EXPECT_NE(Messages()[0].text.find("largest interval, 2001 tweets, would take about "),
+            std::string::npos);
   EXPECT_FALSE(session_.ModelsBuilt());
   EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
 
   // OK goes on.
-  const ModelReport again = Build("1");
+  const ModelReport again = Build("1", slow);
   ASSERT_TRUE(again.built) << again.error;
   EXPECT_EQ(again.maxIntervalDocCount, 2001);
 }
@@ -267,6 +280,41 @@ TEST(ChooseTrunK, TakesTheSmallestIntervalWithAtLeast26Terms) {
   for (const Case& test : {Case{{30, 27, 10, 40}, 27}, Case{{26, 25, 80}, 26},
                            Case{{25, 3, 0}, 9999}, Case{{}, 9999}, Case{{99, 100}, 99}}) {
     EXPECT_EQ(ChooseTrunK(ModelWithDistinctTerms(test.counts)), test.trunK);
+  }
+}
+
+}  // namespace
+}  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+// A build that would pass the memory budget is refused before it grows, naming the interval
+// count and a length that fits; the length it names builds within the same budget.
+TEST_F(IntervalModels, BuildsPastTheMemoryBudgetAreRefusedWithALengthThatFits) {
+  struct Case {
+    std::int64_t budget;
+    const char* stage;  // what passes the budget
+    const char* fits;   // the length the message proposes
+  };
+  // Length 2: 25 intervals at 1,024 bytes, and 144 pairs of intervals sharing terms at 32.
+  Prepare(EveryTwoHours());
+  for (const Case c : {Case{20'000, "intervals", "3"}, Case{28'000, "pairs", "3"}}) {
+    SCOPED_TRACE(c.stage);
+    const std::size_t before = Messages().size();
+    ModelOptions options;
+    options.memoryBudgetBytes = c.budget;
+    const ModelReport refused = Build("2", options);
+    EXPECT_FALSE(refused.built);
+    EXPECT_FALSE(session_.ModelsBuilt());
+    EXPECT_EQ(session_.WordModel().NM().ColCount(), 0);
+    EXPECT_NE(refused.error.find("25 intervals"), std::string::npos) << refused.error;
+    EXPECT_NE(refused.error.find(std::string("at least ") + c.fits + " hours"), std::string::npos)
+        << refused.error;
+    ASSERT_EQ(Messages().size(), before + 1);
+    EXPECT_EQ(Messages().back().title, kIntervalLengthTitle);
+    const ModelReport fitted = Build(c.fits, options);
+    EXPECT_TRUE(fitted.built) << fitted.error;
   }
 }
 

@@ -377,3 +377,48 @@ TEST(SparseMatrixSingleColumns, TruncateLocalAndNormaliseWorkPerColumn) {
 
 }  // namespace
 }  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+// Columns 1 and 2 share rows 1 and 2, column 3 shares row 2 with both: three pairs, which
+// the cheap bound counts once per shared row (four).
+TEST(SharedRowPairEstimate, CheapBoundWithinTheLimitAndTheExactCountPastIt) {
+  SparseMatrixSingle m;
+  m.Reset(3, 3);
+  for (const auto& [row, col] : {std::pair{1, 1}, {2, 1}, {1, 2}, {2, 2}, {2, 3}, {3, 3}})
+    m.SetValue(row, col, 0.5f);
+  EXPECT_EQ(m.SharedRowPairEstimate(4), 4);
+  EXPECT_EQ(m.SharedRowPairEstimate(3), 3);
+}
+
+}  // namespace
+}  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+// Column 2 is as close to 1, 3 and 4 (a tie, to the lowest); 1 and 4 are identical. With one
+// neighbour each: 1 keeps 4, 2 keeps 1, 3 keeps 2, 4 keeps 1; the union is symmetric and the
+// values are those of the full product.
+TEST(NearestSimilarityMatrix, KeepsEachColumnsNearestAndTheirMirror) {
+  SparseMatrixSingle m;
+  m.Reset(2, 4);
+  for (const auto& [row, col] : {std::pair{1, 1}, {1, 2}, {2, 2}, {2, 3}, {1, 4}})
+    m.SetValue(row, col, 1.0f);
+  const SparseMatrixSingle full = m.GetSimilarityMatrix(2);
+  const SparseMatrixSingle near = m.NearestSimilarityMatrix(1);
+  std::vector<std::pair<int, int>> kept;
+  for (std::int32_t c = 1; c <= 4; ++c) {
+    for (const std::int32_t r : near.Vector(c)->ElementIndexes()) {
+      kept.emplace_back(r, c);
+      EXPECT_EQ(near.Value(r, c), full.Value(std::min(r, c), std::max(r, c))) << r << "," << c;
+    }
+  }
+  const std::vector<std::pair<int, int>> expected = {{1, 1}, {2, 1}, {4, 1}, {1, 2}, {2, 2},
+                                                     {3, 2}, {2, 3}, {3, 3}, {1, 4}, {4, 4}};
+  EXPECT_EQ(kept, expected);
+}
+
+}  // namespace
+}  // namespace sylvora
