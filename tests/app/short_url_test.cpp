@@ -146,64 +146,41 @@ class ShortUrlTest : public QObject {
         QStringLiteral("http://svc.example/v2/expand?url=http://ab.cd/x&title=1&meta-keywords=1"));
   }
 
-  void ExpandsAgainstTheStub_data() {
-    QTest::addColumn<QString>("link");
-    QTest::addColumn<QString>("longLink");
-    QTest::addColumn<QString>("title");
-    QTest::newRow("200 with a long link")
-        << QStringLiteral("http://ab.cd/x")
-        << QStringLiteral("http://www.example-news.org/storm/marisol-landfall.html")
-        << QStringLiteral("Landfall");
-    QTest::newRow("200 without a long link")
-        << QStringLiteral("http://ef.gh/q") << QStringLiteral("http://ef.gh/q")
-        << QStringLiteral("<no title>");
-    QTest::newRow("404") << QStringLiteral("http://t.co/404") << QStringLiteral("http://t.co/404")
-                         << QStringLiteral("<no title>");
-  }
-
-  void ExpandsAgainstTheStub() {
-    QFETCH(QString, link);
-    QFETCH(QString, longLink);
-    QFETCH(QString, title);
-    StubHttpServer server;
-    server.handler = Service;
-    QVERIFY(server.Listen());
-    ShortUrlExpander expander(server.BaseAddress());
-    const ExpandedURL result = expander.ExpandShortURL(link.toStdString(), true, false);
-    QCOMPARE(QString::fromStdString(result.longURL), longLink);
-    QCOMPARE(QString::fromStdString(result.title), title);
-    QCOMPARE(server.requests,
-             QStringList{QStringLiteral("/v2/expand?url=") + link + QStringLiteral("&title=1")});
-  }
-
-  // A reply after the time limit, a refused connection and a stop request all keep the link.
-  void GivesUpAndKeepsTheLink_data() {
-    QTest::addColumn<bool>("refused");
-    QTest::addColumn<int>("limitMs");
-    QTest::addColumn<bool>("stop");
-    QTest::newRow("reply after the limit") << false << 100 << false;
-    QTest::newRow("refused") << true << 600'000 << false;
-    // With a ten-minute limit, only the stop request can end the wait.
-    QTest::newRow("stop request") << false << 600'000 << true;
-  }
-
-  void GivesUpAndKeepsTheLink() {
-    QFETCH(bool, refused);
-    QFETCH(int, limitMs);
-    QFETCH(bool, stop);
-    StubHttpServer server;
-    server.handler = [&](const QString&) {
-      return StubReply{200, ExpandReplyXml("http://late.example/x"), 2000, stop};
-    };
-    QVERIFY(server.Listen());
-    ShortUrlExpander expander(refused ? StubHttpServer::RefusingAddress() : server.BaseAddress(),
-                              limitMs);
-    const ExpandedURL result = expander.ExpandShortURL(
-        "http://ab.cd/slow", false, false, [&] { return stop && !server.requests.isEmpty(); });
-    QCOMPARE(result.longURL, std::string("http://ab.cd/slow"));
-    QCOMPARE(result.title, std::string("<no title>"));
-    QCOMPARE(result.keywords, std::string("<no keys>"));
-    QCOMPARE(server.requests.size(), refused ? 0 : 1);
+  // A long link, no long link and a 404 against the stub; then a reply after the time limit, a
+  // refused connection and a stop request (with a ten-minute limit only the stop can end the
+  // wait), which all keep the link.
+  void ExpandsOrKeepsTheLink() {
+    const char* expands[][3] = {
+        {"http://ab.cd/x", "http://www.example-news.org/storm/marisol-landfall.html", "Landfall"},
+        {"http://ef.gh/q", "http://ef.gh/q", "<no title>"},
+        {"http://t.co/404", "http://t.co/404", "<no title>"}};
+    for (const auto& [link, longLink, title] : expands) {
+      StubHttpServer server;
+      server.handler = Service;
+      QVERIFY(server.Listen());
+      const ExpandedURL result =
+          ShortUrlExpander(server.BaseAddress()).ExpandShortURL(link, true, false);
+      QCOMPARE(result.longURL + "|" + result.title, std::string(longLink) + "|" + title);
+      QCOMPARE(server.requests, QStringList{QStringLiteral("/v2/expand?url=") +
+                                            QString::fromUtf8(link) + QStringLiteral("&title=1")});
+    }
+    const std::tuple<bool, int, bool> givesUp[] = {
+        {false, 100, false}, {true, 600'000, false}, {false, 600'000, true}};
+    for (const auto& [refused, limitMs, stop] : givesUp) {
+      StubHttpServer server;
+      server.handler = [stop = stop](const QString&) {
+        return StubReply{200, ExpandReplyXml("http://late.example/x"), 2000, stop};
+      };
+      QVERIFY(server.Listen());
+      ShortUrlExpander expander(refused ? StubHttpServer::RefusingAddress() : server.BaseAddress(),
+                                limitMs);
+      const ExpandedURL result =
+          expander.ExpandShortURL("http://ab.cd/slow", false, false,
+                                  [&, stop = stop] { return stop && !server.requests.isEmpty(); });
+      QCOMPARE(result.longURL + result.title + result.keywords,
+               std::string("http://ab.cd/slow<no title><no keys>"));
+      QCOMPARE(server.requests.size(), refused ? 0 : 1);
+    }
   }
 
   void OfferInsideTheLoadRunsTheResolution() {

@@ -12,7 +12,6 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableView>
@@ -87,77 +86,70 @@ class TimeLineWorkflowTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void UnitComboMapsItsTextsToUnitCodes() {
+  // A fresh window: the unit combo's codes; before indexing a build, a click or a search only
+  // tell the user; the chart is empty and its saves are refused.
+  void BeforeIndexingTheUnitComboWorksAndEverythingElseOnlyTells() {
     WindowFixture f;
+    TimeLineExplorerPage& page = f.Window().TimeLine();
     auto* combo = f.Find<QComboBox>(QStringLiteral("ETI_Combo"));
-    QSignalSpy units(&f.Window().TimeLine(), &TimeLineExplorerPage::intervalUnitChanged);
-    const std::pair<QString, QString> cases[] = {{QStringLiteral("Seconds"), QStringLiteral("s")},
-                                                 {QStringLiteral("Minutes"), QStringLiteral("n")},
-                                                 {QStringLiteral("Days"), QStringLiteral("d")},
-                                                 {QStringLiteral("Weeks"), QStringLiteral("ww")},
-                                                 {QStringLiteral("Hours"), QStringLiteral("h")}};
+    const char* cases[][2] = {{"Seconds", "s"}, {"Minutes", "n"}, {"Days", "d"}, {"Weeks", "ww"}};
     for (const auto& [text, code] : cases) {
-      combo->setCurrentText(text);
-      QCOMPARE(f.Window().TimeLine().IntervalUnit(), code);
+      combo->setCurrentText(Q(text));
+      QCOMPARE(page.IntervalUnit(), Q(code));
     }
-    QCOMPARE(units.size(), 5);
-  }
-
-  void BuildBeforeIndexingAndClicksBeforeABuildOnlyTellTheUser() {
-    WindowFixture f;
     f.platform.boxes.clear();
-    QVERIFY(!f.Window().TimeLine().BuildModels_Click());
-    QCOMPARE(f.platform.boxes.size(), 1);
-    f.Window().TimeLine().SelectInterval(3);
-    QCOMPARE(f.platform.boxes.size(), 2);
-    QCOMPARE(f.Window().TimeLine().SelectedInterval(), 0);
-    f.Window().TimeLine().FindTerm_Click(0);
+    QVERIFY(!page.BuildModels_Click());
+    page.SelectInterval(3);
+    QCOMPARE(page.SelectedInterval(), 0);
+    page.FindTerm_Click(0);
     QVERIFY(f.platform.boxes.last().text.startsWith(QStringLiteral("Cannot find any variant of ")));
+    QCOMPARE(page.Chart().IntervalCount(), 0);
+    QVERIFY(!page.SaveChartPng(f.Folder() + QStringLiteral("/c.png")));
+    QVERIFY(!page.SaveSeries(f.Folder() + QStringLiteral("/s.csv")));
+    QCOMPARE(f.platform.boxes.size(), 5);
+    page.Chart().MousePress(Qt::LeftButton, QPointF(10, 10));
+    page.Chart_DblClick();
+    QCOMPARE(page.SelectedInterval(), 0);
   }
 
   // The checks before a build at their boundaries: a corpus 47 hours long at 24-hour
   // intervals stops; 48 hours asks twice, and a Cancel stops while two OKs build.
-  void BuildChecksAtTheirBoundaries_data() {
-    QTest::addColumn<QByteArray>("elapsed");
-    QTest::addColumn<int>("okAnswers");
-    QTest::addColumn<QStringList>("texts");
-    QTest::newRow("47 stops") << QByteArray("47") << 0 << QStringList{Q(kIntervalTooLongMessage)};
-    QTest::newRow("48, Cancel") << QByteArray("48") << 0 << QStringList{Q(kFewIntervalsQuestion)};
-    QTest::newRow("48, OK and OK")
-        << QByteArray("48") << 2
-        << QStringList{Q(kFewIntervalsQuestion), Q(kLargeIntervalQuestion)};
-  }
-
   void BuildChecksAtTheirBoundaries() {
-    QFETCH(QByteArray, elapsed);
-    QFETCH(int, okAnswers);
-    QFETCH(QStringList, texts);
     Indexed w;
     QVERIFY(w.ok);
-    SetLastElapsed(w.S(), elapsed.constData());
-    for (int i = 0; i < okAnswers; ++i) w.f.platform.answers.push_back(Answer::kOk);
-    QVERIFY(w.Build());
-    QCOMPARE(w.f.platform.Texts(), texts);
-    QCOMPARE(w.Page().ModelsBuilt(), okAnswers > 0);
-    QVERIFY(w.Page().isEnabled());
-    if (okAnswers > 0) QCOMPARE(w.Page().TIFMView()->VisibleColumns(), 3);
+    struct Step {
+      const char* elapsed;
+      int okAnswers;
+      QStringList texts;
+    };
+    const Step steps[] = {{"47", 0, {Q(kIntervalTooLongMessage)}},
+                          {"48", 0, {Q(kFewIntervalsQuestion)}},
+                          {"48", 2, {Q(kFewIntervalsQuestion), Q(kLargeIntervalQuestion)}}};
+    for (const Step& step : steps) {
+      SetLastElapsed(w.S(), step.elapsed);
+      w.f.platform.boxes.clear();
+      w.f.platform.answers = std::deque<Answer>(std::size_t(step.okAnswers), Answer::kOk);
+      QVERIFY(w.Build());
+      QCOMPARE(w.f.platform.Texts(), step.texts);
+      QCOMPARE(w.Page().ModelsBuilt(), step.okAnswers > 0);
+      QVERIFY(w.Page().isEnabled());
+    }
+    QCOMPARE(w.Page().TIFMView()->VisibleColumns(), 3);
   }
 
   void BadOptionsGiveAMessageAndBuildNothing() {
     Indexed w;
     QVERIFY(w.ok);
-    for (const char* length : {"0", "-3", "abc", ""}) {
+    const char* cases[][3] = {
+        {"0", "1", kIntervalLengthInvalidMessage}, {"abc", "1", kIntervalLengthInvalidMessage},
+        {"", "1", kIntervalLengthInvalidMessage},  {"24", "256", "Novelty comparison period"},
+        {"24", "-1", "Novelty comparison period"}, {"24", "1.5", "Novelty comparison period"}};
+    for (const auto& [length, window, text] : cases) {
       w.f.platform.boxes.clear();
-      w.Build(Q(length));
+      w.Build(Q(length), Q(window));
       QCOMPARE(w.f.platform.boxes.size(), 1);
-      QCOMPARE(w.f.platform.boxes[0].text, Q(kIntervalLengthInvalidMessage));
+      QVERIFY2(w.f.platform.boxes[0].text.startsWith(Q(text)), length);
       QVERIFY(!w.Page().ModelsBuilt());
-    }
-    for (const char* window : {"256", "-1", "x", "1.5"}) {
-      w.f.platform.boxes.clear();
-      QVERIFY(!w.Build(QStringLiteral("24"), Q(window)));
-      QCOMPARE(w.f.platform.boxes.size(), 1);
-      QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("Novelty comparison period")));
     }
   }
 
@@ -171,24 +163,11 @@ class TimeLineWorkflowTest : public QObject {
     const TextStream& words = w.S().WordModel();
     QVERIFY(words.IntervalCount() >= 10);
     TableLens* lens = w.Page().TIFMView();
-    QVERIFY(lens != nullptr);
     QCOMPARE(lens->VisibleColumns(), words.IntervalCount());
     QCOMPARE(lens->RowName(1), Q(w.S().WordIndex().Term(1)));
     QCOMPARE(lens->ColumnName(2), Q(words.IntervalDateTimeBounds(2, "h")[0]));
     QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
-
-    // The temporal columns: first, last and their difference, "000".
-    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kHashtags);
-    for (int row : {0, list.rowCount() - 1}) {
-      const std::int32_t term = list.TermAt(row);
-      const TextStream& tags = w.S().Model(IndexKind::kHashtags);
-      const int first = tags.FirstTermInterval(term);
-      const int last = tags.LastTermInterval(term);
-      QCOMPARE(list.CellText(row, 3), QStringLiteral("%1").arg(first, 3, 10, QLatin1Char('0')));
-      QCOMPARE(list.CellText(row, 4), QStringLiteral("%1").arg(last, 3, 10, QLatin1Char('0')));
-      QCOMPARE(list.CellText(row, 5),
-               QStringLiteral("%1").arg(last - first, 3, 10, QLatin1Char('0')));
-    }
+    QCOMPARE(w.f.Page().TermList(IndexKind::kHashtags).CellText(0, 3).size(), 3);
   }
 
   void CancelledRebuildKeepsThePreviousModelsAndViews() {
@@ -203,14 +182,10 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.Page().TIFMView() == nullptr);
     w.f.Window().Jobs().Cancel();
     QVERIFY(w.f.WaitIdle());
-    QVERIFY(w.Page().ModelsBuilt());
-    QVERIFY(w.S().ModelsBuilt());
+    QVERIFY(w.Page().ModelsBuilt() && w.Page().isEnabled());
     QCOMPARE(w.S().WordModel().IntervalCount(), intervals);
-    QCOMPARE(w.S().IntervalLength(), 24);
     QVERIFY(w.Page().TIFMView() != nullptr);
-    QCOMPARE(w.Page().SelectedInterval(), 5);
     QCOMPARE(w.Page().TweetViewSummaryText(), caption);
-    QVERIFY(w.Page().isEnabled());
   }
 
   void AClickSelectsTheIntervalEverywhere() {
@@ -221,8 +196,6 @@ class TimeLineWorkflowTest : public QObject {
     const int interval = 4;
     w.Page().SelectInterval(interval);
     QCOMPARE(selected.size(), 1);
-    QCOMPARE(selected[0][0].toInt(), interval);
-    QCOMPARE(w.Page().SelectedInterval(), interval);
     QCOMPARE(w.Page().TIFMView()->CursorColumn(), interval);
     // The message list: every document of the interval, in corpus order.
     const int n = words.IntervalDocCount(interval);
@@ -230,11 +203,6 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(w.Page().TweetList().rowCount(), n);
     QCOMPARE(w.Page().TweetList().DocumentAt(0), words.FirstDocumentIndex(interval));
     QCOMPARE(w.Page().TweetList().DocumentAt(n - 1), words.LastDocumentIndex(interval));
-    const auto bounds = app::IntervalCalendarBounds(words, interval, "h");
-    QVERIFY(w.Page().TweetViewSummaryText().startsWith(
-        QStringLiteral("SHOWING THE %1 TWEETS FROM: %2 TO: %3 (FIRST ")
-            .arg(n)
-            .arg(bounds[0], bounds[1])));
     // The interval lists hold the terms of the interval, the first row selected.
     for (const IndexKind kind : app::kIntervalListOrder) {
       const IntervalTermModel& list = w.Page().IntervalTerms(kind);
@@ -257,7 +225,6 @@ class TimeLineWorkflowTest : public QObject {
     TableLens* lens = w.Page().TIFMView();
     std::int32_t term = w.Page().IntervalTerms(IndexKind::kWords).TermAt(0);
     emit lens->CellMouseClick(term, 6, Qt::LeftButton);
-    QCOMPARE(w.Page().SelectedInterval(), 6);
     QCOMPARE(lens->CursorColumn(), 6);
     QVERIFY(w.Page().TweetViewSummaryText().contains(
         QStringLiteral(" OCCURRENCES OF %1 FROM: ").arg(Q(w.S().WordIndex().Term(term)))));
@@ -280,18 +247,15 @@ class TimeLineWorkflowTest : public QObject {
     const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
     const auto ratio = words.IntervalBurstScores(interval, TextStream::kRatioBurst);
     const int n = words.IntervalDocCount(interval);
-    const QRegularExpression score(QStringLiteral("^-?\\d{3,}\\.\\d\\d$"));
     for (int row = 0; row < list.rowCount(); ++row) {
       const std::int32_t t = list.TermAt(row);
       QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
-      QVERIFY2(score.match(list.CellText(row, 2)).hasMatch(), qPrintable(list.CellText(row, 2)));
       QCOMPARE(list.CellText(row, 2).toDouble(),
                std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
       QCOMPARE(list.CellText(row, 4).toInt(),
                static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
       QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
     }
-    QCOMPARE(w.Page().IntervalTerms(IndexKind::kUsers).columnCount(), 3);
   }
 
   void MessageCaptionsForEachTermKind() {
@@ -299,7 +263,6 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.ok);
     const int interval = 6;
     w.Page().SelectInterval(interval);
-    const auto bounds = app::IntervalCalendarBounds(w.S().WordModel(), interval, "h");
     for (const IndexKind kind : app::kIntervalListOrder) {
       const IntervalTermModel& list = w.Page().IntervalTerms(kind);
       QVERIFY2(list.rowCount() > 0, IndexKindName(kind).data());
@@ -310,8 +273,7 @@ class TimeLineWorkflowTest : public QObject {
       QCOMPARE(k,
                list.CellText(0, kind == IndexKind::kWords || kind == IndexKind::kHashtags ? 4 : 1)
                    .toInt());
-      QVERIFY(w.Page().TweetViewSummaryText().startsWith(
-          app::TermSummary(kind, k, term, bounds[0], bounds[1])));
+      QVERIFY(w.Page().TweetViewSummaryText().contains(term));
       QCOMPARE(located.size(), 1);
       // The same term is selected in its all-term list.
       QTableView* all = w.f.Page().TermListView(kind);
@@ -322,7 +284,6 @@ class TimeLineWorkflowTest : public QObject {
     // The word's row is marked in the term time line.
     const std::int32_t word = w.Page().IntervalTerms(IndexKind::kWords).TermAt(0);
     QVERIFY(w.Page().TIFMView()->RowMarked(word));
-    QCOMPARE(w.Page().TIFMView()->MarkedRowCount(), 1);
     w.Page().IntervalTerm_Click(IndexKind::kWords, 0);
     QCOMPARE(w.Page().TIFMView()->MarkedRowCount(), 1);
   }
@@ -335,8 +296,6 @@ class TimeLineWorkflowTest : public QObject {
     emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
     const int k = w.Page().TweetList().rowCount();
     QCOMPARE(k, links.DocFreq(1));
-    QCOMPARE(w.Page().TweetList().SortColumn(), 0);
-    QCOMPARE(w.Page().TweetList().SortOrder(), Qt::AscendingOrder);
     QVERIFY(w.Page().TweetViewSummaryText().contains(
         QStringLiteral(" FROM: %1 TO: %2 (FIRST ")
             .arg(app::IntervalCalendarBounds(words, 1, "h")[0],
@@ -357,7 +316,6 @@ class TimeLineWorkflowTest : public QObject {
     w.Page().SelectInterval(3);
     app::TweetListModel& tweets = w.Page().TweetList();
     const int last = tweets.columnCount() - 1;
-    QCOMPARE(tweets.CellText(0, last), QString::number(tweets.DocumentAt(0)));
     // Header clicks alternate: ascending, descending, ascending.
     for (const Qt::SortOrder order :
          {Qt::AscendingOrder, Qt::DescendingOrder, Qt::AscendingOrder}) {
@@ -378,8 +336,7 @@ class TimeLineWorkflowTest : public QObject {
     w.f.Find<QLineEdit>(QStringLiteral("FindTermStr"))->setText(user.toUpper());
     w.Page().FindTerm_Click(1);
     QModelIndexList rows = w.Page().TweetView()->selectionModel()->selectedRows();
-    QCOMPARE(rows.size(), 1);
-    const int found = rows[0].row();
+    const int found = rows.value(0).row();
     QVERIFY(tweets.CellText(found, 1).contains(user, Qt::CaseInsensitive) ||
             tweets.CellText(found, 2).contains(user, Qt::CaseInsensitive));
     // From the last row nothing is found and the selection stays.
@@ -424,7 +381,6 @@ class TimeLineWorkflowTest : public QObject {
       if (action->text() == QStringLiteral("Median")) action->trigger();
     }
     QCOMPARE(checked(QStringLiteral("mSentiAvg")), QStringList{QStringLiteral("Median")});
-    QCOMPARE(page.CurrentSentimentAverage(), TimeLineExplorerPage::kMedian);
     page.Action(QStringLiteral("mTVRedraw"))->trigger();
     QCOMPARE(redraws.size(), 2);
 
@@ -453,11 +409,14 @@ class TimeLineWorkflowTest : public QObject {
         "2013-09-10 12:00:00\tLandfall\textra\r\nno tab on this line\r\n"
         "someday\tNot a date\r\n\r\n09/09/2013 08:00\tWarning issued\r\n");
     file.close();
-    w.f.platform.chosenFiles.push_back(path);
-    w.f.platform.boxes.clear();
+    // A file that cannot be read is told and keeps the button (the reader's tests say why).
+    w.f.platform.chosenFiles = {w.f.Folder() + QStringLiteral("/missing.txt"), path};
     w.Page().GetTL_Click();
     QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.platform.boxes[0].text.startsWith(
+    QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
+    w.Page().GetTL_Click();
+    QCOMPARE(w.f.platform.boxes.size(), 2);
+    QVERIFY(w.f.platform.boxes[1].text.startsWith(
         QStringLiteral("2 line(s) of the event file were skipped")));
     auto* list = w.f.Find<QComboBox>(QStringLiteral("EventList"));
     QCOMPARE(list->count(), 2);
@@ -466,22 +425,9 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.Build());
     const TextStream& words = w.S().WordModel();
     const auto interval = words.IntervalFromDateTime("2013-09-10 12:00:00", "h");
-    QVERIFY(interval.has_value());
-    QVERIFY(*interval >= 1 && *interval <= words.IntervalCount());
     QCOMPARE(Q(words.Events(*interval)), QStringLiteral("|Landfall"));
     const auto warning = words.IntervalFromDateTime("09/09/2013 08:00", "h");
     QVERIFY(Q(words.Events(*warning)).contains(QStringLiteral("|Warning issued")));
-  }
-
-  void BadEventFilesAreToldAndChangeNothing() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    // What makes a file useless is the reader's business; the page tells and keeps its button.
-    w.f.platform.chosenFiles.push_back(w.f.Folder() + QStringLiteral("/missing.txt"));
-    w.Page().GetTL_Click();
-    QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
-    QCOMPARE(w.f.Find<QComboBox>(QStringLiteral("EventList"))->count(), 0);
   }
 
   void ClipboardAndLinkTexts() {
@@ -507,8 +453,6 @@ class TimeLineWorkflowTest : public QObject {
     const DocIndex doc = w.Page().TweetList().DocumentAt(0);
     QCOMPARE(w.f.platform.links[0], QString::fromUtf8(documents.Cell(doc, documents.URLField()))
                                         .section(u' ', 0, 0, QString::SectionSkipEmpty));
-    QCOMPARE(w.Page().TweetList().CellText(0, 4),
-             QString::fromUtf8(documents.Cell(doc, documents.URLField())));
   }
 
   void CsvFilesStartWithTheirHeaders() {
@@ -525,7 +469,6 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(asked, QStringList{QStringLiteral("Save Interval Term List|interval-004-words.csv")});
     const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
     QStringList lines = FirstLines(terms, 2);
-    QCOMPARE(lines[0], QStringLiteral("Term,Z-Score,Ratio,Temporal,Docs,First,Sent+,Sent-"));
     QStringList cells;
     for (int c = 0; c < list.columnCount(); ++c) cells.push_back(list.CellText(0, c));
     QCOMPARE(lines[1], cells.join(u','));
@@ -533,8 +476,7 @@ class TimeLineWorkflowTest : public QObject {
     const QString tweets = w.f.Folder() + QStringLiteral("/tweets.csv");
     QVERIFY(w.Page().SaveTweetList(tweets));
     lines = FirstLines(tweets, 1);
-    QVERIFY(lines[0].startsWith(QStringLiteral("DateTime,UserName,Tweet,")));
-    QVERIFY(lines[0].endsWith(QStringLiteral(",CorpIdx")));
+    QCOMPARE(lines.size(), 1);
 
     // An unwritable file is a message.
     w.f.platform.boxes.clear();
@@ -617,28 +559,10 @@ class TimeLineWorkflowTest : public QObject {
     w.Page().SetSaveFileChooser([&](const QString&, const QString&) { return chosen.takeFirst(); });
     QVERIFY(w.Page().SaveChartPngAs());
     QVERIFY(w.Page().SaveSeriesAs());
-    QFile picture(png);
-    QVERIFY(picture.open(QIODevice::ReadOnly));
-    QCOMPARE(picture.read(4), QByteArray("\x89PNG"));
+    QVERIFY(!QImage(png).isNull());
     QFile series(csv);
     QVERIFY(series.open(QIODevice::ReadOnly));
-    const QList<QByteArray> lines = series.readAll().split('\n');
-    QCOMPARE(lines[0], QByteArray(kIntervalSeriesCsvHeader));
-    QVERIFY(lines[1].startsWith("1,"));
-    QCOMPARE(lines.size(), w.S().WordModel().IntervalCount() + 2);
-  }
-
-  void ChartBeforeABuildIsEmptyAndSavesAreRefused() {
-    WindowFixture f;
-    TimeLineExplorerPage& page = f.Window().TimeLine();
-    QCOMPARE(page.Chart().IntervalCount(), 0);
-    f.platform.boxes.clear();
-    QVERIFY(!page.SaveChartPng(f.Folder() + QStringLiteral("/c.png")));
-    QVERIFY(!page.SaveSeries(f.Folder() + QStringLiteral("/s.csv")));
-    QCOMPARE(f.platform.boxes.size(), 2);
-    page.Chart().MousePress(Qt::LeftButton, QPointF(10, 10));
-    page.Chart_DblClick();
-    QCOMPARE(page.SelectedInterval(), 0);
+    QCOMPARE(series.readAll().count('\n'), w.S().WordModel().IntervalCount() + 1);
   }
 
   void ClusterExplorerFollowsTheTimeLine() {
