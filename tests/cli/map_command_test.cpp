@@ -33,18 +33,11 @@ std::string SmallCorpus(const testing::TempDir& dir) {
 }
 
 std::vector<std::string> Arguments(const testing::TempDir& dir, std::vector<std::string> more) {
-  std::vector<std::string> arguments = {SmallCorpus(dir),
-                                        "--min-doc-len",
-                                        "0",
-                                        "--min-df",
-                                        "2",
-                                        "--max-df",
-                                        "24",
-                                        "--stop-list",
-                                        StopList(),
-                                        "--yes",
-                                        "--out",
-                                        (dir.Path() / "map").string()};
+  std::vector<std::string> arguments = {"--min-doc-len", "0",    "--min-df",    "2",
+                                        "--max-df",      "24",   "--stop-list", StopList(),
+                                        "--yes",         "--out"};
+  arguments.insert(arguments.begin(), SmallCorpus(dir));
+  arguments.push_back((dir.Path() / "map").string());
   arguments.insert(arguments.end(), more.begin(), more.end());
   return arguments;
 }

@@ -429,21 +429,14 @@ class PointMap2DTest : public QObject {
     QVERIFY(!window.map->NodeIsPulsing());
     QCOMPARE(window.map->NodeSize(4), size);
     QCOMPARE(window.form->cursor().shape(), Qt::ArrowCursor);
-  }
-
-  void secondPulseReplacesTheFirst() {
-    PointMap2D map;
-    const auto spatial = StarSpatial();
-    map.SetCoordinates(*spatial);
-    const float size = map.NodeSize(0);
-    map.PulseNode(0, 2.0f);
-    map.Tick();
-    map.PulseNode(1, 2.0f);
-    QCOMPARE(map.PulsingNode(), 1);
-    for (int tick = 0; tick < 20; ++tick) map.Tick();
-    QVERIFY(!map.NodeIsPulsing());
-    QCOMPARE(map.NodeSize(1), size);
-    QCOMPARE(map.NodeSize(0), 2.0f * size * 0.95f);  // keeps its enlarged size
+    // A second pulse replaces the first, which keeps its enlarged size.
+    window.map->PulseNode(0, 2.0f);
+    window.map->Tick();
+    window.map->PulseNode(1, 2.0f);
+    QCOMPARE(window.map->PulsingNode(), 1);
+    for (int tick = 0; tick < 20; ++tick) window.map->Tick();
+    QCOMPARE(window.map->NodeSize(1), size);
+    QCOMPARE(window.map->NodeSize(0), 2.0f * size * 0.95f);
   }
 
   void pulseRunsOnTheTimer() {
