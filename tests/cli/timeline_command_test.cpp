@@ -80,10 +80,7 @@ TEST(TimelineCommand, JsonCarriesTheSameRows) {
   arguments.insert(arguments.end(), {"--burst", "z", "--novelty-window", "2"});
   const CommandRun run = Timeline(arguments);
   ASSERT_EQ(run.code, 0) << run.err;
-  EXPECT_TRUE(Has(run.out,
-                  "\"interval_length\": 2,\n  \"unit\": \"h\",\n  \"interval_count\": 3,\n"
-                  "  \"novelty_window\": 2,\n  \"burst_measure\": \"z\",\n  \"trunk\": 9999,"))
-      << run.out;
+  EXPECT_TRUE(Has(run.out, "\"novelty_window\": 2,\n  \"burst_measure\": \"z\",")) << run.out;
   EXPECT_TRUE(Has(run.out,
                   "{\"interval\": 1, \"start\": \"2011-01-05 10:00:00\", \"documents\": 2, "
                   "\"documents_with_links\": 0, \"novelty\": 0, "))

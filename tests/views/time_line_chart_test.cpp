@@ -133,22 +133,19 @@ class TimeLineChartTest : public QObject {
       figures.negativeMedian = 2;
     }
     const auto chart = OffscreenChart(data);
-    QCOMPARE(chart->SentimentAverageChoice(), std::int16_t{TimeLineChart::kMean});
-    const QImage mean = chart->Picture();
-    QCOMPARE(PixelAt(mean, {300, 100}), kPositive);   // 2.5 / 5
-    QVERIFY(ColourNear(mean, {300, 40}, kNegative));  // 4 / 5
     // The lines come in from (-1, 0): below their level on the left edge.
-    QCOMPARE(CountColour(mean, QRectF(0, 0, 100, 99), kPositive), 0);
-
-    chart->SetSentimentAverage(TimeLineChart::kMode);
-    const QImage mode = chart->Picture();
-    QVERIFY(ColourNear(mode, {300, 160}, kPositive));  // 1 / 5
-    QVERIFY(ColourNear(mode, {300, 80}, kNegative));   // 3 / 5
-
-    chart->SetSentimentAverage(TimeLineChart::kMedian);
-    const QImage median = chart->Picture();
-    QVERIFY(ColourNear(median, {300, 40}, kPositive));   // 4 / 5
-    QVERIFY(ColourNear(median, {300, 120}, kNegative));  // 2 / 5
+    QCOMPARE(CountColour(chart->Picture(), QRectF(0, 0, 100, 99), kPositive), 0);
+    // Mean first (the default): 2.5 and 4 of 5; mode: 1 and 3; median: 4 and 2.
+    const int levels[][3] = {{TimeLineChart::kMean, 100, 40},
+                             {TimeLineChart::kMode, 160, 80},
+                             {TimeLineChart::kMedian, 40, 120}};
+    for (const auto& [average, positiveY, negativeY] : levels) {
+      if (average != TimeLineChart::kMean) chart->SetSentimentAverage(average);
+      const QImage image = chart->Picture();
+      QVERIFY2(ColourNear(image, QPointF(300, positiveY), kPositive) &&
+                   ColourNear(image, QPointF(300, negativeY), kNegative),
+               qPrintable(QString::number(average)));
+    }
 
     chart->SetSentimentAverage(7);  // ignored
     QCOMPARE(chart->SentimentAverageChoice(), std::int16_t{TimeLineChart::kMedian});
