@@ -100,24 +100,18 @@ class IndexingWorkflowTest : public QObject {
     QVERIFY(f.Page().WordIndexViewer() != nullptr);
   }
 
-  void WordIndexUsesTheBoxes() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
-    df[0]->setText(QStringLiteral("50"));
-    QVERIFY(f.Index());
-    const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
-    for (std::int32_t t = 1; t <= words.TermCount(); ++t) QVERIFY(words.DocFreq(t) >= 50);
-    QVERIFY(words.IsStemmed());
-  }
-
-  void TermsPerFirstLetterIsOffUntilTickedAndLogsWhatItDrops() {
+  void BoxesReachTheIndexAndTermsPerFirstLetterIsOffUntilTicked() {
     WindowFixture f;
     QVERIFY(f.Load(kTwitter11));
     auto* cap = f.Find<QCheckBox>(QStringLiteral("CapTerms"));
     auto* perLetter = f.Find<QSpinBox>(QStringLiteral("TermsPerLetter"));
     QVERIFY(!cap->isChecked() && !perLetter->isEnabled());
+    f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->setText(QStringLiteral("50"));
     QVERIFY(f.Index());
+    // The word index uses the boxes.
+    const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
+    for (std::int32_t t = 1; t <= words.TermCount(); ++t) QVERIFY(words.DocFreq(t) >= 50);
+    QVERIFY(words.IsStemmed());
     const std::int32_t users = f.Window().CurrentSession().UserIndex().TermCount();
     const auto log = [&] {
       return f.Find<QPlainTextEdit>(QStringLiteral("TDMLog"))->toPlainText();
@@ -206,12 +200,7 @@ class IndexingWorkflowTest : public QObject {
     QCOMPARE(f.Window().CurrentSession().WordIndex().TermCount(), terms);
     QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), terms);
     QCOMPARE(tabs->tabText(0), caption);
-  }
-
-  void ANewLoadEmptiesTheLists() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    QVERIFY(f.Index());
+    // A new load empties the lists.
     QVERIFY(f.Load(kTwitter11));
     QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), 0);
     QCOMPARE(f.Find<QTabWidget>(QStringLiteral("TermLists"))->tabText(0), QStringLiteral("Words"));

@@ -20,14 +20,19 @@ class JobRunnerTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void RunsOnAWorkerAndFinishesOnTheUiThread() {
+  void RunsOnAWorkerAndFinishesAndPostsOnTheUiThread() {
     JobRunner runner(nullptr, nullptr, nullptr);
     QThread* worker = nullptr;
     QThread* doneOn = nullptr;
+    QThread* postedOn = nullptr;
     bool wasCancelled = true;
     QSignalSpy finished(&runner, &JobRunner::finished);
     QVERIFY(runner.Start(
-        QStringLiteral("job"), [&](const ProgressCallback&) { worker = QThread::currentThread(); },
+        QStringLiteral("job"),
+        [&](const ProgressCallback&) {
+          worker = QThread::currentThread();
+          runner.Post([&] { postedOn = QThread::currentThread(); });
+        },
         [&](bool cancelled) {
           doneOn = QThread::currentThread();
           wasCancelled = cancelled;
@@ -37,6 +42,7 @@ class JobRunnerTest : public QObject {
     QVERIFY(worker != nullptr && worker != QThread::currentThread());
     QCOMPARE(doneOn, QThread::currentThread());
     QVERIFY(!wasCancelled);
+    QTRY_COMPARE(postedOn, QThread::currentThread());  // Post too
   }
 
   void OneJobAtATime() {
@@ -139,17 +145,6 @@ class JobRunnerTest : public QObject {
     QVERIFY(runner.CancelRequested());
     runner.WaitForIdle();
     QVERIFY(doneCancelled && bar.isHidden() && cancel.isHidden());
-  }
-
-  void PostRunsOnTheUiThread() {
-    JobRunner runner(nullptr, nullptr, nullptr);
-    QThread* ranOn = nullptr;
-    runner.Start(
-        QStringLiteral("job"),
-        [&](const ProgressCallback&) { runner.Post([&] { ranOn = QThread::currentThread(); }); },
-        {});
-    runner.WaitForIdle();
-    QTRY_COMPARE(ranOn, QThread::currentThread());
   }
 
   void DestroyingARunningRunnerStopsTheJob() {

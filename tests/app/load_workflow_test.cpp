@@ -152,7 +152,8 @@ class LoadWorkflowTest : public QObject {
              QStringLiteral("42"));
   }
 
-  // A missing file or a folder: no job starts, and a box and the progress text say why.
+  // A missing file, a folder or a bad option: no job starts, and a box (and the progress text)
+  // says why.
   void NoFileStartsNothingAndSaysWhy() {
     WindowFixture f;
     QDir().mkpath(f.Folder() + QStringLiteral("/a_folder"));
@@ -168,6 +169,12 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(f.platform.boxes[1].text.contains(QStringLiteral("is a folder")));
     QCOMPARE(f.platform.boxes[1].title, QStringLiteral("Load Error"));
     QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("is a folder")));
+    // So does a Min Chars box that holds no number.
+    Box(f, "MinDocLen")->setText(QStringLiteral("sixty"));
+    Box(f, "CorpusFilePath")->setText(kTwitter11);
+    QVERIFY(!f.Page().LoadCorpus_Click());
+    QCOMPARE(f.platform.boxes.value(2).text,
+             QStringLiteral("Min Chars (Load Options) must be a number, not \"sixty\"."));
   }
 
   void UnloadableFileSaysLoadError() {
@@ -178,17 +185,6 @@ class LoadWorkflowTest : public QObject {
     QCOMPARE(f.platform.boxes[0].icon, MessageIcon::kCritical);
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
-  }
-
-  void MinCharsThatIsNoNumberSaysSo() {
-    WindowFixture f;
-    Box(f, "MinDocLen")->setText(QStringLiteral("sixty"));
-    Box(f, "CorpusFilePath")->setText(kTwitter11);
-    QVERIFY(!f.Page().LoadCorpus_Click());
-    QCOMPARE(f.platform.boxes.size(), 1);
-    QCOMPARE(f.platform.boxes[0].text,
-             QStringLiteral("Min Chars (Load Options) must be a number, not \"sixty\"."));
-    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
   }
 
   void CancelledLoadLeavesAnEmptyUsableWindow() {

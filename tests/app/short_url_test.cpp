@@ -48,15 +48,8 @@ StubReply Service(const QString& target) {
 
 // A Twitter1.1 line: date, user, text, 9 more columns, link column 12, sentiment 13..15.
 QByteArray Line(const char* user, const char* text, const char* link) {
-  QList<QByteArray> cells(16);
-  cells[0] = "Mon Sep 02 10:00:00 +0000 2013";
-  cells[1] = user;
-  cells[2] = text;
-  cells[12] = link;
-  cells[13] = "1";
-  cells[14] = "-1";
-  cells[15] = "0";
-  return cells.join('\t') + "\n";
+  return QByteArray("Mon Sep 02 10:00:00 +0000 2013\t") + user + '\t' + text +
+         QByteArray(10, '\t') + link + "\t1\t-1\t0\n";
 }
 
 QString WriteCorpus(const QString& folder) {

@@ -43,6 +43,25 @@ class StartupTest : public QObject {
     QCOMPARE(f.platform.Texts(), QStringList());
     QCOMPARE(f.Window().windowTitle(),
              QStringLiteral("Sylvora v") + QStringLiteral(SYLVORA_TEST_VERSION));
+    // The defaults decide what gets indexed; indexing waits for a load.
+    const std::pair<const char*, const char*> boxes[] = {
+        {"MinDocLen", "64"}, {"MaxDocCount", "0"}, {"MinChars", "3"}, {"SecDF", "2"}};
+    for (const auto& [name, text] : boxes)
+      QCOMPARE(Box(f, name)->text(), QString::fromLatin1(text));
+    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
+    QCOMPARE(df[0]->text() + u'|' + df[1]->text(), QStringLiteral("2|50"));
+    const std::pair<const char*, bool> checks[] = {
+        {"Radian", true}, {"Port", true}, {"Abbrev", true}, {"AllowNumbers", false}};
+    for (const auto& [name, checked] : checks)
+      QVERIFY2(f.Find<QCheckBox>(QLatin1String(name))->isChecked() == checked, name);
+    QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
+    // The advanced options panel starts hidden and opens once.
+    f.Window().show();
+    auto* panel = f.Find<QGroupBox>(QStringLiteral("ExpertPanel"));
+    auto* button = f.Find<QPushButton>(QStringLiteral("ShowExpPan"));
+    QVERIFY(!panel->isVisible());
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY(panel->isVisible() && !button->isEnabled());
   }
 
   void NoSettingsNoGraphvizNoStopListWarnsTwiceInOrder() {
@@ -85,33 +104,6 @@ class StartupTest : public QObject {
     WindowFixture f(options);
     QCOMPARE(f.platform.Texts(), QStringList());
     QCOMPARE(Box(f, "GraphVisPath")->text(), graphviz);
-  }
-
-  // The defaults decide what gets indexed; indexing waits for a load.
-  void DefaultsAndWhatWaitsForALoad() {
-    WindowFixture f;
-    const std::pair<const char*, const char*> boxes[] = {
-        {"MinDocLen", "64"}, {"MaxDocCount", "0"}, {"MinChars", "3"}, {"SecDF", "2"}};
-    for (const auto& [name, text] : boxes)
-      QCOMPARE(Box(f, name)->text(), QString::fromLatin1(text));
-    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
-    QCOMPARE(df[0]->text() + u'|' + df[1]->text(), QStringLiteral("2|50"));
-    const std::pair<const char*, bool> checks[] = {
-        {"Radian", true}, {"Port", true}, {"Abbrev", true}, {"AllowNumbers", false}};
-    for (const auto& [name, checked] : checks)
-      QVERIFY2(f.Find<QCheckBox>(QLatin1String(name))->isChecked() == checked, name);
-    QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
-  }
-
-  void AdvancedOptionsPanelStartsHiddenAndOpensOnce() {
-    WindowFixture f;
-    f.Window().show();
-    auto* panel = f.Find<QGroupBox>(QStringLiteral("ExpertPanel"));
-    auto* button = f.Find<QPushButton>(QStringLiteral("ShowExpPan"));
-    QVERIFY(!panel->isVisible());
-    QTest::mouseClick(button, Qt::LeftButton);
-    QVERIFY(panel->isVisible());
-    QVERIFY(!button->isEnabled());
   }
 
   void SaveWritesTheTwoBoxesAndTheNextStartReadsThem() {
