@@ -85,6 +85,58 @@ QStringList FirstLines(const QString& path, int count) {
 class TimeLineWorkflowTest : public QObject {
   Q_OBJECT
 
+ private:
+  static void IntervalListsShowTheirTermsFigures(Indexed& w, int interval) {
+    TextStream& words = w.S().WordModel();
+    const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
+    const auto ratio = words.IntervalBurstScores(interval, TextStream::kRatioBurst);
+    const int n = words.IntervalDocCount(interval);
+    for (int row = 0; row < list.rowCount(); ++row) {
+      const std::int32_t t = list.TermAt(row);
+      QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
+      QCOMPARE(list.CellText(row, 2).toDouble(),
+               std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
+      QCOMPARE(list.CellText(row, 4).toInt(),
+               static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
+      QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
+    }
+  }
+
+  static void ClipboardAndLinkTexts(Indexed& w) {
+    QTableView* users = w.f.Page().TermListView(IndexKind::kUsers);
+    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kUsers);
+    users->selectionModel()->select(list.index(2, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    users->selectionModel()->select(list.index(0, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    w.Page().Action(QStringLiteral("mCopySelectedUsers"))->trigger();
+    QCOMPARE(w.f.platform.clipboardText, list.CellText(0, 0) + QStringLiteral("\r\n") +
+                                             list.CellText(2, 0) + QStringLiteral("\r\n"));
+
+    // "Follow URL" opens the link of the selected message.
+    const TermDocumentMatrix& links = w.S().LinkIndex();
+    emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
+    w.Page().TweetView()->selectRow(0);
+    w.Page().Action(QStringLiteral("mFollURL"))->trigger();
+    QCOMPARE(w.f.platform.links.size(), 1);
+    const DocumentSet& documents = w.S().Documents();
+    const DocIndex doc = w.Page().TweetList().DocumentAt(0);
+    QCOMPARE(w.f.platform.links[0], QString::fromUtf8(documents.Cell(doc, documents.URLField()))
+                                        .section(u' ', 0, 0, QString::SectionSkipEmpty));
+  }
+
+  static void ChartAverageAndNoveltyWindow(Indexed& w) {
+    TimeLineChart& chart = w.Page().Chart();
+    w.Page().SetSentimentAverage(TimeLineExplorerPage::kMode);
+    QCOMPARE(chart.SentimentAverageChoice(), std::int16_t(1));
+    // Redraw takes a new novelty window from NovWinSz.
+    w.f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(QStringLiteral("3"));
+    w.Page().Action(QStringLiteral("mTVRedraw"))->trigger();
+    QCOMPARE(int(chart.Data().noveltyWindow), 3);
+    QCOMPARE(chart.Data().intervals[2].novelty, 0.0f);
+    QCOMPARE(chart.Data().intervals[3].novelty, w.S().WordModel().IntervalNoveltyScore(4, 3));
+  }
+
  private slots:
   // A fresh window: the unit combo's codes; before indexing a build, a click or a search only
   // tell the user; the chart is empty and its saves are refused.
@@ -222,27 +274,10 @@ class TimeLineWorkflowTest : public QObject {
     emit lens->CellMouseOver(8, 2);
     QCOMPARE(hovered.size(), 1);
     QCOMPARE(w.Page().HoveredInterval(), 8);
-  }
 
-  // Each column of the word list shows its own figure of the row's term, in its format.
-  void IntervalListsShowTheirTermsFigures() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    const int interval = 5;
-    w.Page().SelectInterval(interval);
-    TextStream& words = w.S().WordModel();
-    const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
-    const auto ratio = words.IntervalBurstScores(interval, TextStream::kRatioBurst);
-    const int n = words.IntervalDocCount(interval);
-    for (int row = 0; row < list.rowCount(); ++row) {
-      const std::int32_t t = list.TermAt(row);
-      QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
-      QCOMPARE(list.CellText(row, 2).toDouble(),
-               std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
-      QCOMPARE(list.CellText(row, 4).toInt(),
-               static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
-      QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
-    }
+    // Each column of the word list shows its own figure of the row's term.
+    w.Page().SelectInterval(5);
+    IntervalListsShowTheirTermsFigures(w, 5);
   }
 
   void MessageCaptionsForEachTermKind() {
@@ -290,6 +325,7 @@ class TimeLineWorkflowTest : public QObject {
 
     w.Page().AllTermList_Click(IndexKind::kWords, QStringLiteral("zzqqxx"));
     QCOMPARE(w.f.platform.Texts(), QStringList{QStringLiteral("Couldn't locate term in index")});
+    ClipboardAndLinkTexts(w);
   }
 
   void TweetViewSortingAndBothSearches() {
@@ -368,6 +404,7 @@ class TimeLineWorkflowTest : public QObject {
       QCOMPARE(page.BurstMeasure(), chosen);
       for (int i = 0; i < 3; ++i) QCOMPARE(page.Action(bursts[i])->isChecked(), i == chosen);
     }
+    ChartAverageAndNoveltyWindow(w);
   }
 
   void EventFileIsPlacedInItsInterval() {
@@ -398,31 +435,6 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(Q(words.Events(*interval)), QStringLiteral("|Landfall"));
     const auto warning = words.IntervalFromDateTime("09/09/2013 08:00", "h");
     QVERIFY(Q(words.Events(*warning)).contains(QStringLiteral("|Warning issued")));
-  }
-
-  void ClipboardAndLinkTexts() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    QTableView* users = w.f.Page().TermListView(IndexKind::kUsers);
-    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kUsers);
-    users->selectionModel()->select(list.index(2, 0),
-                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    users->selectionModel()->select(list.index(0, 0),
-                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    w.Page().Action(QStringLiteral("mCopySelectedUsers"))->trigger();
-    QCOMPARE(w.f.platform.clipboardText, list.CellText(0, 0) + QStringLiteral("\r\n") +
-                                             list.CellText(2, 0) + QStringLiteral("\r\n"));
-
-    // "Follow URL" opens the link of the selected message.
-    const TermDocumentMatrix& links = w.S().LinkIndex();
-    emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
-    w.Page().TweetView()->selectRow(0);
-    w.Page().Action(QStringLiteral("mFollURL"))->trigger();
-    QCOMPARE(w.f.platform.links.size(), 1);
-    const DocumentSet& documents = w.S().Documents();
-    const DocIndex doc = w.Page().TweetList().DocumentAt(0);
-    QCOMPARE(w.f.platform.links[0], QString::fromUtf8(documents.Cell(doc, documents.URLField()))
-                                        .section(u' ', 0, 0, QString::SectionSkipEmpty));
   }
 
   void SavesAskForANameAndWriteTheLists() {
@@ -511,20 +523,6 @@ class TimeLineWorkflowTest : public QObject {
     w.f.platform.answers.push_back(Answer::kYes);
     chart.MouseDoubleClick(Qt::LeftButton, at);
     QCOMPARE(w.f.platform.clipboardImage.size(), chart.Picture().size());
-  }
-
-  void ChartAverageAndNoveltyWindow() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    TimeLineChart& chart = w.Page().Chart();
-    w.Page().SetSentimentAverage(TimeLineExplorerPage::kMode);
-    QCOMPARE(chart.SentimentAverageChoice(), std::int16_t(1));
-    // Redraw takes a new novelty window from NovWinSz.
-    w.f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(QStringLiteral("3"));
-    w.Page().Action(QStringLiteral("mTVRedraw"))->trigger();
-    QCOMPARE(int(chart.Data().noveltyWindow), 3);
-    QCOMPARE(chart.Data().intervals[2].novelty, 0.0f);
-    QCOMPARE(chart.Data().intervals[3].novelty, w.S().WordModel().IntervalNoveltyScore(4, 3));
   }
 
   void ClusterExplorerFollowsTheTimeLine() {

@@ -142,35 +142,29 @@ class TableLensTest : public QObject {
   }
 
   // Column 1 holds 3 and 4 (magnitude 5) and row 3 is empty: values 0.6, 0.8, 0.
-  void tileStyleGreys() {
+  void tileAndBarStyles() {
     LensWindow window(QSize(800, 400));
     const SparseMatrixSingle table = ThreeAndFour(3, 40);
     window.lens->SetNumDataTable(table);
     window.lens->SetVisibleColumns(40);
     window.lens->SetCellStyle(TableLens::kTile);
-    const QImage& picture = window.lens->Picture();
+    QImage picture = window.lens->Picture();
     QCOMPARE(PixelAt(picture, window.CellCentre(1, 1)), QColor(153, 153, 153));
     QCOMPARE(PixelAt(picture, window.CellCentre(2, 1)), QColor(204, 204, 204));
     QCOMPARE(PixelAt(picture, window.CellCentre(3, 1)), kBlack);  // zero is black in Tile
     QCOMPARE(PixelAt(picture, window.CellCentre(1, 2)), kBlack);  // empty column
-  }
 
-  void barStylesFillTheValueShare() {
-    LensWindow window(QSize(800, 400));
-    const SparseMatrixSingle table = ThreeAndFour(2, 40);
-    window.lens->SetNumDataTable(table);
-    window.lens->SetVisibleColumns(40);
-
+    // The bars fill the value's share of the cell: 0.6 from the left, 0.8 from the bottom.
     window.lens->SetCellStyle(TableLens::kHorizontalBar);
     const QRectF cell = window.lens->CellRect(1, 1);
-    QImage picture = window.lens->Picture();
+    picture = window.lens->Picture();
     const double y = cell.center().y();
     QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.55 * cell.width(), y)), kBlack);
     QCOMPARE(PixelAt(picture, QPointF(cell.left() + 0.7 * cell.width(), y)), kWhite);
 
     window.lens->SetCellStyle(TableLens::kVerticalBar);
     picture = window.lens->Picture();
-    const QRectF cell2 = window.lens->CellRect(2, 1);  // 0.8 from the bottom
+    const QRectF cell2 = window.lens->CellRect(2, 1);
     const double x = cell2.center().x();
     QCOMPARE(PixelAt(picture, QPointF(x, cell2.bottom() - 0.7 * cell2.height())), kBlack);
     QCOMPARE(PixelAt(picture, QPointF(x, cell2.bottom() - 0.9 * cell2.height())), kWhite);
@@ -211,18 +205,10 @@ class TableLensTest : public QObject {
     QVERIFY2(zeroDarkest >= 145 && zeroDarkest <= 200, qPrintable(QString::number(zeroDarkest)));
     // The column header shows the column's name on the header colour.
     QVERIFY(CountColour(picture, window.lens->CellRect(0, 1), kHeaderBack) > 50);
-  }
-
-  void normedTextDiffersFromRawText() {
-    LensWindow window(QSize(800, 400));
-    SparseMatrixSingle table;
-    table.Reset(1, 2);
-    table.SetValue(1, 1, 7.0f);
-    window.lens->SetNumDataTable(table);
-    const QImage normed = window.lens->Picture().copy(window.lens->CellRect(1, 1).toAlignedRect());
+    // Raw values print otherwise than normed ones ("4.00000" against "0.80000").
+    const QImage normed = window.lens->Picture().copy(window.lens->CellRect(2, 1).toAlignedRect());
     window.lens->SetNormedCellValues(false);
-    const QImage raw = window.lens->Picture().copy(window.lens->CellRect(1, 1).toAlignedRect());
-    QVERIFY(normed != raw);  // "1.00000" against "7.00000"
+    QVERIFY(window.lens->Picture().copy(window.lens->CellRect(2, 1).toAlignedRect()) != normed);
   }
 
   void namesDefaultUntilGivenAndResetWithANewTable() {
