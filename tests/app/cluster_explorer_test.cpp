@@ -210,6 +210,11 @@ class ClusterExplorerTest : public QObject {
     page_->ISVis_OnNewNodeOver(-1);
     QCOMPARE(page_->Panel(MapKind::kIntervals).Surface()->toolTip(), QString());
     QCOMPARE(hovered.size(), 1);
+    // The time line selects and hovers intervals in the map.
+    page_->SelectInterval(3);
+    QCOMPARE(Intervals().SelectedNode(), 2);
+    page_->HoverInterval(4);
+    QCOMPARE(Intervals().HoverNode(), 3);
   }
 
   void ClickingAnIntervalSelectsItAndMapsItsTweets() {
@@ -241,13 +246,6 @@ class ClusterExplorerTest : public QObject {
     Tweets().SetView(Tweets().HomeView());
     page_->TweetSimVis_ViewChanged();
     QCOMPARE(shown[1][0].value<QVector<int>>().size(), Tweets().NodeCount());
-  }
-
-  void TheTimeLineSelectsAndHoversIntervals() {
-    page_->SelectInterval(3);
-    QCOMPARE(Intervals().SelectedNode(), 2);
-    page_->HoverInterval(4);
-    QCOMPARE(Intervals().HoverNode(), 3);
   }
 
   void TheLabelSliderShowsItsThresholdAsAPercentage() {

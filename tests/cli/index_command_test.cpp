@@ -114,13 +114,9 @@ TEST(IndexCommand, ReportsBadUsageAndFailures) {
   const CommandRun help = Index({"--help"});
   EXPECT_EQ(help.code, 0);
   EXPECT_TRUE(Has(help.out, "usage: sylvora-cli index FILE"));
-}
-
-TEST(IndexCommand, TheDefaultStopListIsFoundFromABuildFolder) {
   // The tests run in the source tree's tests/cli folder, beside no stop list, from a program in
-  // a build folder: the source tree's list is the one found.
-  const std::string path = DefaultStopListPath();
-  EXPECT_EQ(path, std::filesystem::path(StopList()).lexically_normal().string());
+  // a build folder: the source tree's list is the default one found.
+  EXPECT_EQ(DefaultStopListPath(), std::filesystem::path(StopList()).lexically_normal().string());
 }
 
 }  // namespace
