@@ -76,14 +76,11 @@ class ClusterExplorerTest : public QObject {
     f_ = std::make_unique<WindowFixture>();
     page_ = &f_->Window().ClusterExplorer();
     QVERIFY(PrepareSampleModels(*f_, RealGraphvizFolder()));
-    QVERIFY(page_->WordMapStale());
-    QVERIFY(page_->IntervalMapStale());
-    QVERIFY(!Words().IsSet());
+    QVERIFY(page_->WordMapStale() && !Words().IsSet());
     QSignalSpy captions(page_, &ClusterExplorerPage::captionChanged);
     const QString usual = f_->Window().windowTitle();
     QVERIFY(VisitClusterExplorer(*f_));
-    QVERIFY(!page_->WordMapStale());
-    QVERIFY(!page_->IntervalMapStale());
+    QVERIFY(!page_->WordMapStale() && !page_->IntervalMapStale());
     QVERIFY2(f_->platform.boxes.isEmpty(), qPrintable(f_->platform.Texts().join(u'|')));
     // The progress captions in build order, then the usual caption again.
     QStringList texts;
@@ -91,14 +88,12 @@ class ClusterExplorerTest : public QObject {
     QCOMPARE(texts,
              (QStringList{QStringLiteral("Computing interval cluster visualization..."),
                           QStringLiteral("Computing word cluster visualization..."), usual}));
-    QCOMPARE(f_->Window().windowTitle(), usual);
   }
 
   void cleanupTestCase() { f_.reset(); }
 
   void TheIntervalMapHasOneNodePerIntervalWeightedByItsTweets() {
     const TextStream& model = S().WordModel();
-    QVERIFY(model.IntervalCount() >= 10);
     QCOMPARE(Intervals().NodeCount(), model.IntervalCount());
     for (int k = 1; k <= model.IntervalCount(); ++k) {
       QCOMPARE(Intervals().NodeLabel(k - 1), QString::number(k));
@@ -128,21 +123,16 @@ class ClusterExplorerTest : public QObject {
             1e-4f * base);
   }
 
-  void HoveringAWordShowsItsLabel() {
+  void HoveringAWordShowsItsLabelAndAClickListsIt() {
     page_->TermSimVis_OnNewNodeOver(0);
     QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(),
              QString::fromStdString(S().WordIndex().Term(1)));
     page_->TermSimVis_OnNewNodeOver(-1);
     QCOMPARE(page_->Panel(MapKind::kWords).Surface()->toolTip(), QString());
-  }
-
-  void ClickingAWordListsItOverAllIntervals() {
+    // A click lists the word over all intervals.
     QSignalSpy chosen(page_, &ClusterExplorerPage::wordChosen);
     page_->TermSimVis_OnNodeClick(4);
-    QCOMPARE(chosen.size(), 1);
-    QCOMPARE(chosen[0][0].toInt(), 5);
-    QCOMPARE(chosen[0][1].toInt(), 1);
-    QCOMPARE(chosen[0][2].toInt(), S().WordModel().IntervalCount());
+    QCOMPARE(chosen.value(0), (QVariantList{5, 1, S().WordModel().IntervalCount()}));
   }
 
   void TheMessageListMovesIntoTheCurrentTab() {
@@ -157,7 +147,6 @@ class ClusterExplorerTest : public QObject {
     QVERIFY(page_->isAncestorOf(list));
     QVERIFY(page_->MessageListSlot()->isAncestorOf(frame));
     QVERIFY(!timeLine.isAncestorOf(list));
-    QVERIFY(list->isVisible());
     QVERIFY2(list->height() >= 100, qPrintable(QString::number(list->height())));
 
     // A word clicked in the map fills the list the user sees, with its caption.
@@ -171,7 +160,6 @@ class ClusterExplorerTest : public QObject {
 
     // The time line tab takes it back beside its interval lists; the cluster tab again after.
     tabs.setCurrentWidget(&timeLine);
-    QVERIFY(timeLine.isAncestorOf(list));
     QVERIFY(!page_->isAncestorOf(list));
     QVERIFY(timeLine.findChild<QWidget*>(QStringLiteral("TLE_ListsSplit"))->isAncestorOf(frame));
     QVERIFY(list->isVisible());
@@ -179,8 +167,7 @@ class ClusterExplorerTest : public QObject {
     tabs.setCurrentIndex(0);
     QVERIFY(timeLine.isAncestorOf(list));
     QVERIFY(VisitClusterExplorer(*f_));
-    QVERIFY(page_->isAncestorOf(list));
-    QVERIFY(list->isVisible());
+    QVERIFY(page_->isAncestorOf(list) && list->isVisible());
   }
 
   void AWordMarkedOnTheTimeLineIsSelectedInTheWordMap() {
@@ -189,9 +176,7 @@ class ClusterExplorerTest : public QObject {
     const int term = 7;
     const QString word = QString::fromStdString(S().WordIndex().Term(term));
     // A row click in the words list of "Load and Index" marks the word.
-    QSignalSpy marked(&timeLine, &app::TimeLineExplorerPage::wordMarked);
     timeLine.AllTermList_Click(IndexKind::kWords, word);
-    QCOMPARE(marked.size(), 1);
     QCOMPARE(Words().SelectedNode(), term - 1);
     // So does a word of an interval list.
     const int k = IntervalWithTweets(30);
@@ -218,14 +203,18 @@ class ClusterExplorerTest : public QObject {
     page_->ISVis_OnNewNodeOver(k - 1);
     const QString tip = page_->Panel(MapKind::kIntervals).Surface()->toolTip();
     QVERIFY2(tip.startsWith(QString::number(k) + QStringLiteral(": ")), qPrintable(tip));
-    QCOMPARE(hovered.size(), 1);
-    QCOMPARE(hovered[0][0].toInt(), k);
+    QCOMPARE(hovered.value(0).value(0).toInt(), k);
     // The best term is a word of the index.
     const QString best = tip.section(QStringLiteral(": "), 1).section(QStringLiteral(", "), 0, 0);
     QVERIFY(S().WordIndex().TermIndex(best.toStdString()) > 0);
     page_->ISVis_OnNewNodeOver(-1);
     QCOMPARE(page_->Panel(MapKind::kIntervals).Surface()->toolTip(), QString());
     QCOMPARE(hovered.size(), 1);
+    // The time line selects and hovers intervals in the map.
+    page_->SelectInterval(3);
+    QCOMPARE(Intervals().SelectedNode(), 2);
+    page_->HoverInterval(4);
+    QCOMPARE(Intervals().HoverNode(), 3);
   }
 
   void ClickingAnIntervalSelectsItAndMapsItsTweets() {
@@ -234,12 +223,9 @@ class ClusterExplorerTest : public QObject {
     QSignalSpy selected(page_, &ClusterExplorerPage::intervalSelected);
     BuildTweetMap(k);
     QCOMPARE(selected.size(), 1);
-    QCOMPARE(selected[0][0].toInt(), k);
-    QCOMPARE(page_->SelectedInterval(), k);
     QCOMPARE(Intervals().SelectedNode(), k - 1);
     QCOMPARE(Tweets().NodeCount(), S().WordModel().IntervalDocCount(k));
     const ClusterMap* data = page_->Panel(MapKind::kTweets).Data();
-    QVERIFY(data != nullptr);
     QCOMPARE(data->firstDocument, S().WordModel().FirstDocumentIndex(k));
 
     // Hover: the tweet's text; click: its corpus row.
@@ -250,37 +236,25 @@ class ClusterExplorerTest : public QObject {
         QString::fromStdString(documents.Text(data->firstDocument + 2, documents.ContentField())));
     QSignalSpy chosen(page_, &ClusterExplorerPage::tweetChosen);
     page_->TweetSimVis_OnNodeClick(2);
-    QCOMPARE(chosen.size(), 1);
-    QCOMPARE(chosen[0][0].toInt(), data->firstDocument + 2);
+    QCOMPARE(chosen.value(0).value(0).toInt(), data->firstDocument + 2);
 
     // A view change lists the visible tweets in node order.
     QSignalSpy shown(page_, &ClusterExplorerPage::tweetsShown);
     Tweets().SetView(AroundNode(Tweets(), 3));
     page_->TweetSimVis_ViewChanged();
-    QCOMPARE(shown.size(), 1);
     QCOMPARE(shown[0][0].value<QVector<int>>(), QVector<int>{data->firstDocument + 3});
     Tweets().SetView(Tweets().HomeView());
     page_->TweetSimVis_ViewChanged();
     QCOMPARE(shown[1][0].value<QVector<int>>().size(), Tweets().NodeCount());
   }
 
-  void TheTimeLineSelectsAndHoversIntervals() {
-    page_->SelectInterval(3);
-    QCOMPARE(Intervals().SelectedNode(), 2);
-    page_->HoverInterval(4);
-    QCOMPARE(Intervals().HoverNode(), 3);
-  }
-
   void TheLabelSliderShowsItsThresholdAsAPercentage() {
     QSlider* slider = page_->LabelSlider();
     slider->setValue(5);
-    QCOMPARE(slider->toolTip(), QStringLiteral("Doc Freq >= 0.5%"));
-    QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{5});
     // Typed as a percentage: within the slider's range it moves the slider, beyond it holds.
     auto* typed = page_->findChild<QDoubleSpinBox*>(QStringLiteral("TermLabelThreshPercent"));
     QCOMPARE(typed->value(), 0.5);
     typed->setValue(3.5);
-    QCOMPARE(slider->value(), 35);
     QCOMPARE(Words().NodeLabelThreshold(), std::int16_t{35});
     typed->setValue(40.0);
     QCOMPARE(slider->value(), 250);
@@ -296,12 +270,9 @@ class ClusterExplorerTest : public QObject {
     QCOMPARE(buttons.size(), 2);
     QToolButton* plus = buttons[0]->property("index").toInt() == 1 ? buttons[0] : buttons[1];
     QToolButton* minus = plus == buttons[0] ? buttons[1] : buttons[0];
-    for (int i = 0; i < 3; ++i) plus->click();
-    QVERIFY(std::abs(Words().BaseNodeSize() - start * 1.1f * 1.1f * 1.1f) <= 1e-5f * start);
-    for (int i = 0; i < 3; ++i) page_->AdjTermNodeSz_Click(0);
+    for (int i = 0; i < 2; ++i) plus->click();
     minus->click();
-    page_->AdjTermNodeSz_Click(1);
-    const float expected = start * 1.1f * 1.1f * 1.1f * 0.9f * 0.9f * 0.9f * 0.9f * 1.1f;
+    const float expected = start * 1.1f * 1.1f * 0.9f;
     QVERIFY(std::abs(Words().BaseNodeSize() - expected) <= 1e-5f * start);
   }
 
@@ -340,27 +311,18 @@ class ClusterExplorerTest : public QObject {
     ClusterMapPanel& panel = page_->Panel(MapKind::kWords);
     panel.ViewsReset();
     const PointMap2D::ViewRect home = Words().View();
-    // A lasso zoom, as the user drags it, then a second one.
+    // A lasso zoom, as the user drags it (the history's rules: cluster_links_test).
     Words().ZoomTo(0, 200.0f);
     const PointMap2D::ViewRect first = Words().View();
     panel.RecordView();
-    Words().ZoomTo(1, 400.0f);
-    const PointMap2D::ViewRect second = Words().View();
-    panel.RecordView();
-    QCOMPARE(panel.History().Size(), std::size_t{3});
-    QVERIFY(panel.Back());
-    QVERIFY(app::SameView(Words().View(), first));
-    // Alt+Left on the page goes back once more, Alt+Right forward.
+    // Alt+Left on the page goes back, Alt+Right forward.
     f_->Window().show();
     f_->Window().activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&f_->Window()));
     QTest::keyClick(page_, Qt::Key_Left, Qt::AltModifier);
     QVERIFY(app::SameView(Words().View(), home));
-    QVERIFY(!panel.Back());
     QTest::keyClick(page_, Qt::Key_Right, Qt::AltModifier);
     QVERIFY(app::SameView(Words().View(), first));
-    QVERIFY(panel.Forward());
-    QVERIFY(app::SameView(Words().View(), second));
     // The buttons follow.
     QVERIFY(panel.findChild<QToolButton*>(QStringLiteral("TermSimVisBack"))->isEnabled());
     QVERIFY(!panel.findChild<QToolButton*>(QStringLiteral("TermSimVisForward"))->isEnabled());
@@ -391,7 +353,6 @@ class ClusterExplorerTest : public QObject {
     int rows = 0;
     while (!nodes.readLine().isEmpty()) ++rows;
     QCOMPARE(rows, Intervals().NodeCount());
-    QVERIFY(QFile::exists(folder + QStringLiteral("/intervals_edges.csv")));
     QVERIFY(QFile::exists(folder + QStringLiteral("/intervals.graphml")));
     // A folder that cannot be written is reported.
     f_->platform.savedFiles = {QStringLiteral("/nonexistent-folder/x.png")};
@@ -405,8 +366,7 @@ class ClusterExplorerTest : public QObject {
     QSignalSpy finished(page_, &ClusterExplorerPage::mapFinished);
     page_->FeatureType_Click(1);
     QVERIFY(WaitClusterIdle(*f_));
-    QCOMPARE(finished.size(), 1);
-    QVERIFY(finished[0][1].toBool());
+    QVERIFY(finished.value(0).value(1).toBool());
     QCOMPARE(page_->Level(), WordMapLevel::kInterval);
     QCOMPARE(Words().NodeCount(), S().WordIndex().TermCount());
   }
@@ -420,7 +380,6 @@ class ClusterExplorerTest : public QObject {
     f_->Window().Jobs().Cancel();
     QVERIFY(WaitClusterIdle(*f_));
     QCOMPARE(finished.size(), 1);
-    QVERIFY(!finished[0][1].toBool());
     QCOMPARE(page_->Panel(MapKind::kWords).Data(), data);
     QCOMPARE(QPointF(Words().NodeX(0), Words().NodeY(0)), before);
     QVERIFY(page_->Panel(MapKind::kWords).Status().startsWith(QStringLiteral("Cancelled")));

