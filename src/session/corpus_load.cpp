@@ -244,10 +244,19 @@ LoadReport LoadCorpusUnguarded(Session& session, const LoadOptions& options, Not
     }
   }
   if (*format == CorpusFormat::kRadian6 && documents.FieldCount() < kRadianMinColumns) {
+    // Say what the file has, not what the Radian layout made of it.
+    std::string head;
+    std::string ignored;
+    std::size_t columns = static_cast<std::size_t>(documents.FieldCount());
+    if (ReadFilePrefix(options.path, 1 << 16, head, ignored)) {
+      const std::string_view firstLine = std::string_view(head).substr(0, head.find('\n'));
+      columns = static_cast<std::size_t>(std::count(firstLine.begin(), firstLine.end(), '\t')) + 1;
+    }
     return loadError(
         "A Radian 6 export needs at least 22 columns (date-time in column 7, elapsed "
-        "time, link and sentiment in columns 19 to 22); '" +
-        options.path + "' has " + std::to_string(documents.FieldCount()));
+        "time, link and sentiment in columns 19 to 22); the first line of '" +
+        options.path + "' has " + std::to_string(columns) +
+        ". Untick \"Radian 6 data?\" for a Twitter export.");
   }
   clock.Finish("read and split");
   documents.SetFieldExpressionPattern("");

@@ -183,6 +183,9 @@ class LoadWorkflowTest : public QObject {
     QCOMPARE(f.platform.boxes.size(), 1);
     QCOMPARE(f.platform.boxes[0].text, QStringLiteral("There was an error loading ") + kTwitter11);
     QCOMPARE(f.platform.boxes[0].icon, MessageIcon::kCritical);
+    // Regression: the reason counted the fields the Radian layout made ("has 9").
+    QVERIFY2(f.Page().LoadProgressText().contains(QStringLiteral("has 16.")),
+             qPrintable(f.Page().LoadProgressText()));
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
   }
