@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPixmap>
+#include <QSize>
 #include <QSlider>
 #include <QStringList>
 #include <QTabWidget>
@@ -30,15 +31,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr const char* kUsage =
-    "usage: sylvora [CORPUS] [--screenshot FILE]\n"
+    "usage: sylvora [CORPUS] [--screenshot FILE [--size WIDTHxHEIGHT]]\n"
     "       sylvora --help | --version\n"
     "Opens the main window; CORPUS (a tab-separated, JSON or CSV tweet export) is loaded at\n"
     "once. --screenshot FILE loads and indexes CORPUS, builds the views and the maps, saves\n"
-    "pictures of the window to FILE, FILE-timeline.png and FILE-clusters.png, and exits.\n";
+    "pictures of the window to FILE, FILE-timeline.png and FILE-clusters.png, and exits;\n"
+    "--size sets the window's size for them (default 1280x800).\n";
 
 struct Arguments {
   QString corpus;
   QString screenshot;
+  QSize size{1280, 800};
   bool help = false;
 };
 
@@ -53,6 +56,17 @@ bool ParseArguments(const QStringList& list, Arguments& arguments, QString& erro
         return false;
       }
       arguments.screenshot = list[++i];
+    } else if (argument == u"--size"_s) {
+      const QStringList parts = i + 1 < list.size() ? list[++i].split(u'x') : QStringList();
+      bool wide = false;
+      bool high = false;
+      const int width = parts.size() == 2 ? parts[0].toInt(&wide) : 0;
+      const int height = parts.size() == 2 ? parts[1].toInt(&high) : 0;
+      if (!wide || !high || width < 320 || height < 240 || width > 8192 || height > 8192) {
+        error = u"--size takes WIDTHxHEIGHT in pixels, from 320x240 to 8192x8192"_s;
+        return false;
+      }
+      arguments.size = QSize(width, height);
     } else if (argument.startsWith(u"--"_s)) {
       error = u"unknown option "_s + argument;
       return false;
@@ -73,21 +87,8 @@ QString ClustersPictureName(const QString& file) {
   return info.dir().filePath(info.completeBaseName() + u"-clusters."_s + suffix);
 }
 
-// The label slider value (documents per thousand, at most the slider's end) that labels the
-// `count` most frequent words.
-int LabelValueForTopWords(const TermDocumentMatrix& index, std::size_t count) {
-  std::vector<std::int32_t> frequencies;
-  for (std::int32_t t = 1; t <= index.TermCount(); ++t) frequencies.push_back(index.DocFreq(t));
-  if (frequencies.empty() || index.DocCount() < 1) return ClusterExplorerPage::kLabelSliderStart;
-  std::sort(frequencies.begin(), frequencies.end(), std::greater<>());
-  const std::int32_t least = frequencies[std::min(count, frequencies.size()) - 1];
-  const auto value = static_cast<int>(least * 1000.0 / index.DocCount());
-  return std::clamp(value, 0, ClusterExplorerPage::kLabelSliderMax);
-}
-
-// After the main picture: builds the interval models, shows the cluster explorer with its
-// word and interval maps and the tweet map of the busiest interval, saves its picture and
-// quits with the exit code.
+// After the time line's picture: shows the cluster explorer with its word and interval maps
+// and the tweet map of the busiest interval, saves its picture and quits with the exit code.
 void ScreenshotClusters(Main& window, const QString& file,
                         const std::function<void(QString)>& fail) {
   Session& session = window.CurrentSession();
@@ -117,11 +118,6 @@ void ScreenshotClusters(Main& window, const QString& file,
                        save();
                        return;
                      }
-                     if (kind == static_cast<int>(MapKind::kWords)) {
-                       // Label the forty most frequent words (the start threshold of 12 %
-                       // labels few words of a small corpus).
-                       page.LabelSlider()->setValue(LabelValueForTopWords(session.WordIndex(), 40));
-                     }
                      if (page.Building()) return;
                      const TextStream& model = session.WordModel();
                      int busiest = 1;
@@ -130,21 +126,13 @@ void ScreenshotClusters(Main& window, const QString& file,
                      }
                      page.ISVis_OnNodeClick(busiest - 1);
                    });
-  const bool started = window.Jobs().Start(
-      u"Building views"_s,
-      [&session](const ProgressCallback& progress) {
-        SilentNotifier silent;
-        BuildModels(session, ModelOptions{}, silent, progress);
-      },
-      [&window, &page, &session, fail](bool cancelled) {
-        if (cancelled || !session.ModelsBuilt()) {
-          fail(u"the interval models could not be built"_s);
-          return;
-        }
-        page.ModelsRebuilt();
-        window.Tabs().setCurrentWidget(&page);
-      });
-  if (!started) fail(u"the interval models could not be built"_s);
+  // The maps of the models the time line explorer built, at the length it used.
+  if (!session.ModelsBuilt()) {
+    fail(u"the interval models could not be built"_s);
+    return;
+  }
+  page.ModelsRebuilt();
+  window.Tabs().setCurrentWidget(&page);
 }
 
 // The picture of the time line explorer beside `file`: "shot.png" -> "shot-timeline.png".
@@ -256,7 +244,10 @@ int RunApplication(int argc, char** argv) {
 
   Main window(platform, StartupEnvironment::FromProcess(arguments.corpus));
   qtPlatform.SetWindow(&window);
-  if (screenshot) TakeScreenshot(window, arguments.screenshot);
+  if (screenshot) {
+    window.resize(arguments.size);
+    TakeScreenshot(window, arguments.screenshot);
+  }
   window.show();
   QTimer::singleShot(0, &window, [&window] { window.Start(); });
   return QApplication::exec();

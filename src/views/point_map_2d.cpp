@@ -640,7 +640,17 @@ void PointMap2D::DrawLabel(QPainter& painter, std::int32_t node, double ascent) 
   const QString& label = label_[i];
   if (label.isEmpty() || weight_[i] < static_cast<float>(nodeLabelThreshold_)) return;
   const QPointF at = ToPixels(x_[i], y_[i]);
-  painter.drawText(QPointF(at.x(), at.y() + ascent), label);
+  const QPointF baseline(at.x(), at.y() + ascent);
+  if (readableDrawing_) {
+    // A white halo keeps the letters readable over circles and links.
+    const QPen pen = painter.pen();
+    painter.setPen(kWhite);
+    for (const QPointF offset : {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)}) {
+      painter.drawText(baseline + offset, label);
+    }
+    painter.setPen(pen);
+  }
+  painter.drawText(baseline, label);
 }
 
 void PointMap2D::RenderView(bool clear, bool lassoo) {
