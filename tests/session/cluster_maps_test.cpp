@@ -141,37 +141,33 @@ TEST_F(MapTest, TiedDistancesKeepTheFirstEdgesInOrder) {
   EXPECT_EQ(map.layout.NodeDegree(0), 2);
 }
 
-TEST_F(MapTest, MissingGraphvizIsReportedWithoutAMessageBox) {
+// A missing, slow or cancelled Graphviz fails the map with a reason and no message box.
+TEST_F(MapTest, FailedRunsAreReportedWithoutAMessageBox) {
   const TempDir empty;
-  ClusterMap map;
-  MapReport report;
-  EXPECT_FALSE(LayOutSimilarities(ThreeNodes(), 3, 1, Options(empty.Path().string()), map, report,
-                                  notifier_));
-  EXPECT_EQ(report.shellCode, kShellNotStarted);
-  EXPECT_NE(report.error.find(empty.Path().string()), std::string::npos) << report.error;
-  EXPECT_TRUE(notifier_.Messages().empty());
-}
-
-TEST_F(MapTest, SlowGraphvizIsStoppedAndReported) {
-  const FakeGraphviz graphviz("exec sleep 30");
-  MapOptions options = Options(graphviz.Folder());
-  options.timeLimitMs = 1000;
-  ClusterMap map;
-  MapReport report;
-  EXPECT_FALSE(LayOutSimilarities(ThreeNodes(), 3, 1, options, map, report, notifier_));
-  EXPECT_EQ(report.shellCode, kShellTimedOut);
-  EXPECT_NE(report.error.find("longer than 1 s"), std::string::npos) << report.error;
-  EXPECT_TRUE(notifier_.Messages().empty());
-}
-
-TEST_F(MapTest, CancelStopsTheBuild) {
-  const FakeGraphviz graphviz(DiagonalPlain(3));
+  const FakeGraphviz slow("exec sleep 30");
+  const FakeGraphviz good(DiagonalPlain(3));
   const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  ClusterMap map;
-  MapReport report;
-  EXPECT_FALSE(LayOutSimilarities(ThreeNodes(), 3, 1, Options(graphviz.Folder()), map, report,
-                                  notifier_, stop));
-  EXPECT_TRUE(report.cancelled);
+  struct Case {
+    std::string folder;
+    ProgressCallback progress;
+    int shellCode;
+    std::string reason;
+  };
+  const Case cases[] = {{empty.Path().string(), {}, kShellNotStarted, empty.Path().string()},
+                        {slow.Folder(), {}, kShellTimedOut, "longer than 1 s"},
+                        {good.Folder(), stop, -1, ""}};
+  for (const Case& c : cases) {
+    MapOptions options = Options(c.folder);
+    options.timeLimitMs = 1000;
+    ClusterMap map;
+    MapReport report;
+    EXPECT_FALSE(
+        LayOutSimilarities(ThreeNodes(), 3, 1, options, map, report, notifier_, c.progress));
+    EXPECT_EQ(report.cancelled, c.reason.empty());
+    EXPECT_EQ(report.shellCode, c.shellCode);
+    EXPECT_NE(report.error.find(c.reason), std::string::npos) << report.error;
+  }
+  EXPECT_TRUE(notifier_.Messages().empty());
 }
 
 // ---- The three sources over a small corpus ----
@@ -327,6 +323,11 @@ TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
   // Only the layout runner's own box: the word map adds none.
   ASSERT_EQ(notifier_.Messages().size(), 1u);
   EXPECT_EQ(notifier_.Messages()[0].title, "Graph layout failed");
+  // The interval map says it failed in a box of its own.
+  const TempDir none;
+  EXPECT_FALSE(BuildIntervalMap(model_, Options(none.Path().string()), map, notifier_).built);
+  ASSERT_EQ(notifier_.Messages().size(), 2u);
+  EXPECT_EQ(notifier_.Messages()[1].text, kIntervalMapFailure);
 }
 
 TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
@@ -341,15 +342,6 @@ TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
   // The DOT lengths are 1 - NM cells.
   const EdgeRecord first = map.layout.Edge(0);
   EXPECT_NEAR(first.Weight, 1.0f - model_.NM().Value(first.FromNode + 1, first.ToNode + 1), 1e-5f);
-}
-
-TEST_F(SmallCorpusTest, FailedIntervalMapSaysSo) {
-  const TempDir empty;
-  ClusterMap map;
-  const MapReport report = BuildIntervalMap(model_, Options(empty.Path().string()), map, notifier_);
-  EXPECT_FALSE(report.built);
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  EXPECT_EQ(notifier_.Messages()[0].text, kIntervalMapFailure);
 }
 
 TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
@@ -381,24 +373,14 @@ TEST_F(SmallCorpusTest, TweetMapCoversTheIntervalsTweets) {
 TEST_F(MapTest, TweetMapOfAnIntervalWithoutTweetsIsAnError) {
   // Hours 0, 0, 1, 1, 7, 7 in intervals of two hours: intervals 2 and 3 are empty.
   Session session;
-  std::vector<std::vector<std::string>> rows;
-  const int hours[] = {0, 0, 1, 1, 7, 7};
-  for (int i = 0; i < 6; ++i)
-    rows.push_back({"", "u", "storm wind rain", std::to_string(hours[i])});
-  session.Documents().SetDocuments(rows, 7, 6);
-  session.Documents().SetContentField(2);
-  session.Documents().SetElapsedTimeField(3);
-  session.Documents().SetFieldExpressionPattern("001");
-  IndexOptions options;
-  options.stopListPath = testing::StopListPath();
-  options.minDocFrequency = 1;
-  options.maxDocFrequency = 6;
-  ASSERT_TRUE(BuildIndexes(session, options).indexed);
+  std::vector<testing::Tweet> tweets;
+  for (const int hour : {0, 0, 1, 1, 7, 7}) tweets.push_back({hour, "storm wind rain"});
+  testing::LoadAndIndex(session, work_, tweets);
   TextStream model;
   model.SetDocumentSet(session.Documents());
   model.SetTermDocumentMatrix(session.WordIndex());
-  ASSERT_TRUE(model.BuildTermIntervalFrequencyModel(3, 2, notifier_));
-  ASSERT_EQ(model.IntervalCount(), 4);
+  ASSERT_TRUE(
+      model.BuildTermIntervalFrequencyModel(session.Documents().ElapsedTimeField(), 2, notifier_));
   ASSERT_EQ(model.IntervalDocCount(2), 0);
   ClusterMap map;
   const MapReport report =
