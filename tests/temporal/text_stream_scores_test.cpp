@@ -179,30 +179,19 @@ TEST(Homogeneity, IsTheMeanCosineOfTheSampledPairs) {
   EXPECT_EQ(Built({{0, "aa"}, {1, "x"}, {10, "aa"}}).stream->IntervalHomogScore(1, 1), -1.0f);
 }
 
-TEST(Homogeneity, TheSampleStepThinsTheInnerLoop) {
-  // Four documents: step 3 compares (0,1), (1,2), (2,3) and (0, 1+3 = 4 > 3 stops): only
-  // successors. Documents alternate between two disjoint terms.
+TEST(Homogeneity, TheSampleStepThinsTheInnerLoopAndTheFirstResultIsCached) {
+  // Four documents alternating between two disjoint terms. Every pair: (0,2) and (1,3) are 1,
+  // the other four 0: 2 / 6. Step 2 compares (0,1), (0,3), (1,2), (2,3); step 3 (0,1), (1,2),
+  // (2,3): all 0.
   const std::vector<StreamDoc> docs = {{0, "aa"}, {1, "bb"}, {2, "aa"}, {3, "bb"}, {10, "aa"}};
-  StreamCorpus full = Built(docs);
-  // Every pair: (0,2) and (1,3) are 1, the other four 0: 2 / 6.
-  EXPECT_NEAR(full.stream->IntervalHomogScore(1, 1), 2.0 / 6, 1e-6);
-  StreamCorpus successors = Built(docs);
-  EXPECT_EQ(successors.stream->IntervalHomogScore(1, 4), 0.0f);
-  StreamCorpus second = Built(docs);
-  // Step 2: (0,1), (0,3), (1,2), (2,3): all 0.
-  EXPECT_EQ(second.stream->IntervalHomogScore(1, 2), 0.0f);
-}
-
-TEST(Homogeneity, TheCacheKeepsTheFirstResultUntilTheNextBuild) {
-  const std::vector<StreamDoc> docs = {{0, "aa"}, {1, "bb"}, {2, "aa"}, {3, "bb"}, {10, "aa"}};
+  EXPECT_EQ(Built(docs).stream->IntervalHomogScore(1, 2), 0.0f);
+  EXPECT_EQ(Built(docs).stream->IntervalHomogScore(1, 4), 0.0f);
   StreamCorpus c = Built(docs);
   TextStream& s = *c.stream;
   const float first = s.IntervalHomogScore(1, 1);
   EXPECT_NEAR(first, 2.0 / 6, 1e-6);
-  // Another step returns the cached value.
-  EXPECT_EQ(s.IntervalHomogScore(1, 4), first);
-  // A rebuild empties the cache.
-  ASSERT_TRUE(s.BuildTermIntervalFrequencyModel(kElapsedField, 10));
+  EXPECT_EQ(s.IntervalHomogScore(1, 4), first);  // another step returns the cached value
+  ASSERT_TRUE(s.BuildTermIntervalFrequencyModel(kElapsedField, 10));  // a rebuild empties it
   EXPECT_EQ(s.IntervalHomogScore(1, 4), 0.0f);
 }
 
@@ -237,7 +226,7 @@ std::vector<StreamDoc> SentimentDocs() {
           {3, "aa", "", "5", "-3"}, {20, "aa", "", "3", "-5"},   {21, "bb", "", "3", "-4"}};
 }
 
-TEST(Sentiment, CountsEachDocumentOnceOnEachSide) {
+TEST(Sentiment, CountsEachDocumentOnceOnEachSideAndItsStatistics) {
   StreamCorpus c = Built(SentimentDocs());
   TextStream& s = *c.stream;
   s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
@@ -252,43 +241,25 @@ TEST(Sentiment, CountsEachDocumentOnceOnEachSide) {
     EXPECT_EQ(sifm.Value(row, 2), 0.0f) << row;  // the empty interval keeps a zero column
     EXPECT_EQ(sifm.Value(row, 3), third[static_cast<std::size_t>(row) - 1]) << row;
   }
-}
-
-TEST(Sentiment, MeanModeAndMedianOfEachSide) {
-  StreamCorpus c = Built(SentimentDocs());
-  TextStream& s = *c.stream;
-  s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
-  std::int16_t negative = -1, positive = 1;
+  // A valence is replaced by its sign.
+  std::int16_t negative = -1, positive = 7;
   EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, negative), 1.75f);
   EXPECT_EQ(s.IntervalSentimentMode(1, negative), 1);
   EXPECT_EQ(s.IntervalSentimentMedian(1, negative), 2);  // 2/4 is not above .5; 3/4 is
   EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, positive), 3.75f);
+  EXPECT_EQ(positive, 1);
   EXPECT_EQ(s.IntervalSentimentMode(1, positive), 4);
   EXPECT_EQ(s.IntervalSentimentMedian(1, positive), 4);
   // Ties go to the weaker strength: -5 and -4 once each.
   EXPECT_EQ(s.IntervalSentimentMode(3, negative), 4);
   EXPECT_FLOAT_EQ(s.IntervalSentimentMean(3, negative), 4.5f);
   EXPECT_EQ(s.IntervalSentimentMedian(3, negative), 5);  // 1/2 then 2/2
-  // An empty interval.
+  // An empty interval, and no valence.
   EXPECT_EQ(s.IntervalSentimentMean(2, positive), 0.0f);
   EXPECT_EQ(s.IntervalSentimentMode(2, positive), 0);
   EXPECT_EQ(s.IntervalSentimentMedian(2, positive), 0);
-}
-
-TEST(Sentiment, ValenceIsReplacedByItsSign) {
-  StreamCorpus c = Built(SentimentDocs());
-  TextStream& s = *c.stream;
-  s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
-  std::int16_t valence = 7;
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, valence), 3.75f);
-  EXPECT_EQ(valence, 1);
-  valence = -32000;
-  EXPECT_EQ(s.IntervalSentimentMode(1, valence), 1);
-  EXPECT_EQ(valence, -1);
-  valence = 0;
-  EXPECT_EQ(s.IntervalSentimentMean(1, valence), 0.0f);
-  EXPECT_EQ(s.IntervalSentimentMedian(1, valence), 0);
-  EXPECT_EQ(valence, 0);
+  std::int16_t none = 0;
+  EXPECT_EQ(s.IntervalSentimentMean(1, none), 0.0f);
 }
 
 TEST(Sentiment, StrengthsOutOfRangeCountAsTheWeakest) {
