@@ -58,16 +58,6 @@ TEST(CsvReader, RecordLinesCountLineBreaksInsideQuotes) {
   EXPECT_FALSE(reader.Next(cells));
 }
 
-TEST(CsvReader, UnbalancedQuoteNamesTheLineItOpensOn) {
-  std::string text = "h1,h2\nok,fine\n\"never closed,x\nmore\n";
-  CsvReader reader(text.data(), text.size());
-  std::vector<std::string_view> cells;
-  ASSERT_TRUE(reader.Next(cells));
-  ASSERT_TRUE(reader.Next(cells));
-  EXPECT_FALSE(reader.Next(cells));
-  EXPECT_EQ(reader.Error(), "unbalanced quotes: the quoted field opened on line 3 is never closed");
-}
-
 struct MapCase {
   std::vector<std::string> header;
   std::vector<std::pair<std::string, std::string>> map;
@@ -142,7 +132,6 @@ TEST_F(CsvImport, RecordsFillTheTwitter11Fields) {
             DetectionOutcome::kImport)
       << report_.error;
   EXPECT_EQ(report_.detection.shape, ImportShape::kNamedCsv);
-  EXPECT_EQ(report_.detection.Describe(), "named-column CSV");
   ASSERT_EQ(documents_.DocumentCount(), 2);
   EXPECT_EQ(Cell(0, kDate), "Mon Sep 09 21:00:05 +0000 2013");
   EXPECT_EQ(Cell(0, kUser), "bob");
@@ -187,8 +176,7 @@ TEST_F(CsvImport, FailuresNameTheLineAndKeepNothing) {
       {"date,text\n,text\n", "'posts.csv' line 2: no date (column \"date\" is empty)"},
       {"date,text\n2013-09-09T10:00:00Z,\n",
        "'posts.csv' line 2: no text (column \"text\" is empty)"},
-      {"when,author,body\n2013-09-09T10:00:00Z,a,b\n",
-       "'posts.csv' has no column for the date-time role"},
+      {"date,text\n", "holds no post"},
   };
   for (const auto& [csv, message] : cases) {
     EXPECT_EQ(Import(csv), DetectionOutcome::kError) << csv;
@@ -267,11 +255,6 @@ TEST_F(CsvImport, Windows1252AndByteOrderMarkAndCrLf) {
   ASSERT_EQ(report_.warnings.size(), 1u);
   EXPECT_TRUE(Has(report_.warnings[0], "1 line had bytes that are not UTF-8"))
       << report_.warnings[0];
-}
-
-TEST_F(CsvImport, HeaderOnlyHoldsNoPost) {
-  EXPECT_EQ(Import("date,text\n"), DetectionOutcome::kError);
-  EXPECT_TRUE(Has(report_.error, "holds no post")) << report_.error;
 }
 
 }  // namespace
