@@ -112,17 +112,10 @@ TEST(Copy2Clip, RowsOfFixedFiveDecimalsJoinedByCrLf) {
 }
 
 TEST(Matrix2Vector, UpperTriangleRowByRow) {
-  std::vector<float> values(16, N);
-  const auto set = [&](int i, int j, float v) {
-    values[static_cast<std::size_t>(i * 4 + j)] = v;
-    values[static_cast<std::size_t>(j * 4 + i)] = v;
-  };
-  set(0, 1, 1.0f);
-  set(0, 2, 2.0f);
-  set(0, 3, 3.0f);
-  set(1, 2, 4.0f);
-  set(1, 3, 5.0f);
-  set(2, 3, 6.0f);
+  const std::vector<float> values = {N, 1, 2, 3,  //
+                                     1, N, 4, 5,  //
+                                     2, 4, N, 6,  //
+                                     3, 5, 6, N};
   const ProximityMatrix m = MakeMatrix(4, 1, values);
   EXPECT_EQ(m.Matrix2Vector(), (std::vector<float>{1, 2, 3, 4, 5, 6}));
   EXPECT_TRUE(MakeMatrix(1, 1, {N}).Matrix2Vector().empty());

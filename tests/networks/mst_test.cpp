@@ -43,12 +43,8 @@ TEST(Transform2MST, DisconnectedGraphKeepsTheStartComponentAndSaysWhatIsMissing)
       N,    N,    0.7f, 0.6f, N,
   };
   const ProximityMatrix m = MakeMatrix(5, 1, values);
-  std::vector<std::string> trace;
-  ProximityMatrix traced = m;
-  traced.SetTrace(DebugTrace([&](std::string_view line) { trace.emplace_back(line); }));
-
   // -1 starts from the best edge, (2, 3) 0.8: the tree covers 2, 3, 4.
-  const NetworkResult fromBest = traced.Transform2MST(-1);
+  const NetworkResult fromBest = m.Transform2MST(-1);
   ASSERT_TRUE(fromBest);
   EXPECT_EQ(fromBest.Message(),
             "The network is not connected: the spanning tree leaves out 2 of 5 nodes");
@@ -56,13 +52,6 @@ TEST(Transform2MST, DisconnectedGraphKeepsTheStartComponentAndSaysWhatIsMissing)
   EXPECT_EQ(fromBest->Value(2, 4), 0.7f);
   EXPECT_EQ(fromBest->Value(3, 4), N);
   EXPECT_EQ(fromBest->Value(0, 1), N);
-  EXPECT_NE(std::find(trace.begin(), trace.end(), "MST failed, could not add 2 vertices"),
-            trace.end());
-  EXPECT_NE(std::find(trace.begin(), trace.end(), "MST missing node 0"), trace.end());
-  EXPECT_NE(std::find(trace.begin(), trace.end(), "MST missing node 1"), trace.end());
-  EXPECT_NE(std::find(trace.begin(), trace.end(), "edgecount = 4"), trace.end());
-  EXPECT_TRUE(trace.back().starts_with("MST computed in ")) << trace.back();
-  EXPECT_TRUE(trace.back().ends_with(" secs")) << trace.back();
 
   // Starting at node 1 grows the other component.
   const NetworkResult fromOne = m.Transform2MST(1);
