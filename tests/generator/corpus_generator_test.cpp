@@ -25,35 +25,28 @@ namespace {
 
 using Row = std::vector<std::string_view>;
 
-std::vector<std::string_view> Lines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  while (!text.empty()) {
-    const std::size_t end = text.find('\n');
-    if (end == std::string_view::npos) {
-      lines.push_back(text);
-      break;
-    }
-    lines.push_back(text.substr(0, end));
-    text.remove_prefix(end + 1);
+// The pieces of `text` between the separators.
+std::vector<std::string_view> Split(std::string_view text, char separator) {
+  std::vector<std::string_view> pieces;
+  std::size_t start = 0;
+  for (std::size_t end; (end = text.find(separator, start)) != std::string_view::npos;
+       start = end + 1) {
+    pieces.push_back(text.substr(start, end - start));
   }
-  return lines;
+  pieces.push_back(text.substr(start));
+  return pieces;
 }
 
-Row Columns(std::string_view line) {
-  Row columns;
-  std::size_t start = 0;
-  while (true) {
-    const std::size_t tab = line.find('\t', start);
-    columns.push_back(line.substr(start, tab == std::string_view::npos ? tab : tab - start));
-    if (tab == std::string_view::npos) break;
-    start = tab + 1;
-  }
-  return columns;
+// The lines of `text`; a final line feed ends the last line.
+std::vector<std::string_view> Lines(std::string_view text) {
+  std::vector<std::string_view> lines = Split(text, '\n');
+  if (lines.back().empty()) lines.pop_back();
+  return lines;
 }
 
 std::vector<Row> Table(std::string_view text) {
   std::vector<Row> rows;
-  for (std::string_view line : Lines(text)) rows.push_back(Columns(line));
+  for (std::string_view line : Lines(text)) rows.push_back(Split(line, '\t'));
   return rows;
 }
 

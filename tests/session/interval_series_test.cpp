@@ -220,22 +220,22 @@ TEST_F(IntervalSeriesTest, AnUnbuiltSessionHasNoRows) {
 }
 
 TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
-  IntervalSeriesRow row;
-  row.interval = 7;
-  row.start = "2013-09-02 00:00:00";
-  row.documents = 12;
-  row.documentsWithLinks = 3;
-  row.novelty = 0.25f;
-  row.homogeneity = 0.1f;
-  row.linkRatio = 0.25f;
-  row.positiveMean = 1.5f;
-  row.positiveMode = 1;
-  row.positiveMedian = 2;
-  row.negativeMean = std::numeric_limits<float>::quiet_NaN();
-  row.negativeMode = 3;
-  row.negativeMedian = 4;
-  row.bursts = {{"storm", std::numeric_limits<float>::infinity()}, {"a,b", 2.0f}};
-  row.events = "|Line\nbreak";
+  const IntervalSeriesRow row = {7,
+                                 "2013-09-02 00:00:00",
+                                 12,
+                                 3,
+                                 0.25f,
+                                 0.1f,
+                                 0.9f,
+                                 0.25f,
+                                 1.5f,
+                                 1,
+                                 2,
+                                 std::numeric_limits<float>::quiet_NaN(),
+                                 3,
+                                 4,
+                                 {{"storm", std::numeric_limits<float>::infinity()}, {"a,b", 2.0f}},
+                                 "|Line\nbreak"};
   std::ostringstream out;
   WriteIntervalSeriesCsv(out, {row});
   EXPECT_EQ(out.str(),
@@ -262,7 +262,6 @@ TEST(IntervalSeriesCsv, FieldsAreQuotedOnlyWhenNeeded) {
 TEST(IntervalSeriesCsv, FileWrittenAndFailureReported) {
   TempDir dir;
   IntervalSeriesRow row;
-  row.interval = 1;
   row.start = "2013-09-02 00:00:00";
   const std::string path = (dir.Path() / "series.csv").string();
   std::string error;
