@@ -220,6 +220,8 @@ TEST_F(IntervalSeriesTest, AnUnbuiltSessionHasNoRows) {
 }
 
 TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
+  constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+  constexpr float kInf = std::numeric_limits<float>::infinity();
   const IntervalSeriesRow row = {7,
                                  "2013-09-02 00:00:00",
                                  12,
@@ -227,14 +229,14 @@ TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
                                  0.25f,
                                  0.1f,
                                  0.9f,
-                                 0.25f,
+                                 0.25f,  //
                                  1.5f,
                                  1,
                                  2,
-                                 std::numeric_limits<float>::quiet_NaN(),
+                                 kNaN,
                                  3,
                                  4,
-                                 {{"storm", std::numeric_limits<float>::infinity()}, {"a,b", 2.0f}},
+                                 {{"storm", kInf}, {"a,b", 2.0f}},  //
                                  "|Line\nbreak"};
   std::ostringstream out;
   WriteIntervalSeriesCsv(out, {row});

@@ -39,10 +39,15 @@ std::vector<StreamDoc> FourIntervals() {
           {20, "aa"},   {21, "dd"}, {30, "aa bb"}, {31, "aa bb"}};
 }
 
-TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
+// The four intervals above, built, with their terms' numbers.
+class FourIntervalsTest : public ::testing::Test {
+ protected:
   StreamCorpus c = Built(FourIntervals());
   TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa"), bb = c.Term("bb"), cc = c.Term("cc");
+  const std::int32_t aa = c.Term("aa"), bb = c.Term("bb"), cc = c.Term("cc"), dd = c.Term("dd");
+};
+
+TEST_F(FourIntervalsTest, RatioBurstComparesTheIntervalWithTheCorpus) {
   // f / (df / N) x ln(100 f + 1)
   EXPECT_FLOAT_EQ(s.RatioBurstScore(aa, 1), static_cast<float>(1.0 / (6.0 / 8) * std::log(101.0)));
   EXPECT_FLOAT_EQ(s.RatioBurstScore(bb, 1), static_cast<float>(0.5 / (3.0 / 8) * std::log(51.0)));
@@ -50,10 +55,7 @@ TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
   EXPECT_FLOAT_EQ(s.RatioBurstScore(cc, 1), 0.0f);
 }
 
-TEST(BurstScores, TemporalRatioComparesWithThePreviousInterval) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa"), bb = c.Term("bb"), cc = c.Term("cc");
+TEST_F(FourIntervalsTest, TemporalRatioComparesWithThePreviousInterval) {
   for (const std::int32_t t : {aa, bb, cc}) {
     EXPECT_EQ(s.TemporalRatioBurstScore(t, 1), s.RatioBurstScore(t, 1)) << t;
     EXPECT_EQ(s.TemporalRatioBurstScore(t, 0), 0.0f);
@@ -71,15 +73,11 @@ TEST(BurstScores, TemporalRatioComparesWithThePreviousInterval) {
   EXPECT_EQ(s.TemporalRatioBurstScore(bb, 2), 0.0f);
 }
 
-TEST(BurstScores, ZScoreUsesThePopulationDeviationOverAllIntervals) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
+TEST_F(FourIntervalsTest, ZScoreUsesThePopulationDeviationOverAllIntervals) {
   // aa: 1, .5, .5, 1: mean .75, deviation .25.
-  const std::int32_t aa = c.Term("aa");
   EXPECT_FLOAT_EQ(s.TermIntervalZScore(aa, 1), 1.0f);
   EXPECT_FLOAT_EQ(s.TermIntervalZScore(aa, 2), -1.0f);
   // dd: 0, 0, .5, 0: mean .125, deviation sqrt((3 x .015625 + .140625) / 4) = .2165...
-  const std::int32_t dd = c.Term("dd");
   const double m = 0.125, sd = std::sqrt((3 * m * m + (0.5 - m) * (0.5 - m)) / 4);
   EXPECT_NEAR(s.TermIntervalZScore(dd, 3), (0.5 - m) / sd, 1e-5);
   // Absent in the interval: -m / s.
@@ -92,17 +90,13 @@ TEST(BurstScores, ZScoreUsesThePopulationDeviationOverAllIntervals) {
 TEST(BurstScores, ZScoreOfAnEvenTermIsNotANumberOrInfinite) {
   StreamCorpus c = Built({{0, "aa"}, {10, "aa"}, {20, "aa"}});
   TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa");
-  EXPECT_TRUE(std::isnan(s.TermIntervalZScore(aa, 2)));  // (1 - 1) / 0
-  const float outside = s.TermIntervalZScore(aa, 0);     // (0 - 1) / 0
+  EXPECT_TRUE(std::isnan(s.TermIntervalZScore(1, 2)));  // (1 - 1) / 0
+  const float outside = s.TermIntervalZScore(1, 0);     // (0 - 1) / 0
   EXPECT_TRUE(std::isinf(outside));
   EXPECT_LT(outside, 0.0f);
 }
 
-TEST(BurstScores, ZScoreStatisticsAreCachedUntilTheNextBuild) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa");
+TEST_F(FourIntervalsTest, ZScoreStatisticsAreCachedUntilTheNextBuild) {
   EXPECT_FLOAT_EQ(s.TermIntervalZScore(aa, 1), 1.0f);
   // Changing a cell changes f but not the cached mean and deviation.
   s.TIFM().SetValue(aa, 2, 1.0f);
@@ -112,9 +106,7 @@ TEST(BurstScores, ZScoreStatisticsAreCachedUntilTheNextBuild) {
   EXPECT_TRUE(std::isnan(s.TermIntervalZScore(aa, 1)));
 }
 
-TEST(BurstScores, IntervalBurstScoresListsEveryTerm) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
+TEST_F(FourIntervalsTest, IntervalBurstScoresListsEveryTerm) {
   const std::int32_t terms = c.index->TermCount();
   for (std::int32_t measure = 0; measure <= 2; ++measure) {
     const std::vector<float> scores = s.IntervalBurstScores(3, measure);
