@@ -27,17 +27,13 @@ ClusterMap SmallMap(const TempDir& dir) {
   return map;
 }
 
-TEST(MapExportTest, NodeTableHasOneRowPerNodeWithQuotedLabels) {
+TEST(MapExportTest, TablesHaveOneRowPerNodeOrEdgeWithQuotedLabels) {
   TempDir dir;
   EXPECT_EQ(MapNodeTable(SmallMap(dir)),
             "index,label,x,y,weight,degree\r\n"
             "0,storm,1.5,2,12.5,1\r\n"
             "1,\"say \"\"hi\"\", <b>&\",-0.25,0.001,0.1,1\r\n"
             "2,\"wind\nrain\",4,0.003,3,0\r\n");
-}
-
-TEST(MapExportTest, EdgeTableNamesBothEnds) {
-  TempDir dir;
   EXPECT_EQ(MapEdgeTable(SmallMap(dir)),
             "from,to,from_label,to_label,length\r\n"
             "0,1,storm,\"say \"\"hi\"\", <b>&\",0.33333\r\n");
