@@ -187,22 +187,20 @@ TEST(LoadTDM, ReadsWhatTheFileAndTheAssignmentShare) {
   }
 }
 
-TEST(LoadTDM, AMissingVersionRaisesError5000) {
+// A missing version, or an index that already has terms, raises error 5000 and leaves the
+// index as it was.
+TEST(LoadTDM, AMissingVersionOrAnIndexWithTermsRaisesError5000) {
   testing::TempDir dir;
-  TermDocumentMatrix index = EmptyIndex(dir, 2);
-  index.SetVersion(3);
+  TermDocumentMatrix empty = EmptyIndex(dir, 2);
+  empty.SetVersion(3);
   try {
-    index.LoadTDM(false);
+    empty.LoadTDM(false);
     FAIL() << "no error";
   } catch (const TdmVersionError& error) {
     EXPECT_EQ(error.Number(), 5000);
     EXPECT_EQ(error.Path(), Path(dir, "tweets_3.tdm"));
   }
-  EXPECT_EQ(index.TermCount(), 0);
-}
-
-TEST(LoadTDM, AnIndexWithTermsRaisesError5000AndStaysAsItWas) {
-  testing::TempDir dir;
+  EXPECT_EQ(empty.TermCount(), 0);
   TermDocumentMatrix index = BuiltIndex(dir);
   ASSERT_TRUE(index.SaveTDM(0, false, false, false));
   EXPECT_THROW(index.LoadTDM(false), TdmVersionError);
