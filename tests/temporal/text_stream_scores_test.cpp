@@ -146,15 +146,6 @@ TEST(Novelty, IsOneMinusTheMeanSimilarityToTheWindow) {
   EXPECT_EQ(s.IntervalNoveltyScore(4, 0), 0.0f);
 }
 
-TEST(Novelty, RepeatedProfilesAreNotNovelAndNewOnesAre) {
-  StreamCorpus c = Built({{0, "aa bb"}, {10, "aa bb"}, {20, "aa bb"}, {30, "cc"}});
-  TextStream& s = *c.stream;
-  s.BuildIntervalSimilarityModel(9999);
-  EXPECT_NEAR(s.IntervalNoveltyScore(3, 2), 0.0f, 1e-6);  // float cosines of equal vectors
-  EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 3), 1.0f);
-  EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 1), 1.0f);
-}
-
 TEST(Homogeneity, IsTheMeanCosineOfTheSampledPairs) {
   // Interval 1: "aa bb", "aa", "cc": cos(1,2) = 1/sqrt2, cos(1,3) = 0, cos(2,3) = 0.
   StreamCorpus c = Built({{0, "aa bb"}, {1, "aa"}, {2, "cc"}, {10, "aa"}, {11, "aa"}, {20, "aa"}});
