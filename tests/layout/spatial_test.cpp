@@ -24,10 +24,7 @@ TEST(SetGraphFromDotTest, ReadsEdgeLinesBetweenTheHeadersAndTheBrace) {
   Spatial spatial;
   ASSERT_TRUE(spatial.SetGraphFromDot(
       Dot("\t1 -- 2 [len=0.25000];\r\n\t2 -- 3 [len=0.50000];\r\n\t2 -- 4 [len=1.00000];\r\n"), 1));
-  ASSERT_EQ(spatial.EdgeCount(), 3);
-  EXPECT_EQ(spatial.Edge(0), (EdgeRecord{0.25f, 0, 1}));
-  EXPECT_EQ(spatial.Edge(1), (EdgeRecord{0.5f, 1, 2}));
-  EXPECT_EQ(spatial.Edge(2), (EdgeRecord{1.0f, 1, 3}));
+  EXPECT_EQ(spatial.Edges(), (std::vector<EdgeRecord>{{0.25f, 0, 1}, {0.5f, 1, 2}, {1.0f, 1, 3}}));
   EXPECT_EQ(spatial.Edge(3), EdgeRecord{});
   EXPECT_EQ(spatial.NodeDegree(0), 1);  // a leaf
   EXPECT_EQ(spatial.NodeDegree(1), 3);
@@ -103,10 +100,7 @@ TEST_F(LoadGVPlainTest, ReadsScaleAndNodePositions) {
   EXPECT_EQ(spatial_.NodeCount(), 2);
   EXPECT_FLOAT_EQ(spatial_.ScaleX(), 3.5f);
   EXPECT_FLOAT_EQ(spatial_.ScaleY(), 2.25f);
-  EXPECT_FLOAT_EQ(spatial_.X(0), 0.5f);
-  EXPECT_FLOAT_EQ(spatial_.Y(0), 2.0f);
-  EXPECT_FLOAT_EQ(spatial_.X(1), 1.5f);
-  EXPECT_FLOAT_EQ(spatial_.Y(1), 0.75f);
+  EXPECT_EQ(spatial_.Copy2Clip(), "0.5\t2\r\n1.5\t0.75\r\n");  // every node's x and y
   EXPECT_EQ(spatial_.X(2), 0.0f);
   EXPECT_EQ(spatial_.Y(-1), 0.0f);
 }
@@ -178,22 +172,17 @@ TEST(SpatialExtremesTest, StartAtPlusAndMinusOneHundred) {
   TempDir dir;
   Spatial spatial;
   std::string error;
-  EXPECT_EQ(spatial.MinX(), 100.0f);
-  EXPECT_EQ(spatial.MaxX(), -100.0f);
-  EXPECT_EQ(spatial.MinY(), 100.0f);
-  EXPECT_EQ(spatial.MaxY(), -100.0f);
+  const auto extremes = [&] {
+    return std::vector<float>{spatial.MinX(), spatial.MaxX(), spatial.MinY(), spatial.MaxY()};
+  };
+  EXPECT_EQ(extremes(), (std::vector<float>{100, -100, 100, -100}));
   ASSERT_TRUE(spatial.LoadGVPlain(
       dir.WriteFile("a", "graph 1 900 900\nnode 1 150 -150\nnode 2 300 -120\n"), 1, 2, error));
-  EXPECT_EQ(spatial.MinX(), 100.0f);  // every x is above 100
-  EXPECT_EQ(spatial.MaxX(), 300.0f);
-  EXPECT_EQ(spatial.MinY(), -150.0f);
-  EXPECT_EQ(spatial.MaxY(), -100.0f);  // every y is below -100
+  // Every x is above 100 and every y below -100: the starting values stay.
+  EXPECT_EQ(extremes(), (std::vector<float>{100, 300, -150, -100}));
   ASSERT_TRUE(spatial.LoadGVPlain(dir.WriteFile("b", "graph 1 9 9\nnode 1 1 2\nnode 2 3 -4\n"), 1,
                                   2, error));
-  EXPECT_EQ(spatial.MinX(), 1.0f);
-  EXPECT_EQ(spatial.MaxX(), 3.0f);
-  EXPECT_EQ(spatial.MinY(), -4.0f);
-  EXPECT_EQ(spatial.MaxY(), 2.0f);
+  EXPECT_EQ(extremes(), (std::vector<float>{1, 3, -4, 2}));
 }
 
 TEST(SpatialTextTest, Copy2ClipHasOneLinePerNode) {
