@@ -9,7 +9,6 @@
 namespace sylvora {
 namespace {
 
-using testing::ReadFile;
 using testing::TempDir;
 
 // Three nodes: 0 and 1 linked, 2 alone on the bottom edge.
@@ -66,17 +65,6 @@ TEST(MapExportTest, MissingLabelsAndWeightsAreEmptyAndZero) {
   EXPECT_EQ(MapNodeTable(map),
             "index,label,x,y,weight,degree\r\n0,,1.5,2,12.5,1\r\n1,,-0.25,0.001,0,1\r\n"
             "2,,4,0.003,0,0\r\n");
-}
-
-TEST(MapExportTest, WritesThreeFilesBesideThePrefix) {
-  TempDir dir;
-  const ClusterMap map = SmallMap(dir);
-  std::string error;
-  const std::string prefix = (dir.Path() / "map").string();
-  ASSERT_TRUE(WriteMapFiles(map, prefix, error)) << error;
-  EXPECT_EQ(ReadFile(prefix + "_nodes.csv"), MapNodeTable(map));
-  EXPECT_EQ(ReadFile(prefix + "_edges.csv"), MapEdgeTable(map));
-  EXPECT_EQ(ReadFile(prefix + ".graphml"), MapGraphMl(map));
 }
 
 }  // namespace
