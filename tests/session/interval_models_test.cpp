@@ -125,16 +125,8 @@ TEST_F(IntervalModels, LengthsThatAreNoPositiveNumberAreRefused) {
   EXPECT_NE(Build("4", fortnights).error.find("fortnight"), std::string::npos);
 }
 
-TEST_F(IntervalModels, ALengthGivingFewerThanTwoIntervalsStops) {
-  std::vector<Tweet> tweets = {{0, "storm"}, {10, "storm"}, {47, "storm"}};
-  Prepare(tweets);
-  const ModelReport report = Build("24");  // 47 / 24 < 2
-  EXPECT_FALSE(report.built);
-  ASSERT_EQ(Messages().size(), 1u);
-  EXPECT_FALSE(Messages()[0].question);
-  EXPECT_FALSE(session_.ModelsBuilt());
-}
-
+// A length giving fewer than two intervals is refused through the command line
+// (cli/timeline_command_test.cpp).
 TEST_F(IntervalModels, FewIntervalsAskFirstAndCancelKeepsTheOldModels) {
   Prepare(EveryTwoHours());
   ASSERT_TRUE(Build("4").built);
