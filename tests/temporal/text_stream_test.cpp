@@ -174,7 +174,7 @@ TEST(TextStreamFailures, AnUnboundStreamAnswersNothing) {
 TEST(TextStreamFailures, AccessorsRefuseIntervalsOutOfRange) {
   StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10}));
   ASSERT_TRUE(Build(c, 10));
-  const TextStream& s = *c.stream;
+  const TextStream& s = *c.stream;  // built; the unbound stream is the test above
   EXPECT_EQ(s.IntervalDocCount(0), 0);
   EXPECT_EQ(s.IntervalDocCount(-3), 0);
   EXPECT_THROW(s.IntervalDocCount(3), RangeError);
