@@ -31,9 +31,7 @@ TEST(BuildTDM, ReleasesTheTextOnlyWhenItPrunes) {
 
 TEST(BuildTDM, NeedsAVocabulary) {
   const DocumentSet corpus = testing::TextCorpus({"cat"});
-  TermDocumentMatrix index;
-  DocIndex count = 1;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   EXPECT_FALSE(index.BuildTDM(1, 1));
   EXPECT_EQ(index.TermCount(), 0);
 }
@@ -45,9 +43,7 @@ TEST(BuildTDM, ALinkIndexPutsItsSchemeBackOnEveryTerm) {
     const DocumentSet corpus =
         testing::TextCorpus({"https://t.co/a", "http://t.co/a http://ex.org/b", "https://ex.org/b",
                              "http://plain.io/c", pruned ? "http://plain.io/c" : ""});
-    TermDocumentMatrix index;
-    DocIndex count = 5;
-    index.AssignText(corpus, count, true);
+    TermDocumentMatrix index = testing::Assigned(corpus, true);
     index.Preprocess(true, false, 3, "", false);
     index.BuildVocab(0, 999);
     ASSERT_TRUE(index.BuildTDM(pruned ? 2 : 3, 3));  // unpruned: nothing has DF 3

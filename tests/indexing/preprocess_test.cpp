@@ -50,9 +50,7 @@ TEST(Preprocess, TurnsTextIntoCleanTokens) {
   };
   for (const PreprocessCase& c : cases) {
     const DocumentSet corpus = testing::TextCorpus({c.text});
-    TermDocumentMatrix index;
-    DocIndex count = 1;
-    ASSERT_TRUE(index.AssignText(corpus, count, false));
+    TermDocumentMatrix index = testing::Assigned(corpus);
     ASSERT_TRUE(index.Preprocess(c.tokeniseOnly, c.keepAbbrevs, c.minLen, stop, c.porter));
     EXPECT_EQ(index.Text(1), c.expected) << c.what;
     EXPECT_EQ(index.IsStemmed(), c.porter) << c.what;
@@ -84,11 +82,6 @@ TEST(AssignText, LowersTooLargeADocumentCountForTheCaller) {
   EXPECT_EQ(count, 3);
   EXPECT_EQ(index.DocCount(), 3);
 
-  TermDocumentMatrix part;
-  DocIndex two = 2;
-  part.AssignText(corpus, two, false);
-  EXPECT_EQ(testing::Texts(part), (Strings{"one", "two"}));
-
   TermDocumentMatrix none;
   DocIndex negative = -4;
   none.AssignText(corpus, negative, false);
@@ -116,9 +109,7 @@ TEST(AssignText, ALinkIndexLosesEverySchemePrefix) {
   const DocumentSet corpus =
       testing::TextCorpus({"http://t.co/a https://example.org/b", "see https://x.io/https://y",
                            "no link", "htthttp://ps://z"});
-  TermDocumentMatrix index;
-  DocIndex count = 4;
-  index.AssignText(corpus, count, true);
+  TermDocumentMatrix index = testing::Assigned(corpus, true);
   EXPECT_TRUE(index.IsURLIndex());
   EXPECT_EQ(testing::Texts(index), (Strings{"t.co/a example.org/b", "see x.io/y", "no link", "z"}));
 }
@@ -127,9 +118,7 @@ TEST(AssignText, BasePathIsTheCorpusPathUpToItsFirstDot) {
   testing::TempDir dir;
   std::filesystem::create_directory(dir.Path() / "data.old");
   const DocumentSet corpus = testing::TextCorpusFile(dir, "data.old/tweets.txt", {"text", "more"});
-  TermDocumentMatrix index;
-  DocIndex count = 1;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   EXPECT_EQ(index.BasePath(), (dir.Path() / "data").string());
   EXPECT_EQ(index.FilePath(), (dir.Path() / "data_0.tdm").string());
 }
@@ -138,9 +127,7 @@ TEST(AssignText, APathWithoutADotGetsTemp) {
   DocumentSet corpus;
   corpus.SetDocuments({{"", "", "text", "", "", ""}}, 7, 1);
   ASSERT_EQ(corpus.FilePath().find('.'), std::string::npos) << corpus.FilePath();
-  TermDocumentMatrix index;
-  DocIndex count = 1;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   EXPECT_EQ(index.BasePath(), "/temp");
   EXPECT_EQ(index.Version(), 0);
 }
@@ -154,9 +141,7 @@ TEST(Preprocess, WithoutTextOnlyMarksStemming) {
 
 TEST(Preprocess, AMissingStopListIsAnErrorAndTheTextStaysUnprocessed) {
   const DocumentSet corpus = testing::TextCorpus({"The Storm, again!"});
-  TermDocumentMatrix index;
-  DocIndex count = 1;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   EXPECT_THROW(index.Preprocess(false, true, 3, "/no/such/stop/list.txt", true), StopListError);
   EXPECT_EQ(index.Text(1), "The Storm, again!");
   EXPECT_FALSE(index.IsStemmed());
@@ -169,9 +154,7 @@ TEST(Preprocess, LoadsTheStopListOnceWithTheFirstMinimumLength) {
   testing::TempDir dir;
   const std::string stop = testing::WriteStopList(dir, {"to", "the"});
   const DocumentSet corpus = testing::TextCorpus({"to the sea"});
-  TermDocumentMatrix index;
-  DocIndex count = 1;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   index.Preprocess(false, false, 2, stop, false);
   EXPECT_EQ(index.StopWordCount(), 2);
   EXPECT_EQ(index.Text(1), "sea");
@@ -184,9 +167,7 @@ TEST(Preprocess, LoadsTheStopListOnceWithTheFirstMinimumLength) {
 TEST(Preprocess, ACancelLeavesTheTextAsItWas) {
   std::vector<std::string> texts(10000, "Some Words Here");
   const DocumentSet corpus = testing::TextCorpus(texts);
-  TermDocumentMatrix index;
-  DocIndex count = corpus.DocumentCount();
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   int calls = 0;
   const ProgressCallback cancel = [&](std::string_view, std::int64_t, std::int64_t) {
     ++calls;

@@ -17,9 +17,7 @@ const Strings kTexts = {"aa bb bb", "aa cc", "cc dd", "aa"};
 // An index over kTexts whose corpus lies in `dir` as "tweets.txt" (so files are tweets_N.tdm).
 TermDocumentMatrix BuiltIndex(const testing::TempDir& dir) {
   const DocumentSet corpus = testing::TextCorpusFile(dir, "tweets.txt", kTexts);
-  TermDocumentMatrix index;
-  DocIndex count = corpus.DocumentCount();
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   index.Preprocess(true, false, 3, "", false);
   index.BuildVocab(0, 999);
   index.BuildTDM(1, 4);

@@ -75,9 +75,7 @@ TEST(BuildVocab, NoTokensGiveThePlaceholderFoo) {
 
 TEST(BuildVocab, AnotherGramLengthBuildsOnlyThePlaceholder) {
   const DocumentSet corpus = testing::TextCorpus({"cat foo dog", "foo foo"});
-  TermDocumentMatrix index;
-  DocIndex count = 2;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   ASSERT_TRUE(index.BuildVocab(3, 999));
   EXPECT_EQ(testing::Terms(index), Strings{"foo"});
   // The placeholder is matched like any term when the text holds it.
@@ -88,9 +86,7 @@ TEST(BuildVocab, AnotherGramLengthBuildsOnlyThePlaceholder) {
 
 TEST(BuildVocab, CalledAgainStartsOver) {
   const DocumentSet corpus = testing::TextCorpus({"cat dog", "dog eel"});
-  TermDocumentMatrix index;
-  DocIndex count = 2;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   index.BuildVocab(0, 999);
   index.BuildVocab(0, 0);  // one slot per bucket
   EXPECT_EQ(testing::Terms(index), (Strings{"cat", "dog", "eel"}));
@@ -102,9 +98,7 @@ TEST(TermIndex, FindsTermsAndStemsTheQueryOfAStemmedIndex) {
   testing::TempDir dir;
   const std::string stop = testing::WriteStopList(dir, {"the"});
   const DocumentSet corpus = testing::TextCorpus({"The flooding continues", "flooded roads"});
-  TermDocumentMatrix index;
-  DocIndex count = 2;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   index.Preprocess(false, true, 3, stop, true);
   index.BuildVocab(0, 999);
   ASSERT_EQ(testing::Terms(index), (Strings{"continu", "flood", "road"}));
