@@ -13,20 +13,13 @@
 namespace sylvora {
 namespace {
 
+using testing::Built;
 using testing::kElapsedField;
 using testing::kNegField;
 using testing::kPosField;
 using testing::MakeStreamCorpus;
 using testing::StreamCorpus;
 using testing::StreamDoc;
-
-StreamCorpus Built(const std::vector<StreamDoc>& docs, std::int32_t length = 10) {
-  StreamCorpus c = MakeStreamCorpus(docs);
-  if (!c.stream->BuildTermIntervalFrequencyModel(kElapsedField, length)) {
-    throw std::runtime_error("test model not built");
-  }
-  return c;
-}
 
 // Eight documents in four intervals of two:
 //   1: "aa bb", "aa"     aa 1.0, bb 0.5

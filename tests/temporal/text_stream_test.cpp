@@ -56,8 +56,7 @@ TEST(TextStreamIntervals, AgreeWithACountOverTheDocuments) {
                              ? text.substr(std::min<std::size_t>(3, text.size())) + " zz"
                              : text});
     }
-    StreamCorpus c = MakeStreamCorpus(docs);
-    ASSERT_TRUE(Build(c, length));
+    StreamCorpus c = testing::Built(docs, length);
     const TextStream& s = *c.stream;
     const std::int64_t base = docs.front().time;
     const auto count = static_cast<std::int32_t>((docs.back().time - base) / length + 1);
@@ -172,8 +171,7 @@ TEST(TextStreamFailures, AnUnboundStreamAnswersNothing) {
 }
 
 TEST(TextStreamFailures, AccessorsRefuseIntervalsOutOfRange) {
-  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10}));
-  ASSERT_TRUE(Build(c, 10));
+  StreamCorpus c = testing::Built(AtTimes({0, 10}), 10);
   const TextStream& s = *c.stream;  // built; the unbound stream is the test above
   EXPECT_EQ(s.IntervalDocCount(0), 0);
   EXPECT_EQ(s.IntervalDocCount(-3), 0);
@@ -188,8 +186,7 @@ TEST(TextStreamFailures, AccessorsRefuseIntervalsOutOfRange) {
 TEST(TextStreamFailures, AnUnsortedCorpusIsCountedWhereTheRowsFall) {
   // Row 1 (value 2) lies below interval 2's bounds: counted in interval 2. Row 3 (value 99)
   // lies past the last interval: counted in the last one.
-  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 15, 2, 99, 25}));
-  ASSERT_TRUE(Build(c, 10));
+  StreamCorpus c = testing::Built(AtTimes({0, 15, 2, 99, 25}), 10);
   const TextStream& s = *c.stream;
   ASSERT_EQ(s.IntervalCount(), 3);
   EXPECT_EQ(s.IntervalDocCount(1), 1);
@@ -219,8 +216,8 @@ TEST(TextStreamFailures, ACancelEmptiesTheModel) {
 }
 
 TEST(TextStreamTerms, FirstAndLastIntervalsOfATerm) {
-  StreamCorpus c = MakeStreamCorpus({{0, "aa"}, {10, "bb"}, {20, "aa bb"}, {30, "cc"}, {40, "cc"}});
-  ASSERT_TRUE(Build(c, 10));
+  StreamCorpus c =
+      testing::Built({{0, "aa"}, {10, "bb"}, {20, "aa bb"}, {30, "cc"}, {40, "cc"}}, 10);
   const TextStream& s = *c.stream;
   for (const auto& [term, first, last] :
        {std::tuple{"aa", 1, 3}, std::tuple{"bb", 2, 3}, std::tuple{"cc", 4, 5}}) {
@@ -240,8 +237,7 @@ TEST(TextStreamTerms, FirstAndLastIntervalsOfATerm) {
 }
 
 TEST(TextStreamDates, IntervalBoundsFollowEachOther) {
-  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 30, 100}));
-  ASSERT_TRUE(Build(c, 24));
+  StreamCorpus c = testing::Built(AtTimes({0, 30, 100}), 24);
   const TextStream& s = *c.stream;
   const auto first = s.IntervalDateTimeBounds(1, "h");
   EXPECT_EQ(first[0], "2013-09-02 00:00:00");
@@ -262,8 +258,7 @@ TEST(TextStreamDates, QuotesAroundTheFirstDateAreIgnored) {
 
 TEST(TextStreamDates, IntervalOfADateTimeIsTheOneWhoseSpanHoldsIt) {
   // Intervals of 4 hours from 2013-09-02 00:00: interval 1 holds 00:00 to 03:59.
-  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 100}));
-  ASSERT_TRUE(Build(c, 4));
+  StreamCorpus c = testing::Built(AtTimes({0, 100}), 4);
   const TextStream& s = *c.stream;
   struct Case {
     const char* when;
@@ -282,9 +277,8 @@ TEST(TextStreamDates, IntervalOfADateTimeIsTheOneWhoseSpanHoldsIt) {
 }
 
 TEST(TextStreamSimilarity, NMIsSymmetricWithOnesOnTheDiagonal) {
-  StreamCorpus c = MakeStreamCorpus(
-      {{0, "aa bb"}, {1, "aa"}, {10, "aa bb"}, {11, "aa"}, {20, "cc dd"}, {30, "aa cc"}});
-  ASSERT_TRUE(Build(c, 10));
+  StreamCorpus c = testing::Built(
+      {{0, "aa bb"}, {1, "aa"}, {10, "aa bb"}, {11, "aa"}, {20, "cc dd"}, {30, "aa cc"}}, 10);
   c.stream->BuildIntervalSimilarityModel(9999);
   const SparseMatrixSingle& nm = c.stream->NM();
   ASSERT_EQ(nm.ColCount(), 4);
@@ -303,8 +297,7 @@ TEST(TextStreamSimilarity, NMIsSymmetricWithOnesOnTheDiagonal) {
 TEST(TextStreamSimilarity, TruncationKeepsTheStrongestTermsOfEachInterval) {
   // With one term per interval kept, interval 1 keeps "aa" (1.0) and interval 2 keeps "bb"
   // (1.0): they no longer share anything.
-  StreamCorpus c = MakeStreamCorpus({{0, "aa bb"}, {1, "aa"}, {10, "aa bb"}, {11, "bb"}});
-  ASSERT_TRUE(Build(c, 10));
+  StreamCorpus c = testing::Built({{0, "aa bb"}, {1, "aa"}, {10, "aa bb"}, {11, "bb"}}, 10);
   c.stream->BuildIntervalSimilarityModel(0);
   EXPECT_GT(c.stream->NM().Value(2, 1), 0.5f);
   c.stream->BuildIntervalSimilarityModel(1);
@@ -315,8 +308,7 @@ TEST(TextStreamSimilarity, TruncationKeepsTheStrongestTermsOfEachInterval) {
 }
 
 TEST(TextStreamEvents, DescriptionsAreAppendedAfterABar) {
-  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 10, 20}));
-  ASSERT_TRUE(Build(c, 10));
+  StreamCorpus c = testing::Built(AtTimes({0, 10, 20}), 10);
   TextStream& s = *c.stream;
   EXPECT_EQ(s.Events(2), "");
   s.SetEvents(2, "A");
