@@ -1,5 +1,6 @@
 // The load workflow over JSON and CSV exports: the three sample files give one document set,
-// detection and preview for a mapping dialog, and failures that leave nothing behind.
+// detection, and failures that leave nothing behind. The preview for the mapping dialog is
+// checked through the dialog (app/import_workflow_test.cpp).
 
 #include <gtest/gtest.h>
 
@@ -94,37 +95,6 @@ TEST(ImportLoad, DetectionSaysWhichShapeItFound) {
   EXPECT_FALSE(DetectCorpusShape(dir.WriteFile("x.json", "{\"a\":1}\n"), false, error));
   EXPECT_NE(error.find("unknown shape"), std::string::npos) << error;
   EXPECT_FALSE(DetectCorpusShape((dir.Path() / "none").string(), false, error));
-}
-
-TEST(ImportLoad, PreviewShowsHeaderRawRowsMappingAndFirstDocuments) {
-  TempDir dir;
-  LoadOptions options;
-  options.path = dir.WriteFile("posts.csv",
-                               "posted,who,body,link\n"
-                               "2013-09-09T10:00:00Z,ann,\"hello, world\",http://a.example/1\n"
-                               "2013-09-09T11:00:00Z,bob,second,\n"
-                               "2013-09-09T12:00:00Z,cy,third,\n");
-  ImportPreview preview = PreviewCorpus(options, 2);
-  // Without a mapping the date column is not found: the dialog shows why.
-  EXPECT_TRUE(preview.shapeKnown);
-  EXPECT_EQ(preview.outcome, DetectionOutcome::kError);
-  EXPECT_NE(preview.error.find("no column for the date-time role"), std::string::npos);
-  EXPECT_EQ(preview.detection.header, (std::vector<std::string>{"posted", "who", "body", "link"}));
-  ASSERT_EQ(preview.rawRows.size(), 2u);
-  EXPECT_EQ(preview.rawRows[0][2], "hello, world");
-  EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kText)], 2);
-  EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kDateTime)], -1);
-
-  options.columnMap = {{"date", "posted"}, {"user", "who"}};
-  preview = PreviewCorpus(options, 2);
-  EXPECT_EQ(preview.outcome, DetectionOutcome::kImport) << preview.error;
-  EXPECT_EQ(preview.csvColumns[static_cast<int>(CsvRole::kDateTime)], 0);
-  ASSERT_EQ(preview.documents.size(), 2u);
-  EXPECT_EQ(preview.documents[0], (std::vector<std::string>{"Mon Sep 09 10:00:00 +0000 2013", "ann",
-                                                            "hello, world", "http://a.example/1"}));
-
-  options.path = Sample("sample_twitter11.txt");
-  EXPECT_EQ(PreviewCorpus(options).outcome, DetectionOutcome::kTabSeparated);
 }
 
 TEST(ImportLoad, FailedImportReportsAndLeavesNothingLoaded) {
