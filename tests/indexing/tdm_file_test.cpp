@@ -50,11 +50,7 @@ TEST(SaveTDM, WritesAHeaderAndOneLineOfWeightsPerTerm) {
             "bb\t2\t0\t0\t0\r\n"
             "cc\t0\t1\t1\t0\r\n"
             "dd\t0\t0\t1\t0\r\n");
-}
-
-TEST(SaveTDM, WritesWeightsInTheGeneralNumberForm) {
-  testing::TempDir dir;
-  TermDocumentMatrix index = BuiltIndex(dir);
+  // Weights in the general number form.
   ASSERT_TRUE(index.SaveTDM(1, true, false, false));
   const std::string text = testing::ReadFile(index.FilePath());
   // aa is in 3 of 4 documents: ln(4/3) = 0.287682072451781, halved in document 1 where bb

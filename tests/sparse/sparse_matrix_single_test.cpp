@@ -119,20 +119,15 @@ TEST(SparseMatrixSingleGetSimilarity, SameColumnAndEmptyColumns) {
   EXPECT_EQ(m.GetSimilarity(2, 2, 2), 1.0f);   // even an empty column
   EXPECT_EQ(m.GetSimilarity(1, 2, 2), -1.0f);  // second column has magnitude 0
   EXPECT_EQ(m.GetSimilarity(2, 1, 2), 0.0f);   // first column empty: dot 0
-}
-
-TEST(SparseMatrixSingleGetSimilarity, RowsPastRowCountTakeNoPart) {
-  SparseMatrixSingle m = FromCells(2, 2, {{{1, 1}, 1}, {{1, 2}, 1}});
-  m.SetValue(5, 1, 4.0f);
-  m.SetValue(5, 2, 4.0f);
-  EXPECT_EQ(m.GetSimilarity(1, 2, 1), 1.0f);
-}
-
-TEST(SparseMatrixSingleGetSimilarityVector, EmptyForAnEmptyOrMissingColumn) {
-  const SparseMatrixSingle m = FromCells(3, 2, {{{1, 1}, 1}});
-  EXPECT_EQ(m.GetSimilarityVector(2, m, 2).NZElementCount(), 0);
-  EXPECT_EQ(m.GetSimilarityVector(0, m, 2).NZElementCount(), 0);
-  EXPECT_EQ(m.GetSimilarityVector(3, m, 2).NZElementCount(), 0);
+  // The cosine vector of an empty or missing column is empty.
+  for (const std::int32_t column : {2, 0, 4}) {
+    EXPECT_EQ(m.GetSimilarityVector(column, m, 2).NZElementCount(), 0) << column;
+  }
+  // Rows past RowCount take no part.
+  SparseMatrixSingle past = FromCells(2, 2, {{{1, 1}, 1}, {{1, 2}, 1}});
+  past.SetValue(5, 1, 4.0f);
+  past.SetValue(5, 2, 4.0f);
+  EXPECT_EQ(past.GetSimilarity(1, 2, 1), 1.0f);
 }
 
 TEST(SparseMatrixSingleGetSimilarityMatrix, OtherMeasuresGiveAnEmptySquareMatrix) {
