@@ -91,7 +91,7 @@ TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
             std::string(kDotHeader) + "\t1 -- 2 [len=0.00001];\r\n}");
 }
 
-TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {
+TEST(MatrixText, IVCSparseAndClipboardTables) {
   const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.1f, 0.1f, 9999999.0f});
   EXPECT_EQ(m.Matrix2IVCSparse(),
             ",2,2\r"
@@ -103,11 +103,9 @@ TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {
   const ProximityMatrix small = MakeMatrix(1, 1, {0.00001f});
   EXPECT_EQ(small.Matrix2IVCSparse(), ",1,1\rRowLabels,\rColumnLabels,\rData,\r1e-05\r");
   EXPECT_EQ(ProximityMatrix().Matrix2IVCSparse(), ",0,0\rRowLabels\rColumnLabels\rData,\r");
-}
-
-TEST(Copy2Clip, RowsOfFixedFiveDecimalsJoinedByCrLf) {
-  const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.333333f, 0.333333f, 2.5f});
-  EXPECT_EQ(m.Copy2Clip(), "-1.00000\t0.33333\r\n0.33333\t2.50000");
+  // The clipboard table: rows of fixed five decimals joined by CR LF.
+  EXPECT_EQ(MakeMatrix(2, 1, {N, 0.333333f, 0.333333f, 2.5f}).Copy2Clip(),
+            "-1.00000\t0.33333\r\n0.33333\t2.50000");
   EXPECT_EQ(ProximityMatrix().Copy2Clip(), "");
 }
 

@@ -29,9 +29,7 @@ TEST(CorpusSummary, CountsRoleColumnsAndRanksTerms) {
   ASSERT_EQ(summary.topMentions.size(), 2u);
   EXPECT_EQ(summary.topMentions[0].term, "ann");
   EXPECT_EQ(summary.topMentions[1].term, "bob");  // ties keep first appearance
-}
-
-TEST(CorpusSummary, EmptySetAndMissingFields) {
+  // An empty set with a missing field.
   DocumentSet docs;
   docs.SetURLField(40);
   const CorpusSummary summary = SummariseCorpus(docs);
