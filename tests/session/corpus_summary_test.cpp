@@ -30,13 +30,12 @@ TEST(CorpusSummary, CountsRoleColumnsAndRanksTerms) {
   EXPECT_EQ(summary.topMentions[0].term, "ann");
   EXPECT_EQ(summary.topMentions[1].term, "bob");  // ties keep first appearance
   // An empty set with a missing field.
-  DocumentSet docs;
-  docs.SetURLField(40);
-  const CorpusSummary summary = SummariseCorpus(docs);
-  EXPECT_EQ(summary.documents, 0);
-  EXPECT_EQ(summary.withLinks, 0);
-  EXPECT_TRUE(summary.topHashtags.empty());
-  EXPECT_TRUE(summary.firstDateTime.empty());
+  DocumentSet empty;
+  empty.SetURLField(40);
+  const CorpusSummary none = SummariseCorpus(empty);
+  EXPECT_EQ(none.documents + none.withLinks, 0);
+  EXPECT_TRUE(none.topHashtags.empty());
+  EXPECT_TRUE(none.firstDateTime.empty());
 }
 
 }  // namespace
