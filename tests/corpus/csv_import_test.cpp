@@ -49,12 +49,10 @@ TEST(CsvReader, RecordLinesCountLineBreaksInsideQuotes) {
   std::string text = "h1,h2\n\"a\nb\nc\",x\nnext,y\n";
   CsvReader reader(text.data(), text.size());
   std::vector<std::string_view> cells;
-  ASSERT_TRUE(reader.Next(cells));
-  EXPECT_EQ(reader.Line(), 1);
-  ASSERT_TRUE(reader.Next(cells));
-  EXPECT_EQ(reader.Line(), 2);
-  ASSERT_TRUE(reader.Next(cells));
-  EXPECT_EQ(reader.Line(), 5);
+  for (const int line : {1, 2, 5}) {
+    ASSERT_TRUE(reader.Next(cells));
+    EXPECT_EQ(reader.Line(), line);
+  }
   EXPECT_FALSE(reader.Next(cells));
 }
 

@@ -185,7 +185,7 @@ TEST(SpatialExtremesTest, StartAtPlusAndMinusOneHundred) {
   EXPECT_EQ(extremes(), (std::vector<float>{1, 3, -4, 2}));
 }
 
-TEST(SpatialTextTest, Copy2ClipHasOneLinePerNode) {
+TEST(SpatialTextTest, Copy2ClipHasOneLinePerNodeAndGraphFromFileEndsLinesWithCrLf) {
   TempDir dir;
   Spatial spatial;
   std::string error;
@@ -193,11 +193,8 @@ TEST(SpatialTextTest, Copy2ClipHasOneLinePerNode) {
   ASSERT_TRUE(
       spatial.LoadGVPlain(dir.WriteFile("a", "graph 1 4 2\nnode 1 1.5 0.25\n"), 1, 2, error));
   EXPECT_EQ(spatial.Copy2Clip(), "1.5\t0.25\r\n2\t0.002\r\n");
-}
-
-TEST(SpatialTextTest, GraphFromFileEndsEveryLineWithCrLf) {
-  TempDir dir;
-  EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("a", "a\nb\r\nc\rd")), "a\r\nb\r\nc\r\nd\r\n");
+  // GraphFromFile ends every line with CR LF.
+  EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("g", "a\nb\r\nc\rd")), "a\r\nb\r\nc\r\nd\r\n");
   EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("b", "x\n\ny\n")), "x\r\n\r\ny\r\n");
   EXPECT_EQ(Spatial::GraphFromFile(dir.WriteFile("c", "")), "");
   EXPECT_EQ(Spatial::GraphFromFile((dir.Path() / "absent").string()), "");
