@@ -107,7 +107,11 @@ TEST_F(CorpusLoad, Twitter11ExportBecomesASortedCorpusWithDerivedFields) {
   EXPECT_FALSE(report.stages.empty());
 }
 
+// Loaded over a sixteen-column corpus, which it replaces.
 TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
+  ASSERT_TRUE(Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
+                   Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"))
+                  .loaded);
   const LoadReport report = Load(
       "DateTime\tUser\tTweet\tSent+\tSent-\tSentSum\n"
       "20110105T10:00:00Z\tann\tfirst tweet http://example.org/a\t2\t-1\t1\n"
@@ -115,6 +119,8 @@ TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
       "20110105T11:00:00Z\tcy\tsecond @ann tweet\t3\t-2\t1\n");
   ASSERT_TRUE(report.loaded) << report.error;
   const DocumentSet& docs = session_.Documents();
+  EXPECT_EQ(session_.Corpus().format, CorpusFormat::kTwitter);
+  EXPECT_EQ(docs.DocumentCount(), 3);
   EXPECT_EQ(docs.FieldName(6), "Extracted Links");
   EXPECT_EQ(docs.URLField(), 6);
   EXPECT_EQ(docs.FieldName(7), "Elapsed_Hours");
@@ -276,19 +282,6 @@ TEST_F(CorpusLoad, AFileThatOutgrowsMemoryIsAFailedLoad) {
   std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
   EXPECT_EXIT(std::exit(LoadUnderMemoryLimit(path)), ::testing::ExitedWithCode(0), "");
 #endif
-}
-
-TEST_F(CorpusLoad, ASecondLoadReplacesTheFirst) {
-  ASSERT_TRUE(Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
-                   Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"))
-                  .loaded);
-  const LoadReport report = Load(
-      "20110105T10:00:00Z\tann\tfirst tweet of the day\t2\t-1\t1\n"
-      "20110105T11:00:00Z\tbob\tsecond tweet of the day\t1\t-1\t0\n"
-      "20110105T12:00:00Z\tcy\tthird tweet of the day\t1\t-1\t0\n");
-  ASSERT_TRUE(report.loaded) << report.error;
-  EXPECT_EQ(session_.Documents().DocumentCount(), 3);
-  EXPECT_EQ(session_.Corpus().format, CorpusFormat::kTwitter);
 }
 
 // A cancel at the links stage or from the step after it empties the set.
