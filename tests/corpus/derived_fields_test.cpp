@@ -127,17 +127,15 @@ TEST(Links, FirstLongLinkOfEitherSchemeIsMovedOutOfTheText) {
   EXPECT_EQ(Column(set, 1),
             (Cells{" http://abcdefgh", "", " http://first.example/a", " http://example.org/x",
                    " https://example.org/x", " https://t.co/ab", ""}));
-}
-
-TEST(Links, AnExistingLinkFieldKeepsWhatItHolds) {
-  DocumentSet set = MakeSet(
+  // An existing link field keeps what it holds.
+  DocumentSet kept = MakeSet(
       {{"text http://new.example/1", "http://kept.example"}, {"text http://new.example/2", ""}},
       11);
-  ASSERT_TRUE(set.DeriveLinksField(0, "ignored", 1));
-  EXPECT_EQ(set.FieldCount(), 3);
-  EXPECT_EQ(Column(set, 1), (Cells{"http://kept.example", " http://new.example/2"}));
-  EXPECT_EQ(Column(set, 0), (Cells{"text ", "text "}));
-  EXPECT_FALSE(set.DeriveLinksField(0, "x", 40));
+  ASSERT_TRUE(kept.DeriveLinksField(0, "ignored", 1));
+  EXPECT_EQ(kept.FieldCount(), 3);
+  EXPECT_EQ(Column(kept, 1), (Cells{"http://kept.example", " http://new.example/2"}));
+  EXPECT_EQ(Column(kept, 0), (Cells{"text ", "text "}));
+  EXPECT_FALSE(kept.DeriveLinksField(0, "x", 40));
 }
 
 TEST(Hashtags, TagsMoveToTheirOwnFieldInOrder) {

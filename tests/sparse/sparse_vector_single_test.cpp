@@ -225,16 +225,14 @@ TEST(SparseVectorSingleIteration, WalksTheElementsInAscendingOrder) {
   SparseVectorSingle empty;
   EXPECT_EQ(empty.FirstElementIndex(), -1);
   EXPECT_EQ(empty.LastElementIndex(), -1);
-}
-
-TEST(SparseVectorSingleIteration, WritesDoNotMoveTheCursor) {
-  SparseVectorSingle v = FromWrites({{2, 1}, {4, 1}, {6, 1}});
-  EXPECT_EQ(v.FirstElementIndex(), 2);
-  EXPECT_EQ(v.NextElementIndex(), 4);  // cursor at position 2
-  v.SetValue(1, 1.0f);                 // positions shift; the cursor does not
-  EXPECT_EQ(v.NextElementIndex(), 4);  // position 3 now holds 4
-  v.DeleteElement(1);
-  EXPECT_EQ(v.NextElementIndex(), -1);  // position 4 is past the three elements left
+  // Writes do not move the cursor.
+  SparseVectorSingle w = FromWrites({{2, 1}, {4, 1}, {6, 1}});
+  EXPECT_EQ(w.FirstElementIndex(), 2);
+  EXPECT_EQ(w.NextElementIndex(), 4);  // cursor at position 2
+  w.SetValue(1, 1.0f);                 // positions shift; the cursor does not
+  EXPECT_EQ(w.NextElementIndex(), 4);  // position 3 now holds 4
+  w.DeleteElement(1);
+  EXPECT_EQ(w.NextElementIndex(), -1);  // position 4 is past the three elements left
 }
 
 TEST(SparseVectorSingleNormalise, LeavesAZeroMagnitudeVectorAlone) {
