@@ -73,7 +73,7 @@ TEST(BuildVocab, NoTokensGiveThePlaceholderFoo) {
   EXPECT_EQ(testing::Terms(testing::SpaceIndex({"cat dog"}, -1, true)), Strings{"foo"});
 }
 
-TEST(BuildVocab, AnotherGramLengthBuildsOnlyThePlaceholder) {
+TEST(BuildVocab, AnotherGramLengthBuildsOnlyThePlaceholderAndACallStartsOver) {
   const DocumentSet corpus = testing::TextCorpus({"cat foo dog", "foo foo"});
   TermDocumentMatrix index = testing::Assigned(corpus);
   ASSERT_TRUE(index.BuildVocab(3, 999));
@@ -82,16 +82,13 @@ TEST(BuildVocab, AnotherGramLengthBuildsOnlyThePlaceholder) {
   ASSERT_TRUE(index.BuildTDM(1, 10));
   EXPECT_EQ(index.DocFreq(1), 2);
   EXPECT_EQ(index.GlobalFreq(1), 3);
-}
-
-TEST(BuildVocab, CalledAgainStartsOver) {
-  const DocumentSet corpus = testing::TextCorpus({"cat dog", "dog eel"});
-  TermDocumentMatrix index = testing::Assigned(corpus);
-  index.BuildVocab(0, 999);
-  index.BuildVocab(0, 0);  // one slot per bucket
-  EXPECT_EQ(testing::Terms(index), (Strings{"cat", "dog", "eel"}));
-  index.BuildVocab(0, 999);
-  EXPECT_EQ(index.TermCount(), 3);
+  // Called again, it starts over.
+  TermDocumentMatrix again = testing::Assigned(testing::TextCorpus({"cat dog", "dog eel"}));
+  again.BuildVocab(0, 999);
+  again.BuildVocab(0, 0);  // one slot per bucket
+  EXPECT_EQ(testing::Terms(again), (Strings{"cat", "dog", "eel"}));
+  again.BuildVocab(0, 999);
+  EXPECT_EQ(again.TermCount(), 3);
 }
 
 TEST(TermIndex, FindsTermsAndStemsTheQueryOfAStemmedIndex) {
