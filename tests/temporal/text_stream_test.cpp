@@ -245,13 +245,11 @@ TEST(TextStreamDates, IntervalBoundsFollowEachOther) {
   }
   EXPECT_EQ(s.IntervalDateTimeBounds(3, "n")[0], "2013-09-02 00:48:00");
   EXPECT_EQ(s.IntervalDateTimeBounds(1, "years")[0], "");
-}
-
-TEST(TextStreamDates, QuotesAroundTheFirstDateAreIgnored) {
-  StreamCorpus c = MakeStreamCorpus(AtTimes({0, 30}));
-  c.corpus->SetText(0, testing::kDateField, "\"02/09/13 06:30:00\"");
-  ASSERT_TRUE(Build(c, 24));
-  EXPECT_EQ(c.stream->IntervalDateTimeBounds(2, "h")[0], "2013-09-03 06:30:00");
+  // Quotes around the first date are ignored.
+  StreamCorpus quoted = MakeStreamCorpus(AtTimes({0, 30}));
+  quoted.corpus->SetText(0, testing::kDateField, "\"02/09/13 06:30:00\"");
+  ASSERT_TRUE(Build(quoted, 24));
+  EXPECT_EQ(quoted.stream->IntervalDateTimeBounds(2, "h")[0], "2013-09-03 06:30:00");
 }
 
 TEST(TextStreamDates, IntervalOfADateTimeIsTheOneWhoseSpanHoldsIt) {
