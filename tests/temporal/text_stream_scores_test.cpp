@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "common/errors.h"
 #include "stream_fixtures.h"
@@ -186,13 +187,11 @@ TEST(LinkRatio, IsTheShareOfDocumentsWithALink) {
                           {10, "aa", ""},
                           {30, "aa", "http://c"}});
   TextStream& s = *c.stream;
-  EXPECT_FLOAT_EQ(s.URLRatio(1), 0.5f);
-  EXPECT_EQ(s.URLCount(1), 2);
-  EXPECT_EQ(s.URLRatio(2), 0.0f);  // no link
-  EXPECT_EQ(s.URLRatio(3), 0.0f);  // empty interval
-  EXPECT_EQ(s.URLCount(3), 0);
-  EXPECT_FLOAT_EQ(s.URLRatio(4), 1.0f);
-  EXPECT_EQ(s.URLRatio(0), 0.0f);
+  // Interval 2 has no link, interval 3 no document; interval 0 is none.
+  EXPECT_EQ((std::vector<float>{s.URLRatio(0), s.URLRatio(1), s.URLRatio(2), s.URLRatio(3),
+                                s.URLRatio(4)}),
+            (std::vector<float>{0, 0.5f, 0, 0, 1}));
+  EXPECT_EQ(std::pair(s.URLCount(1), s.URLCount(3)), std::pair(2, 0));
 }
 
 // An interval of four documents with negative strengths -1, -1, -2, -3 (counts 2, 1, 1, 0, 0)
@@ -218,24 +217,22 @@ TEST(Sentiment, CountsEachDocumentOnceOnEachSideAndItsStatistics) {
     EXPECT_EQ(sifm.Value(row, 3), third[static_cast<std::size_t>(row) - 1]) << row;
   }
   // A valence is replaced by its sign.
-  std::int16_t negative = -1, positive = 7;
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, negative), 1.75f);
-  EXPECT_EQ(s.IntervalSentimentMode(1, negative), 1);
-  EXPECT_EQ(s.IntervalSentimentMedian(1, negative), 2);  // 2/4 is not above .5; 3/4 is
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, positive), 3.75f);
-  EXPECT_EQ(positive, 1);
-  EXPECT_EQ(s.IntervalSentimentMode(1, positive), 4);
-  EXPECT_EQ(s.IntervalSentimentMedian(1, positive), 4);
-  // Ties go to the weaker strength: -5 and -4 once each.
-  EXPECT_EQ(s.IntervalSentimentMode(3, negative), 4);
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(3, negative), 4.5f);
-  EXPECT_EQ(s.IntervalSentimentMedian(3, negative), 5);  // 1/2 then 2/2
-  // An empty interval, and no valence.
-  EXPECT_EQ(s.IntervalSentimentMean(2, positive), 0.0f);
-  EXPECT_EQ(s.IntervalSentimentMode(2, positive), 0);
-  EXPECT_EQ(s.IntervalSentimentMedian(2, positive), 0);
-  std::int16_t none = 0;
-  EXPECT_EQ(s.IntervalSentimentMean(1, none), 0.0f);
+  // Mean, mode and median of an interval and side. The median of interval 1's negative side is
+  // 2 (2/4 is not above .5; 3/4 is); in interval 3 ties go to the weaker strength (-5 and -4
+  // once each) and the median is 5 (1/2 then 2/2). An empty interval, and no valence, give 0.
+  const auto statistics = [&](std::int32_t interval, std::int16_t valence) {
+    return std::tuple(s.IntervalSentimentMean(interval, valence),
+                      s.IntervalSentimentMode(interval, valence),
+                      s.IntervalSentimentMedian(interval, valence));
+  };
+  EXPECT_EQ(statistics(1, -1), std::tuple(1.75f, 1, 2));
+  EXPECT_EQ(statistics(1, 7), std::tuple(3.75f, 4, 4));
+  EXPECT_EQ(statistics(3, -1), std::tuple(4.5f, 4, 5));
+  EXPECT_EQ(statistics(2, 1), std::tuple(0.0f, 0, 0));
+  EXPECT_EQ(std::get<0>(statistics(1, 0)), 0.0f);
+  std::int16_t valence = -32000;
+  s.IntervalSentimentMode(1, valence);
+  EXPECT_EQ(valence, -1);
 }
 
 TEST(Sentiment, StrengthsOutOfRangeCountAsTheWeakest) {
