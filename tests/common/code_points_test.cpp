@@ -29,14 +29,12 @@ TEST(CodePoints, DecodesAndEncodesEveryLength) {
   }
 }
 
-TEST(CodePoints, ReplaceAllScansLeftToRightWithoutOverlap) {
+TEST(CodePoints, ReplaceAllScansLeftToRightWithoutOverlapAndTrimRemovesSpaces) {
   EXPECT_EQ(ReplaceAll("aaaa", "aa", "b"), "bb");
   EXPECT_EQ(ReplaceAll("#win and #winner", "#win", "[H]"), "[H] and [H]ner");
   EXPECT_EQ(ReplaceAll("abc", "", "x"), "abc");
   EXPECT_EQ(ReplaceAll("", "a", "x"), "");
-}
-
-TEST(CodePoints, TrimSpacesRemovesOnlySpaces) {
+  // TrimSpaces removes only spaces.
   EXPECT_EQ(TrimSpaces("  a b  "), "a b");
   EXPECT_EQ(TrimSpaces("   "), "");
   EXPECT_EQ(TrimSpaces("\tx "), "\tx");

@@ -23,13 +23,11 @@ TEST(ProgressReporter, ReportsEveryIntervalAndStopsOnCancel) {
   EXPECT_EQ(steps, 29);
   EXPECT_TRUE(reporter.Cancelled());
   EXPECT_FALSE(reporter.Step());
-}
-
-TEST(ProgressReporter, AnEmptyCallbackNeverCancels) {
+  // An empty callback never cancels.
   const ProgressCallback none;
-  ProgressReporter reporter(none, "Indexing", 0, 2);
-  for (int i = 0; i < 10; ++i) EXPECT_TRUE(reporter.Step());
-  EXPECT_TRUE(reporter.Report());
+  ProgressReporter quiet(none, "Indexing", 0, 2);
+  for (int i = 0; i < 10; ++i) EXPECT_TRUE(quiet.Step());
+  EXPECT_TRUE(quiet.Report());
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "common/code_points.h"
-
 namespace sylvora {
 namespace {
 
@@ -62,15 +60,6 @@ TEST(TextDecoding, RejectsMalformedUtf8Forms) {
   EXPECT_FALSE(IsValidUtf8("\xF4\x90\x80\x80"));  // past U+10FFFF
   EXPECT_FALSE(IsValidUtf8("abc\xE2\x82"));       // truncated at the end
   EXPECT_FALSE(IsValidUtf8("\x80"));              // lone continuation byte
-}
-
-TEST(TextDecoding, Windows1252CodesOfCodePoints) {
-  EXPECT_EQ(Windows1252Code(U'a'), 'a');
-  EXPECT_EQ(Windows1252Code(U'\u00E9'), 0xE9);
-  EXPECT_EQ(Windows1252Code(U'\u20AC'), 0x80);
-  EXPECT_EQ(Windows1252Code(U'\u2019'), 0x92);
-  EXPECT_EQ(Windows1252Code(U'\u4E2D'), -1);
-  EXPECT_EQ(Windows1252Code(U'\u0100'), -1);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ TEST(DocumentSetAccess, TextReadsCellsWholeDocumentsAndOutOfRangeRows) {
   EXPECT_EQ(set.Text(0, 255), "abcdef");
   EXPECT_EQ(set.Text(1, 6), "ghi");
   EXPECT_EQ(set.Text(-1, 0), DocumentSet::kIndexErrorText);
-  EXPECT_EQ(set.Text(2, 0), "Error (Index exceeds upperbound)");
+  EXPECT_EQ(set.Text(2, 0), DocumentSet::kIndexErrorText);
   EXPECT_EQ(set.Cell(5, 0), "");
   EXPECT_EQ(set.Cell(0, 200), "");
 }
@@ -48,8 +48,10 @@ TEST(DocumentSetAccess, ExpressionPatternReadsAndWritesFlags) {
 TEST(DocumentSetAccess, FieldNamesPastTheLastFieldAreEmptyAndUnwritable) {
   DocumentSet set;
   set.InitFieldDefs(3, "", "");
-  set.InitFieldDefs(12, "", "");  // an unknown code keeps the list
+  set.SetFieldExpressionPattern("0000");
+  set.InitFieldDefs(12, "", "");  // an unknown code keeps the list and expresses every field
   ASSERT_EQ(set.FieldCount(), 4);
+  EXPECT_EQ(set.FieldExpressionPattern(), "1111");
   EXPECT_EQ(set.FieldName(200), "");
   set.SetFieldName(200, "x");
   EXPECT_EQ(set.FieldName(200), "");
@@ -57,18 +59,7 @@ TEST(DocumentSetAccess, FieldNamesPastTheLastFieldAreEmptyAndUnwritable) {
   EXPECT_EQ(set.FieldName(1), "Writers");
 }
 
-TEST(DocumentSetAccess, ClearEmptiesTheTableButKeepsRoles) {
-  DocumentSet set = MakeSet({{"a"}, {"b"}});
-  set.SetContentField(2);
-  set.Clear();
-  EXPECT_EQ(set.DocumentCount(), 0);
-  EXPECT_EQ(set.WordCount(), 0);
-  EXPECT_EQ(set.FieldCount(), 0);
-  EXPECT_EQ(set.ContentField(), 2);
-  EXPECT_EQ(set.Text(0, 0), DocumentSet::kIndexErrorText);
-}
-
-TEST(DocumentSetAccess, RemoveDocumentShiftsLaterRowsUp) {
+TEST(DocumentSetAccess, RemoveDocumentShiftsLaterRowsUpAndClearKeepsRoles) {
   DocumentSet set = MakeSet({{"A"}, {"B"}, {"C"}});
   EXPECT_TRUE(set.RemoveDocument(0));
   EXPECT_EQ(set.DocumentCount(), 2);
@@ -77,6 +68,10 @@ TEST(DocumentSetAccess, RemoveDocumentShiftsLaterRowsUp) {
   EXPECT_FALSE(set.RemoveDocument(-1));
   EXPECT_FALSE(set.LastError().empty());
   EXPECT_EQ(set.DocumentCount(), 2);
+  set.SetContentField(2);
+  set.Clear();
+  EXPECT_EQ(set.DocumentCount() + set.WordCount() + set.FieldCount(), 0);
+  EXPECT_EQ(set.ContentField(), 2);
 }
 
 }  // namespace

@@ -6,15 +6,6 @@
 namespace sylvora {
 namespace {
 
-TEST(FieldDefs, UnknownCodeKeepsTheListAndExpressesEveryField) {
-  DocumentSet set;
-  set.InitFieldDefs(7, "", "");
-  set.SetFieldExpressionPattern("000000");
-  set.InitFieldDefs(12, "", "");
-  EXPECT_EQ(set.FieldCount(), 6);
-  EXPECT_EQ(set.FieldExpressionPattern(), "111111");
-}
-
 TEST(FieldDefs, DefinitionFileGivesMarkersAndNames) {
   testing::TempDir dir;
   const std::string path = dir.WriteFile(

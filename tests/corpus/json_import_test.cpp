@@ -48,7 +48,6 @@ TEST_F(JsonImport, TwitterV2LineFillsTheTwitter11Fields) {
   ASSERT_EQ(Import(std::string(kV2Line) + "\n"), DetectionOutcome::kImport) << report_.error;
   EXPECT_EQ(report_.detection.shape, ImportShape::kTwitterV2Json);
   EXPECT_EQ(report_.detection.container, JsonContainer::kLines);
-  EXPECT_EQ(report_.detection.Describe(), "X / Twitter API v2 JSON lines");
   ASSERT_EQ(documents_.DocumentCount(), 1);
   ASSERT_EQ(documents_.FieldCount(), kLayoutFieldCount);
   EXPECT_EQ(documents_.FieldName(2), "Tweet");
@@ -58,16 +57,10 @@ TEST_F(JsonImport, TwitterV2LineFillsTheTwitter11Fields) {
   // A surrogate pair and an escaped accent become UTF-8; "&amp;" becomes "&".
   EXPECT_EQ(Cell(0, kText),
             "Storm \xF0\x9F\x8C\x80 near caf\xC3\xA9 & pier #Marisol @ann http://t.co/abcdefgh");
-  EXPECT_EQ(Cell(0, kId), "1001");
+  // The other fields are compared with the tab-separated sample file by the load test.
   EXPECT_EQ(Cell(0, kName), "Bob \"B\" Jones");
-  EXPECT_EQ(Cell(0, kFollowers), "10");
   EXPECT_EQ(Cell(0, kGeo), "41.47,-71.05");
-  EXPECT_EQ(Cell(0, kUserTweets), "99");
-  EXPECT_EQ(Cell(0, kReposts), "3");
   EXPECT_EQ(Cell(0, kLink), "http://www.example.com/storm");
-  EXPECT_EQ(Cell(0, kPos), "3");
-  EXPECT_EQ(Cell(0, kNeg), "-2");
-  EXPECT_EQ(Cell(0, kNet), "1");
   // A top-level array of posts, and a limit on the count.
   ASSERT_EQ(
       Import(std::string("[\n") + kV2Line + ",\n" + kV2Line + ",\n" + kV2Line + "\n]", false, 2),
@@ -103,8 +96,6 @@ TEST_F(JsonImport, TwitterV2PagesTakeUserNamesFromIncludes) {
   }
   ASSERT_EQ(Import(pretty), DetectionOutcome::kImport) << report_.error;
   EXPECT_EQ(report_.detection.container, JsonContainer::kObject);
-  EXPECT_EQ(report_.detection.Describe(),
-            "X / Twitter API v2 JSON object holding the posts under \"data\"");
   ASSERT_EQ(documents_.DocumentCount(), 2);
   EXPECT_EQ(Cell(0, kUser), "ann");
 }
@@ -139,8 +130,7 @@ TEST_F(JsonImport, TwitterV11TakesFullTextAndRebuildsRetweets) {
   ASSERT_EQ(Import(lines), DetectionOutcome::kImport) << report_.error;
   EXPECT_EQ(report_.detection.shape, ImportShape::kTwitterV11Json);
   ASSERT_EQ(documents_.DocumentCount(), 2);
-  EXPECT_EQ(Cell(0, kDate), "Wed Aug 27 13:08:45 +0000 2008");
-  EXPECT_EQ(Cell(0, kId), "1234567890123456789");
+  EXPECT_EQ(Cell(0, kId), "1234567890123456789");  // id_str: a double would round it
   EXPECT_EQ(Cell(0, kText), "The whole text <3 with a line break");
   EXPECT_EQ(Cell(0, kName), "Ann A");
   EXPECT_EQ(Cell(0, 8), "London");
@@ -149,7 +139,6 @@ TEST_F(JsonImport, TwitterV11TakesFullTextAndRebuildsRetweets) {
   EXPECT_EQ(Cell(1, kUser), "bob");
   EXPECT_EQ(Cell(1, kText), "RT @ann: The whole text <3 with more");
   EXPECT_EQ(Cell(1, kLink), "https://long.example/page");
-  EXPECT_EQ(Cell(1, kId), "2");
   // The streaming API's extended tweet.
   ASSERT_EQ(Import(R"({"created_at":"Wed Aug 27 13:08:45 +0000 2008","user":{"screen_name":"a"},)"
                    R"("text":"short…","extended_tweet":{"full_text":"long and whole",)"
@@ -181,7 +170,6 @@ TEST_F(JsonImport, MastodonContentIsHtmlMadePlainAndReblogsBecomeRetweets) {
   EXPECT_EQ(Cell(0, kText), "Fish & chips <3 #food see https://news.example/a bye");
   EXPECT_EQ(Cell(0, kLink), "https://news.example/a?x=1&y=2");
   EXPECT_EQ(Cell(0, kReposts), "4");
-  EXPECT_EQ(Cell(0, kUserTweets), "400");
   EXPECT_EQ(Cell(1, kText), "RT @cy: original \xE2\x80\x94 words");
   EXPECT_EQ(Cell(1, kLink), "https://card.example/");
   EXPECT_EQ(Cell(1, kDate), "Thu Jan 05 11:00:00 +0000 2023");
@@ -206,7 +194,6 @@ TEST_F(JsonImport, BlueskyPostsFeedItemsAndBareRecords) {
   EXPECT_EQ(Cell(0, kText), "Look example.com/lo... \xE2\x9C\xA8");
   EXPECT_EQ(Cell(0, kLink), "https://example.com/long/path");
   EXPECT_EQ(Cell(0, kReposts), "2");
-  EXPECT_EQ(Cell(0, kDate), "Fri Mar 01 12:00:00 +0000 2024");
 
   ASSERT_EQ(
       Import(
@@ -227,6 +214,10 @@ TEST_F(JsonImport, InvalidLineNamesItsNumberAndKeepsNothing) {
   EXPECT_TRUE(Has(report_.error, "Invalid JSON at 'posts.json' line 4")) << report_.error;
   EXPECT_EQ(documents_.DocumentCount(), 0);
   EXPECT_EQ(documents_.FieldCount(), 0);
+  // A broken array cannot be skipped past.
+  EXPECT_EQ(Import(std::string("[\n") + kV2Line + ",\n" + kV2Line + ",\n{\"id\": 3,,}\n]", true),
+            DetectionOutcome::kError);
+  EXPECT_TRUE(Has(report_.error, "cannot be skipped")) << report_.error;
 }
 
 TEST_F(JsonImport, SkipBadSkipsAndCountsBadLines) {
@@ -238,12 +229,11 @@ TEST_F(JsonImport, SkipBadSkipsAndCountsBadLines) {
   EXPECT_EQ(documents_.DocumentCount(), 2);
   EXPECT_EQ(report_.skipped, 4);
   ASSERT_EQ(report_.skippedSamples.size(), 4u);
-  EXPECT_TRUE(Has(report_.skippedSamples[0], "line 2")) << report_.skippedSamples[0];
-  EXPECT_TRUE(Has(report_.skippedSamples[1], "line 3: the post has no date (created_at)"))
-      << report_.skippedSamples[1];
-  EXPECT_TRUE(Has(report_.skippedSamples[2], "line 4: the date \"yesterday\""))
-      << report_.skippedSamples[2];
-  EXPECT_TRUE(Has(report_.skippedSamples[3], "line 6")) << report_.skippedSamples[3];
+  // Each sample names its line (the reasons are those of the refusal table below).
+  for (const auto& [k, line] :
+       {std::pair{0, "line 2"}, {1, "line 3"}, {2, "line 4"}, {3, "line 6"}}) {
+    EXPECT_TRUE(Has(report_.skippedSamples[k], line)) << report_.skippedSamples[k];
+  }
 }
 
 TEST_F(JsonImport, PostsWithoutDateOrTextOrWithAnotherDateLayoutAreRefused) {
@@ -281,14 +271,6 @@ TEST_F(JsonImport, UnknownShapeListsTheKeysFoundAndTheShapesKnown) {
   EXPECT_TRUE(Has(report_.error, "empty JSON array")) << report_.error;
   EXPECT_EQ(Import("[1, 2]"), DetectionOutcome::kError);
   EXPECT_TRUE(Has(report_.error, "first element is not an object")) << report_.error;
-}
-
-TEST_F(JsonImport, BrokenDocumentNamesItsLine) {
-  EXPECT_EQ(Import(std::string("[\n") + kV2Line + ",\n" + kV2Line + ",\n{\"id\": 3,,}\n]", true),
-            DetectionOutcome::kError);
-  EXPECT_TRUE(Has(report_.error, "Invalid JSON at 'posts.json' line")) << report_.error;
-  EXPECT_TRUE(Has(report_.error, "cannot be skipped")) << report_.error;
-  EXPECT_EQ(documents_.DocumentCount(), 0);
 }
 
 TEST_F(JsonImport, InvalidUtf8IsInvalidJsonAndTabSeparatedTextIsLeftToTheLoader) {

@@ -48,12 +48,5 @@ std::vector<std::string_view> TargetNames() {
 INSTANTIATE_TEST_SUITE_P(Targets, FuzzInputs, ::testing::ValuesIn(TargetNames()),
                          [](const auto& info) { return std::string(info.param); });
 
-TEST(FuzzTargets, NamesAreUniqueAndFindable) {
-  for (const auto& target : fuzz::Targets()) {
-    EXPECT_EQ(fuzz::FindTarget(target.name), &target) << target.name;
-  }
-  EXPECT_EQ(fuzz::FindTarget("no such reader"), nullptr);
-}
-
 }  // namespace
 }  // namespace sylvora

@@ -31,39 +31,27 @@ TEST(BuildTDM, ReleasesTheTextOnlyWhenItPrunes) {
 
 TEST(BuildTDM, NeedsAVocabulary) {
   const DocumentSet corpus = testing::TextCorpus({"cat"});
-  TermDocumentMatrix index;
-  DocIndex count = 1;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   EXPECT_FALSE(index.BuildTDM(1, 1));
   EXPECT_EQ(index.TermCount(), 0);
 }
 
+// A link seen with "https://" gets it back; one seen under both schemes is one term. A link
+// index left unpruned keeps its bare terms.
 TEST(BuildTDM, ALinkIndexPutsItsSchemeBackOnEveryTerm) {
-  // A link seen with "https://" gets it back; one seen under both schemes is one term.
-  const DocumentSet corpus =
-      testing::TextCorpus({"https://t.co/a", "http://t.co/a http://ex.org/b", "https://ex.org/b",
-                           "http://plain.io/c", "http://plain.io/c"});
-  TermDocumentMatrix index;
-  DocIndex count = 5;
-  index.AssignText(corpus, count, true);
-  index.Preprocess(true, false, 3, "", false);
-  index.BuildVocab(0, 999);
-  ASSERT_TRUE(index.BuildTDM(2, 3));
-  EXPECT_EQ(testing::Terms(index),
-            (Strings{"https://ex.org/b", "http://plain.io/c", "https://t.co/a"}));
-  EXPECT_EQ(index.DocFreq(3), 2);
-  EXPECT_EQ(index.TermIndex("https://t.co/a"), 3);
-}
-
-TEST(BuildTDM, ALinkIndexLeftUnprunedKeepsItsBareTerms) {
-  const DocumentSet corpus = testing::TextCorpus({"https://t.co/a", "http://ex.org/b"});
-  TermDocumentMatrix index;
-  DocIndex count = 2;
-  index.AssignText(corpus, count, true);
-  index.Preprocess(true, false, 3, "", false);
-  index.BuildVocab(0, 999);
-  ASSERT_TRUE(index.BuildTDM(2, 2));  // nothing has DF 2
-  EXPECT_EQ(testing::Terms(index), (Strings{"ex.org/b", "t.co/a"}));
+  for (const bool pruned : {true, false}) {
+    const DocumentSet corpus =
+        testing::TextCorpus({"https://t.co/a", "http://t.co/a http://ex.org/b", "https://ex.org/b",
+                             "http://plain.io/c", pruned ? "http://plain.io/c" : ""});
+    TermDocumentMatrix index = testing::Assigned(corpus, true);
+    index.Preprocess(true, false, 3, "", false);
+    index.BuildVocab(0, 999);
+    ASSERT_TRUE(index.BuildTDM(pruned ? 2 : 3, 3));  // unpruned: nothing has DF 3
+    EXPECT_EQ(testing::Terms(index),
+              (pruned ? Strings{"https://ex.org/b", "http://plain.io/c", "https://t.co/a"}
+                      : Strings{"ex.org/b", "plain.io/c", "t.co/a"}));
+    EXPECT_EQ(index.TermIndex("https://t.co/a"), pruned ? 3 : -1);
+  }
 }
 
 TEST(BuildTDM, ACancelLeavesTheIndexAsItWas) {

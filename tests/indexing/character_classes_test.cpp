@@ -9,14 +9,7 @@
 namespace sylvora {
 namespace {
 
-TEST(CharacterCode, IsTheCodePageByteWhereThereIsOneElseTheCodePoint) {
-  EXPECT_EQ(CharacterCode(U'a'), 97);
-  EXPECT_EQ(CharacterCode(U'\u00E9'), 233);    // é
-  EXPECT_EQ(CharacterCode(U'\u20AC'), 128);    // €
-  EXPECT_EQ(CharacterCode(U'\u0161'), 154);    // š
-  EXPECT_EQ(CharacterCode(U'\u03A9'), 0x3A9);  // Ω is not in the code page
-}
-
+// The code-page code of a character is checked through the separator and bucket tables.
 struct SeparatorCase {
   char32_t cp;
   bool separator;

@@ -34,6 +34,13 @@ DocumentSet TextCorpusFile(const TempDir& dir, const std::string& name,
   return set;
 }
 
+TermDocumentMatrix Assigned(const DocumentSet& corpus, bool links) {
+  TermDocumentMatrix index;
+  DocIndex count = corpus.DocumentCount();
+  index.AssignText(corpus, count, links);
+  return index;
+}
+
 std::string WriteStopList(const TempDir& dir, const std::vector<std::string>& words) {
   std::string text;
   for (const std::string& word : words) text += word + "\n";
@@ -54,10 +61,7 @@ std::vector<std::string> Terms(const TermDocumentMatrix& index) {
 
 TermDocumentMatrix SpaceIndex(const std::vector<std::string>& texts, std::int32_t maxCharSlotSz,
                               bool build, std::int32_t minDF, std::int32_t maxDF) {
-  const DocumentSet corpus = TextCorpus(texts);
-  TermDocumentMatrix index;
-  DocIndex count = corpus.DocumentCount();
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = Assigned(TextCorpus(texts));
   index.Preprocess(true, false, 3, "", false);
   index.BuildVocab(0, maxCharSlotSz);
   if (build) index.BuildTDM(minDF, maxDF);

@@ -20,6 +20,9 @@ DocumentSet TextCorpus(const std::vector<std::string>& texts);
 DocumentSet TextCorpusFile(const TempDir& dir, const std::string& name,
                            const std::vector<std::string>& texts);
 
+// An index with every document of `corpus` assigned (as links when `links`).
+TermDocumentMatrix Assigned(const DocumentSet& corpus, bool links = false);
+
 // Writes a stop list of the given lines (LF line ends) and returns its path.
 std::string WriteStopList(const TempDir& dir, const std::vector<std::string>& words);
 

@@ -53,15 +53,6 @@ TEST(TokeniseDocument, SplitsAtEverySeparatorAndDropsEmptyRuns) {
   for (const TokeniseCase& c : cases) EXPECT_EQ(Tokenise(c.text), c.tokens) << c.text;
 }
 
-TEST(TokeniseDocument, CountsCharactersNotBytes) {
-  TokenList tokens;
-  TokeniseDocument("\u0394\u03B5\u03BB\u03C4\u03B1 abc", tokens);
-  ASSERT_EQ(tokens.Count(), 2u);
-  EXPECT_EQ(tokens.Characters(0), 5u);
-  EXPECT_EQ(tokens.Token(0).size(), 10u);
-  EXPECT_EQ(tokens.Characters(1), 3u);
-}
-
 TEST(SplitOnSpaces, KeepsEverythingButTheSpaces) {
   const TokeniseCase cases[] = {
       {"Hello,  World", {"Hello,", "", "World"}},
@@ -116,6 +107,12 @@ TEST(FoldCase, AbbreviationsAreTokensWhoseSecondCodeIsBelow97) {
   SplitOnSpaces("X`Y Xa\u00FF XaY", tokens);  // codes 96, 97 and 97
   FoldCase(tokens, true);
   EXPECT_EQ(tokens.Strings(), (Strings{"X`Y", "xa\u00FF", "xay"}));
+  // Tokens split at spaces may start with any character: "`" (code 96) is exempt from the
+  // minimum length, "a" (97) not.
+  TokenList lengths;
+  SplitOnSpaces("`x ax Ax", lengths);
+  FilterTokenLength(lengths, 3);
+  EXPECT_EQ(lengths.Strings(), (Strings{"`x", "", "Ax"}));
 }
 
 TEST(FilterTokenLength, AppliesTheMinimumToLowerCaseStartsAndTheMaximumToAll) {
@@ -137,16 +134,8 @@ TEST(FilterTokenLength, AppliesTheMinimumToLowerCaseStartsAndTheMaximumToAll) {
   }
 }
 
-TEST(FilterTokenLength, TheMinimumStartsAtCode97) {
-  // Tokens split at spaces may start with any character: "`" (code 96) is exempt, "a" (97) not.
-  TokenList tokens;
-  SplitOnSpaces("`x ax Ax", tokens);
-  FilterTokenLength(tokens, 3);
-  EXPECT_EQ(tokens.Strings(), (Strings{"`x", "", "Ax"}));
-}
-
 TEST(FilterTokenLength, CountsCharactersForTheMaximum) {
-  // 15 two-byte letters: 30 bytes but 15 characters, so kept.
+  // 15 two-byte letters: 30 bytes but 15 characters, so kept (the list counts characters).
   std::string fifteen;
   for (int i = 0; i < 15; ++i) fifteen += "\u03B1";
   TokenList tokens;

@@ -58,9 +58,7 @@ TEST(TermWeight, NormalisesByARunningMaximumRoundedAtEachNewHigh) {
   dir.WriteFile("n_0.tdm",
                 "3\t2\tWeight=0\tNormalise=True\r\n"
                 "a\t2.4\t0.4\r\nb\t2.45\t0\r\nc\t2.6\t0\r\n");
-  TermDocumentMatrix index;
-  DocIndex count = 2;
-  index.AssignText(corpus, count, false);
+  TermDocumentMatrix index = testing::Assigned(corpus);
   index.LoadTDM(false);
   EXPECT_DOUBLE_EQ(index.TermWeight(1, 1, 0, true), static_cast<double>(2.4f / 3.0f));
   EXPECT_DOUBLE_EQ(index.TermWeight(3, 1, 0, true), static_cast<double>(2.6f / 3.0f));
@@ -74,11 +72,8 @@ TEST(TermWeight, NormalisesByARunningMaximumRoundedAtEachNewHigh) {
   second.SetVersion(1);
   second.LoadTDM(false);
   EXPECT_DOUBLE_EQ(second.TermWeight(2, 1, 0, true), static_cast<double>(2.45f / 2.0f));
-}
-
-TEST(TermWeight, NormalisingAnEmptyDocumentGivesZero) {
-  const TermDocumentMatrix index = testing::SpaceIndex({"aa", ""}, 999, true, 1, 2);
-  EXPECT_EQ(index.TermWeight(1, 2, 0, true), 0.0);
+  // An empty document normalises to 0.
+  EXPECT_EQ(testing::SpaceIndex({"aa", ""}, 999, true, 1, 2).TermWeight(1, 2, 0, true), 0.0);
 }
 
 TEST(WeightMatrixValues, StoresTfIdfAndTermWeightThenReturnsItWhateverTheScheme) {

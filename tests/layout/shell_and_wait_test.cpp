@@ -55,10 +55,7 @@ TEST(ShellAndWaitTest, ArgumentsAreChecked) {
         << c.commandLine << " " << c.limit << " " << c.windowStyle << " " << c.breakOption;
   }
   for (const std::int32_t style : {0, 1, 2, 3, 4, 6}) {
-    for (const std::int32_t option : {0, 1, 2}) {
-      EXPECT_EQ(ShellAndWait("/bin/true", 1000, style, option), kShellEnded)
-          << "style " << style << " option " << option;
-    }
+    EXPECT_EQ(ShellAndWait("/bin/true", 1000, style, style % 3), kShellEnded) << style;
   }
 }
 

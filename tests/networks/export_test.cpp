@@ -91,7 +91,7 @@ TEST(Matrix2Dot, EqualLengthsFollowTheShellSortAndRoundHalfAway) {
             std::string(kDotHeader) + "\t1 -- 2 [len=0.00001];\r\n}");
 }
 
-TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {
+TEST(MatrixText, IVCSparseAndClipboardTables) {
   const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.1f, 0.1f, 9999999.0f});
   EXPECT_EQ(m.Matrix2IVCSparse(),
             ",2,2\r"
@@ -103,26 +103,17 @@ TEST(Matrix2IVCSparse, WritesEveryCellInShortestFormWithCarriageReturns) {
   const ProximityMatrix small = MakeMatrix(1, 1, {0.00001f});
   EXPECT_EQ(small.Matrix2IVCSparse(), ",1,1\rRowLabels,\rColumnLabels,\rData,\r1e-05\r");
   EXPECT_EQ(ProximityMatrix().Matrix2IVCSparse(), ",0,0\rRowLabels\rColumnLabels\rData,\r");
-}
-
-TEST(Copy2Clip, RowsOfFixedFiveDecimalsJoinedByCrLf) {
-  const ProximityMatrix m = MakeMatrix(2, 1, {N, 0.333333f, 0.333333f, 2.5f});
-  EXPECT_EQ(m.Copy2Clip(), "-1.00000\t0.33333\r\n0.33333\t2.50000");
+  // The clipboard table: rows of fixed five decimals joined by CR LF.
+  EXPECT_EQ(MakeMatrix(2, 1, {N, 0.333333f, 0.333333f, 2.5f}).Copy2Clip(),
+            "-1.00000\t0.33333\r\n0.33333\t2.50000");
   EXPECT_EQ(ProximityMatrix().Copy2Clip(), "");
 }
 
 TEST(Matrix2Vector, UpperTriangleRowByRow) {
-  std::vector<float> values(16, N);
-  const auto set = [&](int i, int j, float v) {
-    values[static_cast<std::size_t>(i * 4 + j)] = v;
-    values[static_cast<std::size_t>(j * 4 + i)] = v;
-  };
-  set(0, 1, 1.0f);
-  set(0, 2, 2.0f);
-  set(0, 3, 3.0f);
-  set(1, 2, 4.0f);
-  set(1, 3, 5.0f);
-  set(2, 3, 6.0f);
+  const std::vector<float> values = {N, 1, 2, 3,  //
+                                     1, N, 4, 5,  //
+                                     2, 4, N, 6,  //
+                                     3, 5, 6, N};
   const ProximityMatrix m = MakeMatrix(4, 1, values);
   EXPECT_EQ(m.Matrix2Vector(), (std::vector<float>{1, 2, 3, 4, 5, 6}));
   EXPECT_TRUE(MakeMatrix(1, 1, {N}).Matrix2Vector().empty());

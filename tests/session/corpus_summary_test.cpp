@@ -29,16 +29,13 @@ TEST(CorpusSummary, CountsRoleColumnsAndRanksTerms) {
   ASSERT_EQ(summary.topMentions.size(), 2u);
   EXPECT_EQ(summary.topMentions[0].term, "ann");
   EXPECT_EQ(summary.topMentions[1].term, "bob");  // ties keep first appearance
-}
-
-TEST(CorpusSummary, EmptySetAndMissingFields) {
-  DocumentSet docs;
-  docs.SetURLField(40);
-  const CorpusSummary summary = SummariseCorpus(docs);
-  EXPECT_EQ(summary.documents, 0);
-  EXPECT_EQ(summary.withLinks, 0);
-  EXPECT_TRUE(summary.topHashtags.empty());
-  EXPECT_TRUE(summary.firstDateTime.empty());
+  // An empty set with a missing field.
+  DocumentSet empty;
+  empty.SetURLField(40);
+  const CorpusSummary none = SummariseCorpus(empty);
+  EXPECT_EQ(none.documents + none.withLinks, 0);
+  EXPECT_TRUE(none.topHashtags.empty());
+  EXPECT_TRUE(none.firstDateTime.empty());
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 namespace sylvora {
 namespace {
 
-using testing::ReadFile;
 using testing::TempDir;
 
 // Three nodes: 0 and 1 linked, 2 alone on the bottom edge.
@@ -27,17 +26,13 @@ ClusterMap SmallMap(const TempDir& dir) {
   return map;
 }
 
-TEST(MapExportTest, NodeTableHasOneRowPerNodeWithQuotedLabels) {
+TEST(MapExportTest, TablesHaveOneRowPerNodeOrEdgeWithQuotedLabels) {
   TempDir dir;
   EXPECT_EQ(MapNodeTable(SmallMap(dir)),
             "index,label,x,y,weight,degree\r\n"
             "0,storm,1.5,2,12.5,1\r\n"
             "1,\"say \"\"hi\"\", <b>&\",-0.25,0.001,0.1,1\r\n"
             "2,\"wind\nrain\",4,0.003,3,0\r\n");
-}
-
-TEST(MapExportTest, EdgeTableNamesBothEnds) {
-  TempDir dir;
   EXPECT_EQ(MapEdgeTable(SmallMap(dir)),
             "from,to,from_label,to_label,length\r\n"
             "0,1,storm,\"say \"\"hi\"\", <b>&\",0.33333\r\n");
@@ -70,17 +65,6 @@ TEST(MapExportTest, MissingLabelsAndWeightsAreEmptyAndZero) {
   EXPECT_EQ(MapNodeTable(map),
             "index,label,x,y,weight,degree\r\n0,,1.5,2,12.5,1\r\n1,,-0.25,0.001,0,1\r\n"
             "2,,4,0.003,0,0\r\n");
-}
-
-TEST(MapExportTest, WritesThreeFilesBesideThePrefix) {
-  TempDir dir;
-  const ClusterMap map = SmallMap(dir);
-  std::string error;
-  const std::string prefix = (dir.Path() / "map").string();
-  ASSERT_TRUE(WriteMapFiles(map, prefix, error)) << error;
-  EXPECT_EQ(ReadFile(prefix + "_nodes.csv"), MapNodeTable(map));
-  EXPECT_EQ(ReadFile(prefix + "_edges.csv"), MapEdgeTable(map));
-  EXPECT_EQ(ReadFile(prefix + ".graphml"), MapGraphMl(map));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <ostream>
 #include <random>
 #include <string>
@@ -61,8 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         TopKCase{"nothingEverPicked", OneBased({7}), 1, 1, true, 1, 1, {0, -1}},
         TopKCase{"zeroCount", OneBased({1, 2}), -1, 0, true, 1, 0, {0}},
         TopKCase{"negativeCount", OneBased({1, 2}), -1, -3, true, 1, -3, {0}},
-        TopKCase{"emptyFromZero", {}, -1, 3, true, 0, -2, {}},
-        TopKCase{"negativesDescending", OneBased({-5, -2, -9}), -1, 3, true, 1, 3, {0, 2, 1, 3}}),
+        TopKCase{"emptyFromZero", {}, -1, 3, true, 0, -2, {}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(SelectTopKProperties, DescendingPicksAreARankingByValueThenPosition) {
@@ -170,13 +168,6 @@ TEST(SortEdges, ReportsEachPassAndStopsWhenAsked) {
   std::vector<std::int32_t> order;
   for (const EdgeRecord& e : stopped) order.push_back(e.FromNode);
   EXPECT_EQ(order, (std::vector<std::int32_t>{4, 5, 6, 7, 0, 1, 2, 3}));
-}
-
-TEST(SortEdgesEdgeRecord, IsThreePackedFieldsInOrder) {
-  EXPECT_EQ(sizeof(EdgeRecord), 12u);
-  EXPECT_EQ(offsetof(EdgeRecord, Weight), 0u);
-  EXPECT_EQ(offsetof(EdgeRecord, FromNode), 4u);
-  EXPECT_EQ(offsetof(EdgeRecord, ToNode), 8u);
 }
 
 }  // namespace

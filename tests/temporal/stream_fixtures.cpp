@@ -38,4 +38,12 @@ StreamCorpus MakeStreamCorpus(const std::vector<StreamDoc>& docs) {
   return result;
 }
 
+StreamCorpus Built(const std::vector<StreamDoc>& docs, std::int32_t length) {
+  StreamCorpus c = MakeStreamCorpus(docs);
+  if (!c.stream->BuildTermIntervalFrequencyModel(kElapsedField, length)) {
+    throw std::runtime_error("test model not built");
+  }
+  return c;
+}
+
 }  // namespace sylvora::testing

@@ -43,4 +43,7 @@ struct StreamCorpus {
 // Builds the corpus in the given order (not sorted) and an index keeping every term.
 StreamCorpus MakeStreamCorpus(const std::vector<StreamDoc>& docs);
 
+// The same with the interval model built at `length` hours; throws when it is not.
+StreamCorpus Built(const std::vector<StreamDoc>& docs, std::int32_t length = 10);
+
 }  // namespace sylvora::testing

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "common/errors.h"
 #include "stream_fixtures.h"
@@ -13,20 +14,13 @@
 namespace sylvora {
 namespace {
 
+using testing::Built;
 using testing::kElapsedField;
 using testing::kNegField;
 using testing::kPosField;
 using testing::MakeStreamCorpus;
 using testing::StreamCorpus;
 using testing::StreamDoc;
-
-StreamCorpus Built(const std::vector<StreamDoc>& docs, std::int32_t length = 10) {
-  StreamCorpus c = MakeStreamCorpus(docs);
-  if (!c.stream->BuildTermIntervalFrequencyModel(kElapsedField, length)) {
-    throw std::runtime_error("test model not built");
-  }
-  return c;
-}
 
 // Eight documents in four intervals of two:
 //   1: "aa bb", "aa"     aa 1.0, bb 0.5
@@ -39,10 +33,15 @@ std::vector<StreamDoc> FourIntervals() {
           {20, "aa"},   {21, "dd"}, {30, "aa bb"}, {31, "aa bb"}};
 }
 
-TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
+// The four intervals above, built, with their terms' numbers.
+class FourIntervalsTest : public ::testing::Test {
+ protected:
   StreamCorpus c = Built(FourIntervals());
   TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa"), bb = c.Term("bb"), cc = c.Term("cc");
+  const std::int32_t aa = c.Term("aa"), bb = c.Term("bb"), cc = c.Term("cc"), dd = c.Term("dd");
+};
+
+TEST_F(FourIntervalsTest, RatioBurstComparesTheIntervalWithTheCorpus) {
   // f / (df / N) x ln(100 f + 1)
   EXPECT_FLOAT_EQ(s.RatioBurstScore(aa, 1), static_cast<float>(1.0 / (6.0 / 8) * std::log(101.0)));
   EXPECT_FLOAT_EQ(s.RatioBurstScore(bb, 1), static_cast<float>(0.5 / (3.0 / 8) * std::log(51.0)));
@@ -50,10 +49,7 @@ TEST(BurstScores, RatioBurstComparesTheIntervalWithTheCorpus) {
   EXPECT_FLOAT_EQ(s.RatioBurstScore(cc, 1), 0.0f);
 }
 
-TEST(BurstScores, TemporalRatioComparesWithThePreviousInterval) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa"), bb = c.Term("bb"), cc = c.Term("cc");
+TEST_F(FourIntervalsTest, TemporalRatioComparesWithThePreviousInterval) {
   for (const std::int32_t t : {aa, bb, cc}) {
     EXPECT_EQ(s.TemporalRatioBurstScore(t, 1), s.RatioBurstScore(t, 1)) << t;
     EXPECT_EQ(s.TemporalRatioBurstScore(t, 0), 0.0f);
@@ -71,15 +67,11 @@ TEST(BurstScores, TemporalRatioComparesWithThePreviousInterval) {
   EXPECT_EQ(s.TemporalRatioBurstScore(bb, 2), 0.0f);
 }
 
-TEST(BurstScores, ZScoreUsesThePopulationDeviationOverAllIntervals) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
+TEST_F(FourIntervalsTest, ZScoreUsesThePopulationDeviationOverAllIntervals) {
   // aa: 1, .5, .5, 1: mean .75, deviation .25.
-  const std::int32_t aa = c.Term("aa");
   EXPECT_FLOAT_EQ(s.TermIntervalZScore(aa, 1), 1.0f);
   EXPECT_FLOAT_EQ(s.TermIntervalZScore(aa, 2), -1.0f);
   // dd: 0, 0, .5, 0: mean .125, deviation sqrt((3 x .015625 + .140625) / 4) = .2165...
-  const std::int32_t dd = c.Term("dd");
   const double m = 0.125, sd = std::sqrt((3 * m * m + (0.5 - m) * (0.5 - m)) / 4);
   EXPECT_NEAR(s.TermIntervalZScore(dd, 3), (0.5 - m) / sd, 1e-5);
   // Absent in the interval: -m / s.
@@ -92,17 +84,13 @@ TEST(BurstScores, ZScoreUsesThePopulationDeviationOverAllIntervals) {
 TEST(BurstScores, ZScoreOfAnEvenTermIsNotANumberOrInfinite) {
   StreamCorpus c = Built({{0, "aa"}, {10, "aa"}, {20, "aa"}});
   TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa");
-  EXPECT_TRUE(std::isnan(s.TermIntervalZScore(aa, 2)));  // (1 - 1) / 0
-  const float outside = s.TermIntervalZScore(aa, 0);     // (0 - 1) / 0
+  EXPECT_TRUE(std::isnan(s.TermIntervalZScore(1, 2)));  // (1 - 1) / 0
+  const float outside = s.TermIntervalZScore(1, 0);     // (0 - 1) / 0
   EXPECT_TRUE(std::isinf(outside));
   EXPECT_LT(outside, 0.0f);
 }
 
-TEST(BurstScores, ZScoreStatisticsAreCachedUntilTheNextBuild) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
-  const std::int32_t aa = c.Term("aa");
+TEST_F(FourIntervalsTest, ZScoreStatisticsAreCachedUntilTheNextBuild) {
   EXPECT_FLOAT_EQ(s.TermIntervalZScore(aa, 1), 1.0f);
   // Changing a cell changes f but not the cached mean and deviation.
   s.TIFM().SetValue(aa, 2, 1.0f);
@@ -112,9 +100,7 @@ TEST(BurstScores, ZScoreStatisticsAreCachedUntilTheNextBuild) {
   EXPECT_TRUE(std::isnan(s.TermIntervalZScore(aa, 1)));
 }
 
-TEST(BurstScores, IntervalBurstScoresListsEveryTerm) {
-  StreamCorpus c = Built(FourIntervals());
-  TextStream& s = *c.stream;
+TEST_F(FourIntervalsTest, IntervalBurstScoresListsEveryTerm) {
   const std::int32_t terms = c.index->TermCount();
   for (std::int32_t measure = 0; measure <= 2; ++measure) {
     const std::vector<float> scores = s.IntervalBurstScores(3, measure);
@@ -154,15 +140,6 @@ TEST(Novelty, IsOneMinusTheMeanSimilarityToTheWindow) {
   EXPECT_EQ(s.IntervalNoveltyScore(4, 0), 0.0f);
 }
 
-TEST(Novelty, RepeatedProfilesAreNotNovelAndNewOnesAre) {
-  StreamCorpus c = Built({{0, "aa bb"}, {10, "aa bb"}, {20, "aa bb"}, {30, "cc"}});
-  TextStream& s = *c.stream;
-  s.BuildIntervalSimilarityModel(9999);
-  EXPECT_NEAR(s.IntervalNoveltyScore(3, 2), 0.0f, 1e-6);  // float cosines of equal vectors
-  EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 3), 1.0f);
-  EXPECT_FLOAT_EQ(s.IntervalNoveltyScore(4, 1), 1.0f);
-}
-
 TEST(Homogeneity, IsTheMeanCosineOfTheSampledPairs) {
   // Interval 1: "aa bb", "aa", "cc": cos(1,2) = 1/sqrt2, cos(1,3) = 0, cos(2,3) = 0.
   StreamCorpus c = Built({{0, "aa bb"}, {1, "aa"}, {2, "cc"}, {10, "aa"}, {11, "aa"}, {20, "aa"}});
@@ -179,30 +156,19 @@ TEST(Homogeneity, IsTheMeanCosineOfTheSampledPairs) {
   EXPECT_EQ(Built({{0, "aa"}, {1, "x"}, {10, "aa"}}).stream->IntervalHomogScore(1, 1), -1.0f);
 }
 
-TEST(Homogeneity, TheSampleStepThinsTheInnerLoop) {
-  // Four documents: step 3 compares (0,1), (1,2), (2,3) and (0, 1+3 = 4 > 3 stops): only
-  // successors. Documents alternate between two disjoint terms.
+TEST(Homogeneity, TheSampleStepThinsTheInnerLoopAndTheFirstResultIsCached) {
+  // Four documents alternating between two disjoint terms. Every pair: (0,2) and (1,3) are 1,
+  // the other four 0: 2 / 6. Step 2 compares (0,1), (0,3), (1,2), (2,3); step 3 (0,1), (1,2),
+  // (2,3): all 0.
   const std::vector<StreamDoc> docs = {{0, "aa"}, {1, "bb"}, {2, "aa"}, {3, "bb"}, {10, "aa"}};
-  StreamCorpus full = Built(docs);
-  // Every pair: (0,2) and (1,3) are 1, the other four 0: 2 / 6.
-  EXPECT_NEAR(full.stream->IntervalHomogScore(1, 1), 2.0 / 6, 1e-6);
-  StreamCorpus successors = Built(docs);
-  EXPECT_EQ(successors.stream->IntervalHomogScore(1, 4), 0.0f);
-  StreamCorpus second = Built(docs);
-  // Step 2: (0,1), (0,3), (1,2), (2,3): all 0.
-  EXPECT_EQ(second.stream->IntervalHomogScore(1, 2), 0.0f);
-}
-
-TEST(Homogeneity, TheCacheKeepsTheFirstResultUntilTheNextBuild) {
-  const std::vector<StreamDoc> docs = {{0, "aa"}, {1, "bb"}, {2, "aa"}, {3, "bb"}, {10, "aa"}};
+  EXPECT_EQ(Built(docs).stream->IntervalHomogScore(1, 2), 0.0f);
+  EXPECT_EQ(Built(docs).stream->IntervalHomogScore(1, 4), 0.0f);
   StreamCorpus c = Built(docs);
   TextStream& s = *c.stream;
   const float first = s.IntervalHomogScore(1, 1);
   EXPECT_NEAR(first, 2.0 / 6, 1e-6);
-  // Another step returns the cached value.
-  EXPECT_EQ(s.IntervalHomogScore(1, 4), first);
-  // A rebuild empties the cache.
-  ASSERT_TRUE(s.BuildTermIntervalFrequencyModel(kElapsedField, 10));
+  EXPECT_EQ(s.IntervalHomogScore(1, 4), first);  // another step returns the cached value
+  ASSERT_TRUE(s.BuildTermIntervalFrequencyModel(kElapsedField, 10));  // a rebuild empties it
   EXPECT_EQ(s.IntervalHomogScore(1, 4), 0.0f);
 }
 
@@ -221,13 +187,11 @@ TEST(LinkRatio, IsTheShareOfDocumentsWithALink) {
                           {10, "aa", ""},
                           {30, "aa", "http://c"}});
   TextStream& s = *c.stream;
-  EXPECT_FLOAT_EQ(s.URLRatio(1), 0.5f);
-  EXPECT_EQ(s.URLCount(1), 2);
-  EXPECT_EQ(s.URLRatio(2), 0.0f);  // no link
-  EXPECT_EQ(s.URLRatio(3), 0.0f);  // empty interval
-  EXPECT_EQ(s.URLCount(3), 0);
-  EXPECT_FLOAT_EQ(s.URLRatio(4), 1.0f);
-  EXPECT_EQ(s.URLRatio(0), 0.0f);
+  // Interval 2 has no link, interval 3 no document; interval 0 is none.
+  EXPECT_EQ((std::vector<float>{s.URLRatio(0), s.URLRatio(1), s.URLRatio(2), s.URLRatio(3),
+                                s.URLRatio(4)}),
+            (std::vector<float>{0, 0.5f, 0, 0, 1}));
+  EXPECT_EQ(std::pair(s.URLCount(1), s.URLCount(3)), std::pair(2, 0));
 }
 
 // An interval of four documents with negative strengths -1, -1, -2, -3 (counts 2, 1, 1, 0, 0)
@@ -237,7 +201,7 @@ std::vector<StreamDoc> SentimentDocs() {
           {3, "aa", "", "5", "-3"}, {20, "aa", "", "3", "-5"},   {21, "bb", "", "3", "-4"}};
 }
 
-TEST(Sentiment, CountsEachDocumentOnceOnEachSide) {
+TEST(Sentiment, CountsEachDocumentOnceOnEachSideAndItsStatistics) {
   StreamCorpus c = Built(SentimentDocs());
   TextStream& s = *c.stream;
   s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
@@ -252,43 +216,23 @@ TEST(Sentiment, CountsEachDocumentOnceOnEachSide) {
     EXPECT_EQ(sifm.Value(row, 2), 0.0f) << row;  // the empty interval keeps a zero column
     EXPECT_EQ(sifm.Value(row, 3), third[static_cast<std::size_t>(row) - 1]) << row;
   }
-}
-
-TEST(Sentiment, MeanModeAndMedianOfEachSide) {
-  StreamCorpus c = Built(SentimentDocs());
-  TextStream& s = *c.stream;
-  s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
-  std::int16_t negative = -1, positive = 1;
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, negative), 1.75f);
-  EXPECT_EQ(s.IntervalSentimentMode(1, negative), 1);
-  EXPECT_EQ(s.IntervalSentimentMedian(1, negative), 2);  // 2/4 is not above .5; 3/4 is
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, positive), 3.75f);
-  EXPECT_EQ(s.IntervalSentimentMode(1, positive), 4);
-  EXPECT_EQ(s.IntervalSentimentMedian(1, positive), 4);
-  // Ties go to the weaker strength: -5 and -4 once each.
-  EXPECT_EQ(s.IntervalSentimentMode(3, negative), 4);
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(3, negative), 4.5f);
-  EXPECT_EQ(s.IntervalSentimentMedian(3, negative), 5);  // 1/2 then 2/2
-  // An empty interval.
-  EXPECT_EQ(s.IntervalSentimentMean(2, positive), 0.0f);
-  EXPECT_EQ(s.IntervalSentimentMode(2, positive), 0);
-  EXPECT_EQ(s.IntervalSentimentMedian(2, positive), 0);
-}
-
-TEST(Sentiment, ValenceIsReplacedByItsSign) {
-  StreamCorpus c = Built(SentimentDocs());
-  TextStream& s = *c.stream;
-  s.BuildSentimentIntervalFrequencyModel(kPosField, kNegField);
-  std::int16_t valence = 7;
-  EXPECT_FLOAT_EQ(s.IntervalSentimentMean(1, valence), 3.75f);
-  EXPECT_EQ(valence, 1);
-  valence = -32000;
-  EXPECT_EQ(s.IntervalSentimentMode(1, valence), 1);
+  // A valence is replaced by its sign.
+  // Mean, mode and median of an interval and side. The median of interval 1's negative side is
+  // 2 (2/4 is not above .5; 3/4 is); in interval 3 ties go to the weaker strength (-5 and -4
+  // once each) and the median is 5 (1/2 then 2/2). An empty interval, and no valence, give 0.
+  const auto statistics = [&](std::int32_t interval, std::int16_t valence) {
+    return std::tuple(s.IntervalSentimentMean(interval, valence),
+                      s.IntervalSentimentMode(interval, valence),
+                      s.IntervalSentimentMedian(interval, valence));
+  };
+  EXPECT_EQ(statistics(1, -1), std::tuple(1.75f, 1, 2));
+  EXPECT_EQ(statistics(1, 7), std::tuple(3.75f, 4, 4));
+  EXPECT_EQ(statistics(3, -1), std::tuple(4.5f, 4, 5));
+  EXPECT_EQ(statistics(2, 1), std::tuple(0.0f, 0, 0));
+  EXPECT_EQ(std::get<0>(statistics(1, 0)), 0.0f);
+  std::int16_t valence = -32000;
+  s.IntervalSentimentMode(1, valence);
   EXPECT_EQ(valence, -1);
-  valence = 0;
-  EXPECT_EQ(s.IntervalSentimentMean(1, valence), 0.0f);
-  EXPECT_EQ(s.IntervalSentimentMedian(1, valence), 0);
-  EXPECT_EQ(valence, 0);
 }
 
 TEST(Sentiment, StrengthsOutOfRangeCountAsTheWeakest) {
