@@ -22,6 +22,30 @@ bool AllAscii8(const unsigned char* p) {
   return (word & 0x8080808080808080ULL) == 0;
 }
 
+// The byte length of the well-formed UTF-8 sequence at p[i], or 0 when there is none.
+std::size_t SequenceLength(const unsigned char* p, std::size_t i, std::size_t n) {
+  const unsigned char c = p[i];
+  std::size_t len;
+  char32_t minimum;
+  char32_t cp;
+  if ((c & 0xE0) == 0xC0) {
+    len = 2, minimum = 0x80, cp = c & 0x1F;
+  } else if ((c & 0xF0) == 0xE0) {
+    len = 3, minimum = 0x800, cp = c & 0x0F;
+  } else if ((c & 0xF8) == 0xF0) {
+    len = 4, minimum = 0x10000, cp = c & 0x07;
+  } else {
+    return 0;
+  }
+  if (i + len > n) return 0;
+  for (std::size_t k = 1; k < len; ++k) {
+    if ((p[i + k] & 0xC0) != 0x80) return 0;
+    cp = (cp << 6) | (p[i + k] & 0x3F);
+  }
+  if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
+  return len;
+}
+
 }  // namespace
 
 bool IsValidUtf8(std::string_view bytes) {
@@ -33,29 +57,12 @@ bool IsValidUtf8(std::string_view bytes) {
       i += 8;
       continue;
     }
-    const unsigned char c = p[i];
-    if (c < 0x80) {
+    if (p[i] < 0x80) {
       ++i;
       continue;
     }
-    std::size_t len;
-    char32_t minimum;
-    char32_t cp;
-    if ((c & 0xE0) == 0xC0) {
-      len = 2, minimum = 0x80, cp = c & 0x1F;
-    } else if ((c & 0xF0) == 0xE0) {
-      len = 3, minimum = 0x800, cp = c & 0x0F;
-    } else if ((c & 0xF8) == 0xF0) {
-      len = 4, minimum = 0x10000, cp = c & 0x07;
-    } else {
-      return false;
-    }
-    if (i + len > n) return false;
-    for (std::size_t k = 1; k < len; ++k) {
-      if ((p[i + k] & 0xC0) != 0x80) return false;
-      cp = (cp << 6) | (p[i + k] & 0x3F);
-    }
-    if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+    const std::size_t len = SequenceLength(p, i, n);
+    if (len == 0) return false;
     i += len;
   }
   return true;
@@ -101,30 +108,6 @@ std::string Utf16ToUtf8(std::string_view bytes, bool bigEndian) {
 }
 
 namespace {
-
-// The byte length of the well-formed UTF-8 sequence at p[i], or 0 when there is none.
-std::size_t SequenceLength(const unsigned char* p, std::size_t i, std::size_t n) {
-  const unsigned char c = p[i];
-  std::size_t len;
-  char32_t minimum;
-  char32_t cp;
-  if ((c & 0xE0) == 0xC0) {
-    len = 2, minimum = 0x80, cp = c & 0x1F;
-  } else if ((c & 0xF0) == 0xE0) {
-    len = 3, minimum = 0x800, cp = c & 0x0F;
-  } else if ((c & 0xF8) == 0xF0) {
-    len = 4, minimum = 0x10000, cp = c & 0x07;
-  } else {
-    return 0;
-  }
-  if (i + len > n) return 0;
-  for (std::size_t k = 1; k < len; ++k) {
-    if ((p[i + k] & 0xC0) != 0x80) return 0;
-    cp = (cp << 6) | (p[i + k] & 0x3F);
-  }
-  if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
-  return len;
-}
 
 // Appends `line` with its well-formed UTF-8 sequences kept and every other byte read as its
 // Windows-1252 character.

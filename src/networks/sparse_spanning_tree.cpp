@@ -4,36 +4,10 @@
 #include <numeric>
 #include <utility>
 
+#include "networks/node_sets.h"
+
 namespace sylvora {
 namespace {
-
-class Components {
- public:
-  explicit Components(std::int32_t n) : parent_(static_cast<std::size_t>(n)) {
-    std::iota(parent_.begin(), parent_.end(), 0);
-  }
-  std::int32_t Find(std::int32_t x) {
-    while (parent_[static_cast<std::size_t>(x)] != x) {
-      auto& p = parent_[static_cast<std::size_t>(x)];
-      p = parent_[static_cast<std::size_t>(p)];
-      x = p;
-    }
-    return x;
-  }
-  // False when both are already joined. Which root survives does not matter: only
-  // membership is read.
-  bool Join(std::int32_t a, std::int32_t b) {
-    a = Find(a);
-    b = Find(b);
-    if (a == b) return false;
-    if (a > b) std::swap(a, b);
-    parent_[static_cast<std::size_t>(b)] = a;
-    return true;
-  }
-
- private:
-  std::vector<std::int32_t> parent_;
-};
 
 bool ByDistanceThenPair(const EdgeRecord& a, const EdgeRecord& b) {
   if (a.Weight != b.Weight) return a.Weight < b.Weight;
@@ -186,7 +160,7 @@ SparseTree SparseSpanningTree(const SparseMatrixSingle& similarities,
       relax(node);
     }
   }
-  Components components(n);
+  NodeSets components(n);
   for (const EdgeRecord& link : tree.links) components.Join(link.FromNode, link.ToNode);
   const auto full = [&] { return tree.links.size() + 1 == static_cast<std::size_t>(n); };
   const auto take = [&](const EdgeRecord& edge) {

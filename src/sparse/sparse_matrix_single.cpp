@@ -12,6 +12,41 @@ namespace sylvora {
 
 namespace {
 
+// Inverted lists: for every row r in 1..RowCount, the columns holding it (ascending) with
+// their values. start[r] .. start[r + 1] - 1 are row r's entries.
+struct RowLists {
+  std::vector<std::size_t> start;
+  std::vector<std::int32_t> columns;
+  std::vector<float> values;
+};
+
+RowLists InvertedRows(const SparseMatrixSingle& matrix) {
+  const std::int32_t rowCount = matrix.RowCount();
+  RowLists lists;
+  lists.start.assign(static_cast<std::size_t>(rowCount) + 2, 0);
+  for (std::int32_t c = 1; c <= matrix.ColCount(); ++c) {
+    for (const std::int32_t r : matrix.Vector(c)->ElementIndexes()) {
+      if (r > rowCount) break;
+      ++lists.start[static_cast<std::size_t>(r) + 1];
+    }
+  }
+  for (std::size_t r = 1; r < lists.start.size(); ++r) lists.start[r] += lists.start[r - 1];
+  lists.columns.resize(lists.start.back());
+  lists.values.resize(lists.start.back());
+  std::vector<std::size_t> next(lists.start.begin(), lists.start.end() - 1);
+  for (std::int32_t c = 1; c <= matrix.ColCount(); ++c) {
+    const SparseVectorSingle& column = *matrix.Vector(c);
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount; ++k) {
+      const std::size_t at = next[static_cast<std::size_t>(rows[k])]++;
+      lists.columns[at] = c;
+      lists.values[at] = values[k];
+    }
+  }
+  return lists;
+}
+
 // What a cell write keeps: 0 and negative values empty the cell (NaN is kept, as it is not
 // "0 or below").
 bool Storable(float value) { return !(value <= 0.0f); }
@@ -145,31 +180,12 @@ SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
   result.Reset(n, n);
   if (metric != 1 && metric != 2) return result;
 
-  // Inverted lists: for every row r in 1..RowCount, the columns holding it (ascending) with
-  // their values. rowStart[r] .. rowStart[r + 1] - 1 are row r's entries.
-  const auto rowCount = static_cast<std::size_t>(rowCount_);
-  std::vector<std::size_t> rowStart(rowCount + 2, 0);
-  for (const SparseVectorSingle& column : columns_) {
-    for (const std::int32_t r : column.ElementIndexes()) {
-      if (r > rowCount_) break;
-      ++rowStart[static_cast<std::size_t>(r) + 1];
-    }
-  }
-  for (std::size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
-  std::vector<std::int32_t> rowColumns(rowStart.back());
-  std::vector<float> rowValues(rowStart.back());
+  const RowLists inverted = InvertedRows(*this);
+  const std::vector<std::size_t>& rowStart = inverted.start;
+  const std::vector<std::int32_t>& rowColumns = inverted.columns;
+  const std::vector<float>& rowValues = inverted.values;
+  // next[r] walks row r: it points at the entry of the column being processed.
   std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
-  for (std::int32_t c = 1; c <= n; ++c) {
-    const auto rows = Column(c).ElementIndexes();
-    const auto values = Column(c).ElementValues();
-    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
-      const std::size_t at = next[static_cast<std::size_t>(rows[k])]++;
-      rowColumns[at] = c;
-      rowValues[at] = values[k];
-    }
-  }
-  // next[r] now walks row r again: it points at the entry of the column being processed.
-  std::copy(rowStart.begin(), rowStart.end() - 1, next.begin());
 
   std::vector<float> magnitudes;
   if (metric == 2) {
@@ -234,30 +250,10 @@ SparseMatrixSingle SparseMatrixSingle::NearestSimilarityMatrix(
   SparseMatrixSingle result;
   result.Reset(n, n);
 
-  // Inverted lists: row r's columns (ascending) and values.
-  const auto rowCount = static_cast<std::size_t>(rowCount_);
-  std::vector<std::size_t> rowStart(rowCount + 2, 0);
-  for (const SparseVectorSingle& column : columns_) {
-    for (const std::int32_t r : column.ElementIndexes()) {
-      if (r > rowCount_) break;
-      ++rowStart[static_cast<std::size_t>(r) + 1];
-    }
-  }
-  for (std::size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
-  std::vector<std::int32_t> rowColumns(rowStart.back());
-  std::vector<float> rowValues(rowStart.back());
-  {
-    std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
-    for (std::int32_t c = 1; c <= n; ++c) {
-      const auto rows = Column(c).ElementIndexes();
-      const auto values = Column(c).ElementValues();
-      for (std::size_t m = 0; m < rows.size() && rows[m] <= rowCount_; ++m) {
-        const std::size_t at = next[static_cast<std::size_t>(rows[m])]++;
-        rowColumns[at] = c;
-        rowValues[at] = values[m];
-      }
-    }
-  }
+  const RowLists inverted = InvertedRows(*this);
+  const std::vector<std::size_t>& rowStart = inverted.start;
+  const std::vector<std::int32_t>& rowColumns = inverted.columns;
+  const std::vector<float>& rowValues = inverted.values;
   std::vector<float> magnitudes(static_cast<std::size_t>(n) + 1, 0.0f);
   for (std::int32_t c = 1; c <= n; ++c)
     magnitudes[static_cast<std::size_t>(c)] = Column(c).Magnitude();
