@@ -257,7 +257,7 @@ TEST_F(CorpusLoad, PathsThatAreNoCorpusFileSayWhatTheyAre) {
 }
 
 // 0 when loading `path` with at most 1 GiB of address space fails for lack of memory.
-int LoadUnderMemoryLimit(const std::string& path) {
+[[maybe_unused]] int LoadUnderMemoryLimit(const std::string& path) {
   const rlimit limit{std::uintmax_t{1} << 30, std::uintmax_t{1} << 30};
   ::setrlimit(RLIMIT_AS, &limit);
   LoadOptions options;
