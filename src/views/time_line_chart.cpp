@@ -175,6 +175,12 @@ void TimeLineChart::Redraw() {
 void TimeLineChart::DrawLayers(QPainter& painter) const {
   const std::int32_t count = IntervalCount();
   if (count == 0) return;
+  // More intervals than pixel columns: drawn one after the other they would overdraw each
+  // other into a solid wall, so each pixel column shows the range of the intervals under it.
+  if (Columns().width < 1.0) {
+    DrawRanges(painter);
+    return;
+  }
   const auto figures = [this](std::int32_t i) -> const TimeLineChartInterval& {
     return data_.intervals[static_cast<std::size_t>(i - 1)];
   };
@@ -237,6 +243,75 @@ void TimeLineChart::DrawLayers(QPainter& painter) const {
   for (std::int32_t i = 1; i <= count; ++i) {
     if (figures(i).events.isEmpty()) continue;
     painter.fillRect(QRectF(ToPixels(i + 0.3, 1.0), ToPixels(i + 0.6, 0.9)), kEventColour);
+  }
+}
+
+namespace {
+
+// The smallest and largest of the values seen.
+struct Range {
+  double low = 0.0;
+  double high = -1.0;
+  bool Empty() const { return high < low; }
+  void Add(double value) {
+    if (Empty()) {
+      low = high = value;
+    } else {
+      low = std::min(low, value);
+      high = std::max(high, value);
+    }
+  }
+};
+
+}  // namespace
+
+void TimeLineChart::DrawRanges(QPainter& painter) const {
+  const std::int32_t count = IntervalCount();
+  const QSize size = PictureSize();
+  const int height = size.height();
+  const auto row = [height](double value) {
+    return std::clamp(static_cast<int>(std::floor((1.0 - value) * height)), 0, height - 1);
+  };
+  // A stroke one pixel wide from `low` to `high` (chart units) in pixel column `x`.
+  const auto stroke = [&](int x, const Range& range, const QColor& colour) {
+    if (range.Empty()) return;
+    const int top = row(range.high);
+    painter.fillRect(QRect(x, top, 1, row(range.low) - top + 1), colour);
+  };
+  const auto figures = [this](std::int32_t i) -> const TimeLineChartInterval& {
+    return data_.intervals[static_cast<std::size_t>(i - 1)];
+  };
+  const double scale = data_.maxIntervalDocCount > 0 ? 1.0 / data_.maxIntervalDocCount : 0.0;
+  const std::int32_t firstNovel = data_.noveltyWindow + 1;
+  for (int x = 0; x < size.width(); ++x) {
+    // The intervals whose columns overlap pixel column x.
+    const auto first = static_cast<std::int32_t>(std::max(1.0, std::floor(UnitsX(x))));
+    const auto last = static_cast<std::int32_t>(
+        std::min(static_cast<double>(count), std::ceil(UnitsX(x + 1.0)) - 1.0));
+    if (first > last) continue;
+    double volume = 0.0;
+    double links = 0.0;
+    Range novelty, positive, negative, homogeneity;
+    bool events = false;
+    for (std::int32_t i = first; i <= last; ++i) {
+      const TimeLineChartInterval& f = figures(i);
+      const double v = f.documents * scale;
+      volume = std::max(volume, v);
+      links = std::max(links, static_cast<double>(f.linkRatio) * v);
+      if (i >= firstNovel) novelty.Add(f.novelty);
+      positive.Add(SentimentValue(f, true) / kSentimentScale);
+      negative.Add(SentimentValue(f, false) / kSentimentScale);
+      if (count >= 2) homogeneity.Add(f.homogeneity);
+      events = events || !f.events.isEmpty();
+    }
+    // The bars of all the intervals under the column reach the tallest of them.
+    if (volume > 0.0) stroke(x, {0.0, volume}, kVolumeColour);
+    if (links > 0.0) stroke(x, {0.0, links}, kLinkColour);
+    stroke(x, novelty, kNoveltyColour);
+    stroke(x, positive, kPositiveColour);
+    stroke(x, negative, kNegativeColour);
+    stroke(x, homogeneity, kHomogeneityColour);
+    if (events) painter.fillRect(QRect(x, 0, 1, row(0.9)), kEventColour);
   }
 }
 

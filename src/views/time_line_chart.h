@@ -11,6 +11,10 @@
 //                   s = mean, mode or median strength by SentimentAverage()
 //   homogeneity     line from (1, hom(1)) through (i + 0.5, hom(i)), i >= 2    RGB 200, 200, 0
 //   events          box (i + 0.3, 1)-(i + 0.6, 0.9) where the interval has events, RGB 0, 0, 128
+// When the intervals are narrower than a pixel, each pixel column instead shows the range of
+// the intervals under it: the volume and link-share bars as tall as the tallest, and each line
+// as a vertical stroke from its smallest to its largest value there (event marks where any of
+// them has events; novelty points are too small to show).
 // Hover and selection marks live on an overlay over the persistent picture: the hovered
 // interval outlined (h, 0)-(h + 0.9, 1) in RGB 50, 50, 50 and the selected one in RGB 160, 0,
 // 160; right after a click the selected interval alone, outlined in black.
@@ -45,8 +49,8 @@
 // The page sets its ChartDetails label from HoverChanged, does the click's work (lens cursor,
 // lists, messages) on IntervalClicked and asks the clipboard question on ChartDoubleClicked.
 //
-// Cost. A redraw draws a fixed number of shapes per interval into the picture; a hover paints
-// the overlay only.
+// Cost. A redraw draws a fixed number of shapes per interval, or per pixel column when the
+// intervals are narrower than a pixel, into the picture; a hover paints the overlay only.
 
 #include <QColor>
 #include <QImage>
@@ -215,6 +219,9 @@ class TimeLineChart : public QObject {
   }
   float SentimentValue(const TimeLineChartInterval& figures, bool positive) const;
   void DrawLayers(QPainter& painter) const;
+  // The layers with more intervals than pixel columns: per pixel column, the range of the
+  // intervals under it.
+  void DrawRanges(QPainter& painter) const;
   void PaintOverlay(QPainter& painter) const;
   void Refresh();
 

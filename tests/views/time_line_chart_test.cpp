@@ -183,6 +183,52 @@ class TimeLineChartTest : public QObject {
     QCOMPARE(chart->ToolTipText(1) + chart->ToolTipText(9), QString());
   }
 
+  // 10,000 intervals over 500 pixels, in five blocks of 2,000 (100 pixel columns each) whose
+  // even and odd intervals alternate between two levels: every pixel column inside a block
+  // shows each series as one stroke from the block's low level to its high level, and the
+  // link-share bar as tall as the tallest of the intervals under it.
+  void moreIntervalsThanPixelsDrawRanges() {
+    TimeLineChartData data = Quiet(10000);
+    const auto low = [](std::int32_t i, double base) { return base + ((i - 1) / 2000) / 64.0; };
+    for (std::int32_t i = 1; i <= 10000; ++i) {
+      const double step = (i % 2 == 1) ? 1.0 / 16.0 : 0.0;
+      TimeLineChartInterval& figures = At(data, i);
+      figures.documents = 10;
+      figures.linkRatio = (i % 2 == 1) ? 1.0f : 0.0f;
+      figures.novelty = static_cast<float>(low(i, 0.75) + step);
+      figures.positiveMean = static_cast<float>(5.0 * (low(i, 0.5) + step));
+      figures.negativeMean = static_cast<float>(5.0 * (low(i, 0.25) + step));
+      figures.homogeneity = static_cast<float>(low(i, 0.0) + step);
+    }
+    data.noveltyWindow = 1;
+    const auto chart = OffscreenChart(data);
+    const QImage image = chart->Picture();
+    const auto row = [](double value) {
+      return std::min(199, static_cast<int>((1 - value) * 200));
+    };
+    const std::pair<double, QColor> series[] = {
+        {0.75, kNovelty}, {0.5, kPositive}, {0.25, kNegative}, {0.0, kHomogeneity}};
+    for (const int x : {50, 150, 250, 350, 450}) {
+      const std::int32_t interval = chart->IntervalAt({x + 0.5, 100});
+      for (const auto& [base, colour] : series) {
+        const int bottom = row(low(interval, base));
+        const int top = row(low(interval, base) + 1.0 / 16.0);
+        const QString where = QStringLiteral("x %1 row %2..%3").arg(x).arg(top).arg(bottom);
+        QVERIFY2(
+            CountColour(image, QRectF(x, top, 1, bottom - top + 1), colour) == bottom - top + 1,
+            qPrintable(where));
+        QVERIFY2(PixelAt(image, {double(x), top - 1.0}) != colour, qPrintable(where));
+        if (bottom < 199)
+          QVERIFY2(PixelAt(image, {double(x), bottom + 1.0}) != colour, qPrintable(where));
+      }
+      // Between the lines, the link-share bar of the odd intervals, never the lighter volume.
+      QCOMPARE(PixelAt(image, {double(x), double(row(0.45))}), kLinks);
+      QCOMPARE(CountColour(image, QRectF(x, 0, 1, 200), kVolume), 0);
+    }
+    // A click still falls on one interval: the one whose column holds the pointer.
+    QCOMPARE(chart->IntervalAt({100.5, 100}), 2010);
+  }
+
   void chartDetailsTexts() {
     TimeLineChartInterval figures;
     figures.documents = 142;
