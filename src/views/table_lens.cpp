@@ -159,6 +159,16 @@ void TableLens::SetVisibleColumns(std::int32_t count) {
   Redraw();
 }
 
+void TableLens::ShowColumns(std::int32_t left, std::int32_t count) {
+  const std::int32_t cols = table_ != nullptr ? table_->ColCount() : 0;
+  if (cols < 1) return;
+  visibleColumns_ = std::clamp(count, 1, cols);
+  leftColumn_ = std::clamp(left, 1, cols - visibleColumns_ + 1);
+  Layout();
+  if (surface_) surface_->SetScrollBarValue(Qt::Horizontal, (leftColumn_ - 1) / horizontalUnit_);
+  Redraw();
+}
+
 void TableLens::SetCellStyle(std::uint8_t style) {
   cellStyle_ = style;
   Layout();

@@ -175,6 +175,13 @@ void TimeLineChart::Redraw() {
 void TimeLineChart::DrawLayers(QPainter& painter) const {
   const std::int32_t count = IntervalCount();
   if (count == 0) return;
+  // A layout that starts further on (a zoomed or scrolled term time line) leaves the earlier
+  // intervals out, as the term time line does.
+  if (Columns().firstInterval > 1) {
+    const QSize size = PictureSize();
+    const double left = std::max(0.0, ToPixels(Columns().firstInterval, 0.0).x());
+    painter.setClipRect(QRectF(left, 0.0, size.width() - left, size.height()));
+  }
   // More intervals than pixel columns: drawn one after the other they would overdraw each
   // other into a solid wall, so each pixel column shows the range of the intervals under it.
   if (Columns().width < 1.0) {

@@ -25,7 +25,8 @@
 // Columns. Interval i covers x = i..i + 1 in chart units. By default the chart is laid out as
 // the term time line lays out its columns without a row header: IntervalCount() + 1 equal
 // columns over the width, interval i in column i. SetColumnGeometry aligns it with any other
-// column layout (the TableLens that sits below it: ColumnGeometryOfLens).
+// column layout (the TableLens that sits below it: ColumnGeometryOfLens); intervals before
+// the layout's first interval are then left out of the drawing.
 //
 // Data. The chart draws a plain copy of the per-interval figures (TimeLineChartData, filled
 // from the session's interval series by TimeLineChartDataFromSeries in
