@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -48,6 +49,13 @@ void TimeLineExplorerPage::BuildChart() {
           &TimeLineExplorerPage::Chart_DblClick);
   // After the chart's own filter, so that the page sees the wheel and pan drags first.
   chartBox_->installEventFilter(this);
+  // The dates under the chart, as wide as the chart.
+  chartAxis_ = new QWidget;
+  chartAxis_->setObjectName(u"ChartAxis"_s);
+  chartAxis_->setFixedHeight(chartAxis_->fontMetrics().height() + 6);
+  chartAxis_->setCursor(Qt::SizeHorCursor);
+  chartHost_->layout()->addWidget(chartAxis_);
+  chartAxis_->installEventFilter(this);
   connect(chartBox_, &QWidget::customContextMenuRequested, this,
           &TimeLineExplorerPage::ShowChartMenu);
   connect(tifmViewHScroller_, &QScrollBar::valueChanged, this,
@@ -59,6 +67,7 @@ void TimeLineExplorerPage::ShowChart() {
     series_ = IntervalSeries();
     chart_->SetData({});
     chartDetails_->clear();
+    chartAxis_->update();
     return;
   }
   // Models built elsewhere (not by this page's build) have no series here: no chart for them.
@@ -69,6 +78,7 @@ void TimeLineExplorerPage::ShowChart() {
   chart_->SetData(TimeLineChartDataFromSeries(series_));
   chart_->SetSentimentAverage(sentimentAverage_);
   AlignChart();
+  chartAxis_->update();
 }
 
 void TimeLineExplorerPage::ScheduleChartAlignment() {
@@ -89,6 +99,7 @@ void TimeLineExplorerPage::AlignChart() {
   const int lensLeft = tifmViewContainer_->mapTo(tifmFrame_, QPoint(0, 0)).x();
   chart_->SetColumnGeometry(
       TimeLineChart::ColumnGeometryOfLens(*tifmView_, static_cast<double>(chartLeft - lensLeft)));
+  chartAxis_->update();
 }
 
 namespace {
@@ -123,12 +134,21 @@ void TimeLineExplorerPage::ZoomTimeLine(double factor, double anchorX) {
 }
 
 bool TimeLineExplorerPage::TimeLineNavigationEvent(QObject* watched, QEvent* event) {
+  const bool onAxis = watched == chartAxis_;
+  if (onAxis && event->type() == QEvent::Paint) {
+    QPainter painter(chartAxis_);
+    chart_->PaintDateAxis(painter, chartAxis_->size());
+    return true;
+  }
   const bool onChart = watched == chartBox_;
   const bool onLens = watched == tifmViewContainer_ && tifmViewContainer_ != nullptr;
-  if ((!onChart && !onLens) || !tifmView_ || chart_->IntervalCount() == 0) return false;
+  if ((!onChart && !onLens && !onAxis) || !tifmView_ || chart_->IntervalCount() == 0) {
+    return false;
+  }
   switch (event->type()) {
     case QEvent::Wheel: {
-      if (!onChart) return false;
+      // The axis shares the chart's x.
+      if (onLens) return false;
       const auto* wheel = static_cast<QWheelEvent*>(event);
       const int delta = wheel->angleDelta().y();
       if (delta == 0) return false;
@@ -140,7 +160,9 @@ bool TimeLineExplorerPage::TimeLineNavigationEvent(QObject* watched, QEvent* eve
       const bool modified =
           mouse->modifiers().testAnyFlags(Qt::ShiftModifier | Qt::ControlModifier);
       bool pan = false;
-      if (onChart) {
+      if (onAxis) {
+        pan = mouse->button() == Qt::LeftButton;
+      } else if (onChart) {
         pan =
             mouse->button() == Qt::MiddleButton || (mouse->button() == Qt::LeftButton && modified);
       } else {

@@ -39,6 +39,7 @@
 //   SetSentimentAverage(0|1|2)     mean, mode or median sentiment lines, redraws
 //   Redraw()                       the "Redraw" menu item; ClipboardPicture() for the copy
 //   SetColumnGeometry(left, width, firstInterval) / ColumnGeometryOfLens(lens, shift) / reset
+//   DateTicks / PaintDateAxis      the dates under the chart
 //   ChartDetails(i)                the ChartDetails label's text for interval i
 //   ToolTipText(i)                 the interval's events ("" or "|A|B")
 //   IntervalAt(pixel)              the interval under a surface pixel, 0 when none
@@ -61,6 +62,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -156,6 +158,20 @@ class TimeLineChart : public QObject {
   // edge (negative when the chart starts further left).
   static ColumnGeometry ColumnGeometryOfLens(const TableLens& lens, double shift = 0.0);
 
+  // A date under the chart: where it falls in surface pixels and its label.
+  struct DateTick {
+    double x = 0.0;
+    QString label;
+  };
+  // Dates at whole years, months, days or hours over the intervals shown in `width` pixels,
+  // with the finest step whose labels, `textWidth` pixels wide plus a gap, do not run into
+  // each other: "2013", "2013-09", "2013-09-04", "09-04 18:00". Empty without dated intervals.
+  std::vector<DateTick> DateTicks(double width,
+                                  const std::function<double(const QString&)>& textWidth) const;
+  // Draws the ticks and their labels into a strip of `size` (the date axis under the chart,
+  // whose left edge is the chart's).
+  void PaintDateAxis(QPainter& painter, QSize size) const;
+
   // Chart units <-> surface pixels.
   QPointF ToPixels(double x, double y) const;
   double UnitsX(double px) const;
@@ -229,6 +245,8 @@ class TimeLineChart : public QObject {
   std::unique_ptr<ViewSurface> surface_;
   QSize offscreenSize_{800, 200};
   TimeLineChartData data_;
+  // Each interval's start in seconds from 1970-01-01 (-1 when unreadable), for the dates.
+  std::vector<std::int64_t> startSeconds_;
   std::int16_t sentimentAverage_ = kMean;
   bool customColumns_ = false;
   ColumnGeometry columns_;

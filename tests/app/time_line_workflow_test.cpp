@@ -529,8 +529,9 @@ class TimeLineWorkflowTest : public QObject {
   }
 
   // The wheel over the chart zooms both time lines around the pointer; a Shift drag over the
-  // chart and a drag over the term time line's header pan them; the chart always shows the
-  // lens's first to last interval, and a click still selects the interval under the pointer.
+  // chart and a drag over the term time line's header or the chart's dates pan them; the chart
+  // always shows the lens's first to last interval, and a click still selects the interval under
+  // the pointer.
   void WheelAndDragsZoomAndPanBothTimeLines() {
     Indexed w;
     QVERIFY(w.ok);
@@ -596,6 +597,14 @@ class TimeLineWorkflowTest : public QObject {
                         (header - QPointF(column, 0)).toPoint());
     QCOMPARE(lens->LeftColumn(), left + 1);
     QVERIFY(alignedWithTheLens());
+    // A drag over the dates under the chart, without a modifier.
+    auto* axis = w.f.Find<QWidget>(QStringLiteral("ChartAxis"));
+    const QPoint onAxis(surface->width() / 2, axis->height() / 2);
+    QTest::mousePress(axis, Qt::LeftButton, {}, onAxis);
+    QTest::mouseMove(axis, onAxis + QPoint(static_cast<int>(std::lround(column)), 0));
+    QTest::mouseRelease(axis, Qt::LeftButton, {},
+                        onAxis + QPoint(static_cast<int>(std::lround(column)), 0));
+    QCOMPARE(lens->LeftColumn(), left);
 
     // Zoomed all the way out: every interval again.
     wheel(-30);
