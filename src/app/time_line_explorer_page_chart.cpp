@@ -145,6 +145,15 @@ bool TimeLineExplorerPage::TimeLineNavigationEvent(QObject* watched, QEvent* eve
   if ((!onChart && !onLens && !onAxis) || !tifmView_ || chart_->IntervalCount() == 0) {
     return false;
   }
+  // Zoomed in, the chart leaves the intervals before the term time line's first column out:
+  // the pointer over that strip hovers and selects nothing.
+  const auto hidden = [this](const QEvent* mouseEvent) {
+    const auto* mouse = static_cast<const QMouseEvent*>(mouseEvent);
+    const std::int32_t interval = chart_->IntervalAt(mouse->position());
+    return interval != 0 && interval < tifmView_->LeftColumn() &&
+           !mouse->modifiers().testAnyFlags(Qt::ShiftModifier | Qt::ControlModifier) &&
+           mouse->button() != Qt::MiddleButton;
+  };
   switch (event->type()) {
     case QEvent::Wheel: {
       // The axis shares the chart's x.
@@ -170,14 +179,14 @@ bool TimeLineExplorerPage::TimeLineNavigationEvent(QObject* watched, QEvent* eve
         pan = mouse->button() == Qt::LeftButton &&
               mouse->position().y() < tifmView_->CellRect(0, 1).bottom();
       }
-      if (!pan) return false;
+      if (!pan) return onChart && hidden(event);
       panning_ = true;
       panStartX_ = mouse->position().x();
       panStartLeft_ = tifmView_->LeftColumn();
       return true;
     }
     case QEvent::MouseMove: {
-      if (!panning_) return false;
+      if (!panning_) return onChart && hidden(event);
       const auto* mouse = static_cast<QMouseEvent*>(event);
       // Measured from the start of the drag, so that rounding never adds up.
       const double width = tifmView_->CellRect(0, 1).width();

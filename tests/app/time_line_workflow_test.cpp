@@ -576,6 +576,12 @@ class TimeLineWorkflowTest : public QObject {
     QCOMPARE(lens->CursorColumn(), clicked);
     const QRectF cell = lens->CellRect(1, clicked - lens->LeftColumn() + 1);
     QVERIFY(cell.left() <= at.x() + shift + 1 && at.x() + shift - 1 <= cell.right());
+    // Left of the first interval shown (above the lens's row names) nothing is selected.
+    const QPoint beforeFirst(static_cast<int>(lens->CellRect(1, 1).left()) - shift - 5,
+                             static_cast<int>(y));
+    QVERIFY(beforeFirst.x() > 0);
+    QTest::mouseClick(surface, Qt::LeftButton, {}, beforeFirst);
+    QCOMPARE(chart.SelectedInterval(), clicked);
 
     // Shift drag two columns to the right: two earlier intervals come in; nothing is selected.
     const double column = lens->CellRect(1, 1).width();
