@@ -259,7 +259,7 @@ std::int32_t TableLens::ColumnLabelStep() const {
   for (const std::int32_t column : {leftColumn_, last}) {
     const QString shortest =
         ColumnLabelForms(ColumnName(column), VisibleColumnsAcrossYears()).back();
-    needed = std::max(needed, TextWidthUnits(shortest, headerFont_) + 0.2);
+    needed = std::max(needed, TextWidthUnits(shortest, headerFont_) + LabelGapColumns());
   }
   for (std::int32_t step = 1;; step *= 10) {
     for (const std::int32_t candidate : {step, 2 * step, 5 * step}) {
@@ -270,6 +270,13 @@ std::int32_t TableLens::ColumnLabelStep() const {
 
 // ---------------------------------------------------------------------------------------------
 // Geometry
+
+double TableLens::LabelGapColumns() const {
+  // A fifth of a column, and never less than a few pixels: with columns narrower than a pixel
+  // a fifth of one would let the labels touch.
+  constexpr double kSmallestGapPixels = 8.0;
+  return std::max(0.2, kSmallestGapPixels / PixelsPerColumn());
+}
 
 double TableLens::PixelsPerColumn() const {
   const double span = visibleColumns_ + 1.0 - headerWidth_;
@@ -380,7 +387,7 @@ void TableLens::Redraw() {
       painter.setPen(headerForeColour_);
       const QPointF at = ToPixels(c + marginX_ + 0.1, 0.0);
       painter.drawText(QPointF(at.x(), at.y() + ascentHeader),
-                       ColumnLabel(leftColumn_ + c - 1, step - 0.2));
+                       ColumnLabel(leftColumn_ + c - 1, step - LabelGapColumns()));
     }
 
     // Row header.

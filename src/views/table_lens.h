@@ -201,6 +201,8 @@ class TableLens : public QObject {
   std::int32_t ColumnLabelStep() const;
   // Whether the first and last visible column names lie in different years.
   bool VisibleColumnsAcrossYears() const;
+  // The space left between two column labels, in columns.
+  double LabelGapColumns() const;
   double PixelsPerColumn() const;
   double PixelsPerRow() const;
   QPointF ToPixels(double x, double y) const;
