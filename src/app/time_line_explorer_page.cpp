@@ -255,6 +255,7 @@ bool TimeLineExplorerPage::eventFilter(QObject* watched, QEvent* event) {
   // A click in the search box empties it.
   if (watched == findTermStr_ && event->type() == QEvent::MouseButtonPress) findTermStr_->clear();
   if (watched == tifmViewContainer_ && event->type() == QEvent::Resize) ScheduleChartAlignment();
+  if (TimeLineNavigationEvent(watched, event)) return true;
   return QWidget::eventFilter(watched, event);
 }
 

@@ -215,6 +215,14 @@ class TimeLineExplorerPage final : public QWidget {
   void AlignChart();
   void ScheduleChartAlignment();
   void ShowChartMenu(const QPoint& at);
+  // Zoom and pan of the time lines: the term time line shows the new range of intervals and
+  // the chart follows it. ZoomTimeLine multiplies the number of intervals shown by `factor`,
+  // keeping the interval under chart pixel `anchorX` in place.
+  void ZoomTimeLine(double factor, double anchorX);
+  // The chart's and its date axis's wheel, pan drags over the chart (Shift, Ctrl or the middle
+  // button), the axis and the term time line's header, and the axis's painting; true when the
+  // event was used.
+  bool TimeLineNavigationEvent(QObject* watched, QEvent* event);
 
   PageServices services_;
   SaveFileChooser chooseSaveFile_;
@@ -255,8 +263,15 @@ class TimeLineExplorerPage final : public QWidget {
   std::unique_ptr<TableLens> tifmView_;
   std::unique_ptr<TimeLineChart> chart_;
   QWidget* chartBox_ = nullptr;
+  // The strip of dates under the chart ("ChartAxis"): drawn by the chart, a drag pans.
+  QWidget* chartAxis_ = nullptr;
   IntervalSeries series_;
   bool alignmentPending_ = false;
+  // A pan drag: where it started (x in pixels of the widget it started on) and the first
+  // interval shown then.
+  bool panning_ = false;
+  double panStartX_ = 0.0;
+  std::int32_t panStartLeft_ = 1;
   // Lists
   QGroupBox* intervalTermsFrame_ = nullptr;
   QTabWidget* intervalTabs_ = nullptr;

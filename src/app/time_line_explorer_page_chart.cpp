@@ -8,9 +8,15 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
 
 #include "app/platform.h"
 #include "app/time_line_explorer_page.h"
@@ -41,6 +47,15 @@ void TimeLineExplorerPage::BuildChart() {
           [this](int interval) { SelectInterval(interval); });
   connect(chart_.get(), &TimeLineChart::ChartDoubleClicked, this,
           &TimeLineExplorerPage::Chart_DblClick);
+  // After the chart's own filter, so that the page sees the wheel and pan drags first.
+  chartBox_->installEventFilter(this);
+  // The dates under the chart, as wide as the chart.
+  chartAxis_ = new QWidget;
+  chartAxis_->setObjectName(u"ChartAxis"_s);
+  chartAxis_->setFixedHeight(chartAxis_->fontMetrics().height() + 6);
+  chartAxis_->setCursor(Qt::SizeHorCursor);
+  chartHost_->layout()->addWidget(chartAxis_);
+  chartAxis_->installEventFilter(this);
   connect(chartBox_, &QWidget::customContextMenuRequested, this,
           &TimeLineExplorerPage::ShowChartMenu);
   connect(tifmViewHScroller_, &QScrollBar::valueChanged, this,
@@ -52,6 +67,7 @@ void TimeLineExplorerPage::ShowChart() {
     series_ = IntervalSeries();
     chart_->SetData({});
     chartDetails_->clear();
+    chartAxis_->update();
     return;
   }
   // Models built elsewhere (not by this page's build) have no series here: no chart for them.
@@ -62,6 +78,7 @@ void TimeLineExplorerPage::ShowChart() {
   chart_->SetData(TimeLineChartDataFromSeries(series_));
   chart_->SetSentimentAverage(sentimentAverage_);
   AlignChart();
+  chartAxis_->update();
 }
 
 void TimeLineExplorerPage::ScheduleChartAlignment() {
@@ -82,6 +99,112 @@ void TimeLineExplorerPage::AlignChart() {
   const int lensLeft = tifmViewContainer_->mapTo(tifmFrame_, QPoint(0, 0)).x();
   chart_->SetColumnGeometry(
       TimeLineChart::ColumnGeometryOfLens(*tifmView_, static_cast<double>(chartLeft - lensLeft)));
+  chartAxis_->update();
+}
+
+namespace {
+
+// One wheel notch (120 eighths of a degree) forward shows this share of the intervals.
+constexpr double kZoomPerNotch = 0.8;
+// Zoomed in, at least this many intervals stay in view.
+constexpr std::int32_t kFewestVisibleIntervals = 5;
+
+}  // namespace
+
+void TimeLineExplorerPage::ZoomTimeLine(double factor, double anchorX) {
+  if (!tifmView_ || chart_->IntervalCount() == 0 || !(factor > 0.0)) return;
+  const std::int32_t total = chart_->IntervalCount();
+  const std::int32_t left = tifmView_->LeftColumn();
+  const std::int32_t count = tifmView_->VisibleColumns();
+  const std::int32_t fewest = std::min(total, kFewestVisibleIntervals);
+  const auto wanted = static_cast<std::int32_t>(
+      std::clamp(std::lround(count * factor), static_cast<long>(fewest), static_cast<long>(total)));
+  // Zooming by less than a column still moves by one, so that every notch does something.
+  std::int32_t newCount = wanted;
+  if (newCount == count && factor < 1.0) newCount = std::max(fewest, count - 1);
+  if (newCount == count && factor > 1.0) newCount = std::min(total, count + 1);
+  if (newCount == count) return;
+  // The point under the pointer keeps its place: it lies as far into the range, in shares of
+  // the range, before and after.
+  const double anchor = std::clamp(chart_->UnitsX(anchorX), double(left), double(left + count));
+  const auto newLeft = static_cast<std::int32_t>(
+      std::lround(anchor - (anchor - left) * newCount / static_cast<double>(count)));
+  tifmView_->ShowColumns(newLeft, newCount);
+  AlignChart();
+}
+
+bool TimeLineExplorerPage::TimeLineNavigationEvent(QObject* watched, QEvent* event) {
+  const bool onAxis = watched == chartAxis_;
+  if (onAxis && event->type() == QEvent::Paint) {
+    QPainter painter(chartAxis_);
+    chart_->PaintDateAxis(painter, chartAxis_->size());
+    return true;
+  }
+  const bool onChart = watched == chartBox_;
+  const bool onLens = watched == tifmViewContainer_ && tifmViewContainer_ != nullptr;
+  if ((!onChart && !onLens && !onAxis) || !tifmView_ || chart_->IntervalCount() == 0) {
+    return false;
+  }
+  // Zoomed in, the chart leaves the intervals before the term time line's first column out:
+  // the pointer over that strip hovers and selects nothing.
+  const auto hidden = [this](const QEvent* mouseEvent) {
+    const auto* mouse = static_cast<const QMouseEvent*>(mouseEvent);
+    const std::int32_t interval = chart_->IntervalAt(mouse->position());
+    return interval != 0 && interval < tifmView_->LeftColumn() &&
+           !mouse->modifiers().testAnyFlags(Qt::ShiftModifier | Qt::ControlModifier) &&
+           mouse->button() != Qt::MiddleButton;
+  };
+  switch (event->type()) {
+    case QEvent::Wheel: {
+      // The axis shares the chart's x.
+      if (onLens) return false;
+      const auto* wheel = static_cast<QWheelEvent*>(event);
+      const int delta = wheel->angleDelta().y();
+      if (delta == 0) return false;
+      ZoomTimeLine(std::pow(kZoomPerNotch, delta / 120.0), wheel->position().x());
+      return true;
+    }
+    case QEvent::MouseButtonPress: {
+      const auto* mouse = static_cast<QMouseEvent*>(event);
+      const bool modified =
+          mouse->modifiers().testAnyFlags(Qt::ShiftModifier | Qt::ControlModifier);
+      bool pan = false;
+      if (onAxis) {
+        pan = mouse->button() == Qt::LeftButton;
+      } else if (onChart) {
+        pan =
+            mouse->button() == Qt::MiddleButton || (mouse->button() == Qt::LeftButton && modified);
+      } else {
+        // The header row of the term time line has no click of its own.
+        pan = mouse->button() == Qt::LeftButton &&
+              mouse->position().y() < tifmView_->CellRect(0, 1).bottom();
+      }
+      if (!pan) return onChart && hidden(event);
+      panning_ = true;
+      panStartX_ = mouse->position().x();
+      panStartLeft_ = tifmView_->LeftColumn();
+      return true;
+    }
+    case QEvent::MouseMove: {
+      if (!panning_) return onChart && hidden(event);
+      const auto* mouse = static_cast<QMouseEvent*>(event);
+      // Measured from the start of the drag, so that rounding never adds up.
+      const double width = tifmView_->CellRect(0, 1).width();
+      if (width > 0.0) {
+        const auto shift =
+            static_cast<std::int32_t>(std::lround((mouse->position().x() - panStartX_) / width));
+        tifmView_->ShowColumns(panStartLeft_ - shift, tifmView_->VisibleColumns());
+        AlignChart();
+      }
+      return true;
+    }
+    case QEvent::MouseButtonRelease:
+      if (!panning_) return false;
+      panning_ = false;
+      return true;
+    default:
+      return false;
+  }
 }
 
 void TimeLineExplorerPage::Chart_DblClick() {

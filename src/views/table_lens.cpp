@@ -159,6 +159,16 @@ void TableLens::SetVisibleColumns(std::int32_t count) {
   Redraw();
 }
 
+void TableLens::ShowColumns(std::int32_t left, std::int32_t count) {
+  const std::int32_t cols = table_ != nullptr ? table_->ColCount() : 0;
+  if (cols < 1) return;
+  visibleColumns_ = std::clamp(count, 1, cols);
+  leftColumn_ = std::clamp(left, 1, cols - visibleColumns_ + 1);
+  Layout();
+  if (surface_) surface_->SetScrollBarValue(Qt::Horizontal, (leftColumn_ - 1) / horizontalUnit_);
+  Redraw();
+}
+
 void TableLens::SetCellStyle(std::uint8_t style) {
   cellStyle_ = style;
   Layout();
@@ -249,7 +259,7 @@ std::int32_t TableLens::ColumnLabelStep() const {
   for (const std::int32_t column : {leftColumn_, last}) {
     const QString shortest =
         ColumnLabelForms(ColumnName(column), VisibleColumnsAcrossYears()).back();
-    needed = std::max(needed, TextWidthUnits(shortest, headerFont_) + 0.2);
+    needed = std::max(needed, TextWidthUnits(shortest, headerFont_) + LabelGapColumns());
   }
   for (std::int32_t step = 1;; step *= 10) {
     for (const std::int32_t candidate : {step, 2 * step, 5 * step}) {
@@ -260,6 +270,13 @@ std::int32_t TableLens::ColumnLabelStep() const {
 
 // ---------------------------------------------------------------------------------------------
 // Geometry
+
+double TableLens::LabelGapColumns() const {
+  // A fifth of a column, and never less than a few pixels: with columns narrower than a pixel
+  // a fifth of one would let the labels touch.
+  constexpr double kSmallestGapPixels = 8.0;
+  return std::max(0.2, kSmallestGapPixels / PixelsPerColumn());
+}
 
 double TableLens::PixelsPerColumn() const {
   const double span = visibleColumns_ + 1.0 - headerWidth_;
@@ -370,7 +387,7 @@ void TableLens::Redraw() {
       painter.setPen(headerForeColour_);
       const QPointF at = ToPixels(c + marginX_ + 0.1, 0.0);
       painter.drawText(QPointF(at.x(), at.y() + ascentHeader),
-                       ColumnLabel(leftColumn_ + c - 1, step - 0.2));
+                       ColumnLabel(leftColumn_ + c - 1, step - LabelGapColumns()));
     }
 
     // Row header.

@@ -96,6 +96,10 @@ class TableLens : public QObject {
   // row becomes RowCount - count + 1 (never below 1); then layout and redraw. Columns alike.
   void SetVisibleRows(std::int32_t count);
   void SetVisibleColumns(std::int32_t count);
+  // Shows `count` columns from data column `left` (both brought into the table: count
+  // 1..ColCount, left so that the last one shown is a table column); then layout and redraw.
+  // The owner's zoom and pan.
+  void ShowColumns(std::int32_t left, std::int32_t count);
   std::int32_t MaxVisibleRows() const { return maxVisibleRows_; }
   std::int32_t MaxVisibleColumns() const { return maxVisibleColumns_; }
 
@@ -197,6 +201,8 @@ class TableLens : public QObject {
   std::int32_t ColumnLabelStep() const;
   // Whether the first and last visible column names lie in different years.
   bool VisibleColumnsAcrossYears() const;
+  // The space left between two column labels, in columns.
+  double LabelGapColumns() const;
   double PixelsPerColumn() const;
   double PixelsPerRow() const;
   QPointF ToPixels(double x, double y) const;

@@ -1,5 +1,8 @@
 #include "views/time_line_chart.h"
 
+#include <QDate>
+#include <QDateTime>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPen>
 #include <QPolygonF>
@@ -7,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "sparse/number_format.h"
@@ -41,6 +45,110 @@ QString Formatted(float value, std::string_view pattern) {
   return QString::fromStdString(FormatNumber(value, pattern));
 }
 
+// Seconds from 1970-01-01 of "YYYY-MM-DD HH:MM:SS" (the seconds and time may be missing);
+// -1 when the text is no such date.
+std::int64_t StartSeconds(const QString& text) {
+  if (text.size() < 10) return -1;
+  const auto number = [&text](qsizetype at, qsizetype length) {
+    bool ok = false;
+    const int value = text.mid(at, length).toInt(&ok);
+    return ok ? value : -1;
+  };
+  const QDate date(number(0, 4), number(5, 2), number(8, 2));
+  if (!date.isValid()) return -1;
+  const int hour = text.size() >= 13 ? std::max(0, number(11, 2)) : 0;
+  const int minute = text.size() >= 16 ? std::max(0, number(14, 2)) : 0;
+  const int second = text.size() >= 19 ? std::max(0, number(17, 2)) : 0;
+  return (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * 86400 + hour * 3600 +
+         minute * 60 + second;
+}
+
+// The steps between dates, finest first, and how each is labelled.
+enum class DateUnit { kHour, kDay, kMonth, kYear };
+struct DateStep {
+  DateUnit unit;
+  int count;
+};
+constexpr DateStep kDateSteps[] = {
+    {DateUnit::kHour, 1},  {DateUnit::kHour, 2},  {DateUnit::kHour, 3},  {DateUnit::kHour, 6},
+    {DateUnit::kHour, 12}, {DateUnit::kDay, 1},   {DateUnit::kDay, 2},   {DateUnit::kDay, 7},
+    {DateUnit::kDay, 14},  {DateUnit::kMonth, 1}, {DateUnit::kMonth, 2}, {DateUnit::kMonth, 3},
+    {DateUnit::kMonth, 6}, {DateUnit::kYear, 1},  {DateUnit::kYear, 2},  {DateUnit::kYear, 5},
+    {DateUnit::kYear, 10}, {DateUnit::kYear, 20}, {DateUnit::kYear, 50}, {DateUnit::kYear, 100}};
+
+double ApproximateSeconds(const DateStep& step) {
+  switch (step.unit) {
+    case DateUnit::kHour:
+      return 3600.0 * step.count;
+    case DateUnit::kDay:
+      return 86400.0 * step.count;
+    case DateUnit::kMonth:
+      return 2629746.0 * step.count;
+    default:
+      return 31556952.0 * step.count;
+  }
+}
+
+QDateTime UtcFromSeconds(std::int64_t seconds) {
+  return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+}
+
+QString DateLabel(const QDateTime& at, DateUnit unit) {
+  switch (unit) {
+    case DateUnit::kHour:
+      return at.toString(QStringLiteral("MM-dd HH:mm"));
+    case DateUnit::kDay:
+      return at.toString(QStringLiteral("yyyy-MM-dd"));
+    case DateUnit::kMonth:
+      return at.toString(QStringLiteral("yyyy-MM"));
+    default:
+      return at.toString(QStringLiteral("yyyy"));
+  }
+}
+
+// The first date of the step at or after `from`.
+QDateTime FirstDate(std::int64_t from, const DateStep& step) {
+  const QDateTime at = UtcFromSeconds(from);
+  const QDate date = at.date();
+  QDateTime first;
+  switch (step.unit) {
+    case DateUnit::kHour: {
+      const int hour = (at.time().hour() / step.count) * step.count;
+      first = QDateTime(date, QTime(hour, 0), Qt::UTC);
+      break;
+    }
+    case DateUnit::kDay: {
+      const qint64 day = (date.toJulianDay() / step.count) * step.count;
+      first = QDateTime(QDate::fromJulianDay(day), QTime(0, 0), Qt::UTC);
+      break;
+    }
+    case DateUnit::kMonth: {
+      const int month = ((date.month() - 1) / step.count) * step.count + 1;
+      first = QDateTime(QDate(date.year(), month, 1), QTime(0, 0), Qt::UTC);
+      break;
+    }
+    default: {
+      const int year = (date.year() / step.count) * step.count;
+      first = QDateTime(QDate(year, 1, 1), QTime(0, 0), Qt::UTC);
+      break;
+    }
+  }
+  return first;
+}
+
+QDateTime NextDate(const QDateTime& at, const DateStep& step) {
+  switch (step.unit) {
+    case DateUnit::kHour:
+      return at.addSecs(3600LL * step.count);
+    case DateUnit::kDay:
+      return at.addDays(step.count);
+    case DateUnit::kMonth:
+      return at.addMonths(step.count);
+    default:
+      return at.addYears(step.count);
+  }
+}
+
 }  // namespace
 
 QString ChartDetailsText(const TimeLineChartInterval& figures, std::int32_t interval) {
@@ -70,6 +178,11 @@ QWidget* TimeLineChart::ChartSurface() const { return surface_ ? surface_->Widge
 
 void TimeLineChart::SetData(TimeLineChartData data) {
   data_ = std::move(data);
+  startSeconds_.clear();
+  startSeconds_.reserve(data_.intervals.size());
+  for (const TimeLineChartInterval& figures : data_.intervals) {
+    startSeconds_.push_back(StartSeconds(figures.start));
+  }
   hoverInterval_ = 0;
   selectedInterval_ = 0;
   overlay_ = OverlayMode::kNone;
@@ -175,6 +288,19 @@ void TimeLineChart::Redraw() {
 void TimeLineChart::DrawLayers(QPainter& painter) const {
   const std::int32_t count = IntervalCount();
   if (count == 0) return;
+  // A layout that starts further on (a zoomed or scrolled term time line) leaves the earlier
+  // intervals out, as the term time line does.
+  if (Columns().firstInterval > 1) {
+    const QSize size = PictureSize();
+    const double left = std::max(0.0, ToPixels(Columns().firstInterval, 0.0).x());
+    painter.setClipRect(QRectF(left, 0.0, size.width() - left, size.height()));
+  }
+  // More intervals than pixel columns: drawn one after the other they would overdraw each
+  // other into a solid wall, so each pixel column shows the range of the intervals under it.
+  if (Columns().width < 1.0) {
+    DrawRanges(painter);
+    return;
+  }
   const auto figures = [this](std::int32_t i) -> const TimeLineChartInterval& {
     return data_.intervals[static_cast<std::size_t>(i - 1)];
   };
@@ -237,6 +363,151 @@ void TimeLineChart::DrawLayers(QPainter& painter) const {
   for (std::int32_t i = 1; i <= count; ++i) {
     if (figures(i).events.isEmpty()) continue;
     painter.fillRect(QRectF(ToPixels(i + 0.3, 1.0), ToPixels(i + 0.6, 0.9)), kEventColour);
+  }
+}
+
+namespace {
+
+// The smallest and largest of the values seen.
+struct Range {
+  double low = 0.0;
+  double high = -1.0;
+  bool Empty() const { return high < low; }
+  void Add(double value) {
+    if (Empty()) {
+      low = high = value;
+    } else {
+      low = std::min(low, value);
+      high = std::max(high, value);
+    }
+  }
+};
+
+}  // namespace
+
+void TimeLineChart::DrawRanges(QPainter& painter) const {
+  const std::int32_t count = IntervalCount();
+  const QSize size = PictureSize();
+  const int height = size.height();
+  const auto row = [height](double value) {
+    return std::clamp(static_cast<int>(std::floor((1.0 - value) * height)), 0, height - 1);
+  };
+  // A stroke one pixel wide from `low` to `high` (chart units) in pixel column `x`.
+  const auto stroke = [&](int x, const Range& range, const QColor& colour) {
+    if (range.Empty()) return;
+    const int top = row(range.high);
+    painter.fillRect(QRect(x, top, 1, row(range.low) - top + 1), colour);
+  };
+  const auto figures = [this](std::int32_t i) -> const TimeLineChartInterval& {
+    return data_.intervals[static_cast<std::size_t>(i - 1)];
+  };
+  const double scale = data_.maxIntervalDocCount > 0 ? 1.0 / data_.maxIntervalDocCount : 0.0;
+  const std::int32_t firstNovel = data_.noveltyWindow + 1;
+  for (int x = 0; x < size.width(); ++x) {
+    // The intervals whose columns overlap pixel column x.
+    const auto first = static_cast<std::int32_t>(std::max(1.0, std::floor(UnitsX(x))));
+    const auto last = static_cast<std::int32_t>(
+        std::min(static_cast<double>(count), std::ceil(UnitsX(x + 1.0)) - 1.0));
+    if (first > last) continue;
+    double volume = 0.0;
+    double links = 0.0;
+    Range novelty, positive, negative, homogeneity;
+    bool events = false;
+    for (std::int32_t i = first; i <= last; ++i) {
+      const TimeLineChartInterval& f = figures(i);
+      const double v = f.documents * scale;
+      volume = std::max(volume, v);
+      links = std::max(links, static_cast<double>(f.linkRatio) * v);
+      if (i >= firstNovel) novelty.Add(f.novelty);
+      positive.Add(SentimentValue(f, true) / kSentimentScale);
+      negative.Add(SentimentValue(f, false) / kSentimentScale);
+      if (count >= 2) homogeneity.Add(f.homogeneity);
+      events = events || !f.events.isEmpty();
+    }
+    // The bars of all the intervals under the column reach the tallest of them.
+    if (volume > 0.0) stroke(x, {0.0, volume}, kVolumeColour);
+    if (links > 0.0) stroke(x, {0.0, links}, kLinkColour);
+    stroke(x, novelty, kNoveltyColour);
+    stroke(x, positive, kPositiveColour);
+    stroke(x, negative, kNegativeColour);
+    stroke(x, homogeneity, kHomogeneityColour);
+    if (events) painter.fillRect(QRect(x, 0, 1, row(0.9)), kEventColour);
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Dates
+
+std::vector<TimeLineChart::DateTick> TimeLineChart::DateTicks(
+    double width, const std::function<double(const QString&)>& textWidth) const {
+  const std::int32_t count = IntervalCount();
+  std::vector<DateTick> ticks;
+  if (count < 2 || width <= 0.0) return ticks;
+  for (const std::int64_t start : startSeconds_) {
+    if (start < 0) return ticks;
+  }
+  // Interval i runs from its start to the next one's; the last is as long as the one before.
+  const auto startOf = [&](std::int32_t i) -> double {
+    if (i <= count) return static_cast<double>(startSeconds_[static_cast<std::size_t>(i - 1)]);
+    const double last = static_cast<double>(startSeconds_.back());
+    return last + (i - count) * (last - startSeconds_[startSeconds_.size() - 2]);
+  };
+  const auto secondsAt = [&](double units) {
+    const double clamped = std::clamp(units, 1.0, count + 1.0);
+    const auto i = std::min(count, static_cast<std::int32_t>(std::floor(clamped)));
+    return startOf(i) + (clamped - i) * (startOf(i + 1) - startOf(i));
+  };
+  const auto unitsAt = [&](double seconds) {
+    const auto after = std::upper_bound(startSeconds_.begin(), startSeconds_.end(),
+                                        static_cast<std::int64_t>(std::floor(seconds)));
+    const auto i = static_cast<std::int32_t>(
+        std::max<std::ptrdiff_t>(1, std::distance(startSeconds_.begin(), after)));
+    const double length = startOf(i + 1) - startOf(i);
+    return i + (length > 0.0 ? (seconds - startOf(i)) / length : 0.0);
+  };
+  // The pixels that show intervals: from the first one shown (or the left edge) to the right.
+  const double left = std::max(0.0, ToPixels(Columns().firstInterval, 0.0).x());
+  const double right = std::min(width, ToPixels(count + 1.0, 0.0).x());
+  if (right <= left) return ticks;
+  const double from = secondsAt(UnitsX(left));
+  const double to = secondsAt(UnitsX(right));
+  if (!(to > from)) return ticks;
+  const double pixelsPerSecond = (right - left) / (to - from);
+
+  constexpr double kLabelGap = 16.0;
+  const DateStep* chosen = &kDateSteps[std::size(kDateSteps) - 1];
+  for (const DateStep& step : kDateSteps) {
+    const QString widest = DateLabel(UtcFromSeconds(static_cast<std::int64_t>(from)), step.unit);
+    // Months and years differ in length: the label of the start is as wide as any.
+    if (ApproximateSeconds(step) * pixelsPerSecond >= textWidth(widest) + kLabelGap) {
+      chosen = &step;
+      break;
+    }
+  }
+  for (QDateTime at = FirstDate(static_cast<std::int64_t>(std::floor(from)), *chosen);
+       at.isValid() && at.toSecsSinceEpoch() <= to; at = NextDate(at, *chosen)) {
+    const double seconds = static_cast<double>(at.toSecsSinceEpoch());
+    if (seconds < from) continue;
+    ticks.push_back({ToPixels(unitsAt(seconds), 0.0).x(), DateLabel(at, chosen->unit)});
+  }
+  return ticks;
+}
+
+void TimeLineChart::PaintDateAxis(QPainter& painter, QSize size) const {
+  painter.fillRect(QRect(QPoint(0, 0), size), kWhite);
+  const QFontMetricsF metrics(painter.font());
+  const auto ticks = DateTicks(
+      size.width(), [&metrics](const QString& text) { return metrics.horizontalAdvance(text); });
+  painter.setPen(QPen(QColor(0, 0, 0), 1));
+  constexpr int kTickLength = 4;
+  for (const DateTick& tick : ticks) {
+    const int x = static_cast<int>(std::floor(tick.x));
+    painter.drawLine(x, 0, x, kTickLength);
+    // The label starts at its date; one that would run off the right edge is left out rather
+    // than cut or laid over its neighbour.
+    const double textLeft = x + 2.0;
+    if (textLeft + metrics.horizontalAdvance(tick.label) > size.width()) continue;
+    painter.drawText(QPointF(textLeft, kTickLength + metrics.ascent()), tick.label);
   }
 }
 

@@ -11,6 +11,10 @@
 //                   s = mean, mode or median strength by SentimentAverage()
 //   homogeneity     line from (1, hom(1)) through (i + 0.5, hom(i)), i >= 2    RGB 200, 200, 0
 //   events          box (i + 0.3, 1)-(i + 0.6, 0.9) where the interval has events, RGB 0, 0, 128
+// When the intervals are narrower than a pixel, each pixel column instead shows the range of
+// the intervals under it: the volume and link-share bars as tall as the tallest, and each line
+// as a vertical stroke from its smallest to its largest value there (event marks where any of
+// them has events; novelty points are too small to show).
 // Hover and selection marks live on an overlay over the persistent picture: the hovered
 // interval outlined (h, 0)-(h + 0.9, 1) in RGB 50, 50, 50 and the selected one in RGB 160, 0,
 // 160; right after a click the selected interval alone, outlined in black.
@@ -21,7 +25,8 @@
 // Columns. Interval i covers x = i..i + 1 in chart units. By default the chart is laid out as
 // the term time line lays out its columns without a row header: IntervalCount() + 1 equal
 // columns over the width, interval i in column i. SetColumnGeometry aligns it with any other
-// column layout (the TableLens that sits below it: ColumnGeometryOfLens).
+// column layout (the TableLens that sits below it: ColumnGeometryOfLens); intervals before
+// the layout's first interval are then left out of the drawing.
 //
 // Data. The chart draws a plain copy of the per-interval figures (TimeLineChartData, filled
 // from the session's interval series by TimeLineChartDataFromSeries in
@@ -34,6 +39,7 @@
 //   SetSentimentAverage(0|1|2)     mean, mode or median sentiment lines, redraws
 //   Redraw()                       the "Redraw" menu item; ClipboardPicture() for the copy
 //   SetColumnGeometry(left, width, firstInterval) / ColumnGeometryOfLens(lens, shift) / reset
+//   DateTicks / PaintDateAxis      the dates under the chart
 //   ChartDetails(i)                the ChartDetails label's text for interval i
 //   ToolTipText(i)                 the interval's events ("" or "|A|B")
 //   IntervalAt(pixel)              the interval under a surface pixel, 0 when none
@@ -45,8 +51,8 @@
 // The page sets its ChartDetails label from HoverChanged, does the click's work (lens cursor,
 // lists, messages) on IntervalClicked and asks the clipboard question on ChartDoubleClicked.
 //
-// Cost. A redraw draws a fixed number of shapes per interval into the picture; a hover paints
-// the overlay only.
+// Cost. A redraw draws a fixed number of shapes per interval, or per pixel column when the
+// intervals are narrower than a pixel, into the picture; a hover paints the overlay only.
 
 #include <QColor>
 #include <QImage>
@@ -56,6 +62,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -151,6 +158,20 @@ class TimeLineChart : public QObject {
   // edge (negative when the chart starts further left).
   static ColumnGeometry ColumnGeometryOfLens(const TableLens& lens, double shift = 0.0);
 
+  // A date under the chart: where it falls in surface pixels and its label.
+  struct DateTick {
+    double x = 0.0;
+    QString label;
+  };
+  // Dates at whole years, months, days or hours over the intervals shown in `width` pixels,
+  // with the finest step whose labels, `textWidth` pixels wide plus a gap, do not run into
+  // each other: "2013", "2013-09", "2013-09-04", "09-04 18:00". Empty without dated intervals.
+  std::vector<DateTick> DateTicks(double width,
+                                  const std::function<double(const QString&)>& textWidth) const;
+  // Draws the ticks and their labels into a strip of `size` (the date axis under the chart,
+  // whose left edge is the chart's).
+  void PaintDateAxis(QPainter& painter, QSize size) const;
+
   // Chart units <-> surface pixels.
   QPointF ToPixels(double x, double y) const;
   double UnitsX(double px) const;
@@ -215,12 +236,17 @@ class TimeLineChart : public QObject {
   }
   float SentimentValue(const TimeLineChartInterval& figures, bool positive) const;
   void DrawLayers(QPainter& painter) const;
+  // The layers with more intervals than pixel columns: per pixel column, the range of the
+  // intervals under it.
+  void DrawRanges(QPainter& painter) const;
   void PaintOverlay(QPainter& painter) const;
   void Refresh();
 
   std::unique_ptr<ViewSurface> surface_;
   QSize offscreenSize_{800, 200};
   TimeLineChartData data_;
+  // Each interval's start in seconds from 1970-01-01 (-1 when unreadable), for the dates.
+  std::vector<std::int64_t> startSeconds_;
   std::int16_t sentimentAverage_ = kMean;
   bool customColumns_ = false;
   ColumnGeometry columns_;

@@ -3,6 +3,7 @@
 // the interval lists' figures, the message list of each term kind, the menus' check marks,
 // the event time line, the clipboard texts and the CSV files.
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
@@ -16,6 +17,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+#include <QWheelEvent>
 #include <cmath>
 #include <cstdio>
 
@@ -524,6 +526,97 @@ class TimeLineWorkflowTest : public QObject {
     w.f.platform.answers.push_back(Answer::kYes);
     chart.MouseDoubleClick(Qt::LeftButton, at);
     QCOMPARE(w.f.platform.clipboardImage.size(), chart.Picture().size());
+  }
+
+  // The wheel over the chart zooms both time lines around the pointer; a Shift drag over the
+  // chart and a drag over the term time line's header or the chart's dates pan them; the chart
+  // always shows the lens's first to last interval, and a click still selects the interval under
+  // the pointer.
+  void WheelAndDragsZoomAndPanBothTimeLines() {
+    Indexed w;
+    QVERIFY(w.ok);
+    w.f.Window().show();
+    w.f.Window().Tabs().setCurrentWidget(&w.Page());
+    QVERIFY(QTest::qWaitForWindowExposed(&w.f.Window()));
+    QVERIFY(w.Build(QStringLiteral("6")));
+    QTest::qWait(50);
+    TimeLineChart& chart = w.Page().Chart();
+    TableLens* lens = w.Page().TIFMView();
+    QWidget* surface = chart.ChartSurface();
+    const int total = chart.IntervalCount();
+    QVERIFY2(total >= 20, qPrintable(QString::number(total)));
+    QCOMPARE(lens->VisibleColumns(), total);
+    const int shift = surface->mapTo(&w.f.Window(), QPoint(0, 0)).x() -
+                      lens->TLContainer()->mapTo(&w.f.Window(), QPoint(0, 0)).x();
+    const double y = surface->height() / 2.0;
+    // The chart's intervals above the lens's first and last columns are the lens's.
+    const auto alignedWithTheLens = [&] {
+      const int first = lens->LeftColumn();
+      const int last = first + lens->VisibleColumns() - 1;
+      return chart.IntervalAt({lens->CellRect(1, 1).center().x() - shift, y}) == first &&
+             chart.IntervalAt(
+                 {lens->CellRect(1, lens->VisibleColumns()).center().x() - shift, y}) == last;
+    };
+
+    const int pointed = total / 3;
+    const QPointF at = chart.ToPixels(pointed + 0.5, 0.5);
+    const auto wheel = [&](int notches) {
+      QWheelEvent event(at, surface->mapToGlobal(at), QPoint(), QPoint(0, 120 * notches),
+                        Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+      QApplication::sendEvent(surface, &event);
+    };
+    wheel(3);
+    QVERIFY(lens->VisibleColumns() < total);
+    QVERIFY(alignedWithTheLens());
+    QVERIFY(std::abs(chart.IntervalAt(at) - pointed) <= 1);
+    // The click selects the interval under the pointer, whose lens column lies below it.
+    QTest::mouseClick(surface, Qt::LeftButton, {}, at.toPoint());
+    const int clicked = chart.IntervalAt(at);
+    QCOMPARE(chart.SelectedInterval(), clicked);
+    QCOMPARE(lens->CursorColumn(), clicked);
+    const QRectF cell = lens->CellRect(1, clicked - lens->LeftColumn() + 1);
+    QVERIFY(cell.left() <= at.x() + shift + 1 && at.x() + shift - 1 <= cell.right());
+    // Left of the first interval shown (above the lens's row names) nothing is selected.
+    const QPoint beforeFirst(static_cast<int>(lens->CellRect(1, 1).left()) - shift - 5,
+                             static_cast<int>(y));
+    QVERIFY(beforeFirst.x() > 0);
+    QTest::mouseClick(surface, Qt::LeftButton, {}, beforeFirst);
+    QCOMPARE(chart.SelectedInterval(), clicked);
+
+    // Shift drag two columns to the right: two earlier intervals come in; nothing is selected.
+    const double column = lens->CellRect(1, 1).width();
+    int left = lens->LeftColumn();
+    QVERIFY(left > 2);
+    QTest::mousePress(surface, Qt::LeftButton, Qt::ShiftModifier, at.toPoint());
+    QTest::mouseMove(surface, (at + QPointF(2 * column, 0)).toPoint());
+    QTest::mouseRelease(surface, Qt::LeftButton, Qt::ShiftModifier,
+                        (at + QPointF(2 * column, 0)).toPoint());
+    QCOMPARE(lens->LeftColumn(), left - 2);
+    QCOMPARE(chart.SelectedInterval(), clicked);
+    QVERIFY(alignedWithTheLens());
+    // A drag over the lens header to the left: later intervals come in.
+    left = lens->LeftColumn();
+    const QPointF header = lens->CellRect(0, 3).center();
+    QTest::mousePress(lens->TLContainer(), Qt::LeftButton, {}, header.toPoint());
+    QTest::mouseMove(lens->TLContainer(), (header - QPointF(column, 0)).toPoint());
+    QTest::mouseRelease(lens->TLContainer(), Qt::LeftButton, {},
+                        (header - QPointF(column, 0)).toPoint());
+    QCOMPARE(lens->LeftColumn(), left + 1);
+    QVERIFY(alignedWithTheLens());
+    // A drag over the dates under the chart, without a modifier.
+    auto* axis = w.f.Find<QWidget>(QStringLiteral("ChartAxis"));
+    const QPoint onAxis(surface->width() / 2, axis->height() / 2);
+    QTest::mousePress(axis, Qt::LeftButton, {}, onAxis);
+    QTest::mouseMove(axis, onAxis + QPoint(static_cast<int>(std::lround(column)), 0));
+    QTest::mouseRelease(axis, Qt::LeftButton, {},
+                        onAxis + QPoint(static_cast<int>(std::lround(column)), 0));
+    QCOMPARE(lens->LeftColumn(), left);
+
+    // Zoomed all the way out: every interval again.
+    wheel(-30);
+    QCOMPARE(lens->VisibleColumns(), total);
+    QCOMPARE(lens->LeftColumn(), 1);
+    QVERIFY(alignedWithTheLens());
   }
 
   void ClusterExplorerFollowsTheTimeLine() {

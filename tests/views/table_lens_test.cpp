@@ -3,6 +3,7 @@
 
 #include "views/table_lens.h"
 
+#include <QDate>
 #include <QImage>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -354,6 +355,37 @@ class TableLensTest : public QObject {
     const QImage seen = window.lens->Snapshot();
     const QRectF cell = window.lens->CellRect(20, 1);
     QVERIFY(ColourNear(seen, QPointF(cell.left(), cell.center().y()), kCursor));
+  }
+
+  // Thousands of dated columns narrower than a pixel: each header label stays inside its own
+  // header box, so no text runs through the white gap before the next box.
+  void narrowDatedColumnsKeepTheirLabelsApart() {
+    for (const int width : {700, 800, 1000, 1200, 1500}) {
+      TableLens lens;
+      lens.SetPictureSize(QSize(width, 300));
+      SparseMatrixSingle table;
+      table.Reset(3, 8000);
+      lens.SetNumDataTable(table);
+      const QDate first(1999, 1, 1);
+      for (std::int32_t c = 1; c <= 8000; ++c) {
+        lens.SetColumnName(c, first.addDays(c - 1).toString(QStringLiteral("yyyy-MM-dd")) +
+                                  QStringLiteral(" 00:00:00"));
+      }
+      lens.SetVisibleColumns(8000);
+      lens.SetCellStyle(TableLens::kLine);
+      const QImage image = lens.Snapshot();
+      const QRectF header = lens.CellRect(0, 1);
+      // Below the text, the boxes and the gaps between them.
+      const int boxRow = static_cast<int>(header.top() + 0.8 * header.height());
+      int gaps = 0;
+      for (int x = static_cast<int>(header.left()) + 1; x < width; ++x) {
+        if (PixelAt(image, {double(x), double(boxRow)}) != kWhite) continue;
+        ++gaps;
+        QVERIFY2(DarkestLevel(image, QRectF(x, header.top(), 1, 0.5 * header.height())) > 128,
+                 qPrintable(QStringLiteral("width %1, x %2").arg(width).arg(x)));
+      }
+      QVERIFY(gaps > 0);
+    }
   }
 
   void resizingTheSurfaceLaysOutAgain() {

@@ -8,7 +8,9 @@
 
 #include "views/time_line_chart.h"
 
+#include <QDateTime>
 #include <QImage>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
@@ -181,6 +183,117 @@ class TimeLineChartTest : public QObject {
     QCOMPARE(CountColour(image, QRectF(0, 0, 500, 200), kEvent), 2 * 30 * 20);
     QCOMPARE(chart->ToolTipText(2), QStringLiteral("Landfall\nCurfew"));
     QCOMPARE(chart->ToolTipText(1) + chart->ToolTipText(9), QString());
+  }
+
+  // 10,000 intervals over 500 pixels, in five blocks of 2,000 (100 pixel columns each) whose
+  // even and odd intervals alternate between two levels: every pixel column inside a block
+  // shows each series as one stroke from the block's low level to its high level, and the
+  // link-share bar as tall as the tallest of the intervals under it.
+  void moreIntervalsThanPixelsDrawRanges() {
+    TimeLineChartData data = Quiet(10000);
+    const auto low = [](std::int32_t i, double base) { return base + ((i - 1) / 2000) / 64.0; };
+    for (std::int32_t i = 1; i <= 10000; ++i) {
+      const double step = (i % 2 == 1) ? 1.0 / 16.0 : 0.0;
+      TimeLineChartInterval& figures = At(data, i);
+      figures.documents = 10;
+      figures.linkRatio = (i % 2 == 1) ? 1.0f : 0.0f;
+      figures.novelty = static_cast<float>(low(i, 0.75) + step);
+      figures.positiveMean = static_cast<float>(5.0 * (low(i, 0.5) + step));
+      figures.negativeMean = static_cast<float>(5.0 * (low(i, 0.25) + step));
+      figures.homogeneity = static_cast<float>(low(i, 0.0) + step);
+    }
+    data.noveltyWindow = 1;
+    const auto chart = OffscreenChart(data);
+    const QImage image = chart->Picture();
+    const auto row = [](double value) {
+      return std::min(199, static_cast<int>((1 - value) * 200));
+    };
+    const std::pair<double, QColor> series[] = {
+        {0.75, kNovelty}, {0.5, kPositive}, {0.25, kNegative}, {0.0, kHomogeneity}};
+    for (const int x : {50, 150, 250, 350, 450}) {
+      const std::int32_t interval = chart->IntervalAt({x + 0.5, 100});
+      for (const auto& [base, colour] : series) {
+        const int bottom = row(low(interval, base));
+        const int top = row(low(interval, base) + 1.0 / 16.0);
+        const QString where = QStringLiteral("x %1 row %2..%3").arg(x).arg(top).arg(bottom);
+        QVERIFY2(
+            CountColour(image, QRectF(x, top, 1, bottom - top + 1), colour) == bottom - top + 1,
+            qPrintable(where));
+        QVERIFY2(PixelAt(image, {double(x), top - 1.0}) != colour, qPrintable(where));
+        if (bottom < 199)
+          QVERIFY2(PixelAt(image, {double(x), bottom + 1.0}) != colour, qPrintable(where));
+      }
+      // Between the lines, the link-share bar of the odd intervals, never the lighter volume.
+      QCOMPARE(PixelAt(image, {double(x), double(row(0.45))}), kLinks);
+      QCOMPARE(CountColour(image, QRectF(x, 0, 1, 200), kVolume), 0);
+    }
+    // A click still falls on one interval: the one whose column holds the pointer.
+    QCOMPARE(chart->IntervalAt({100.5, 100}), 2010);
+  }
+
+  // Dates under the chart at the finest step whose labels (7 pixels a character here, plus a
+  // gap) keep apart, over the intervals shown: years over two decades, months over three
+  // years, days over three days of hours, hours over ten. (The 22 years start in 1999, the
+  // others on 2012-12-31.)
+  void dateTicksFitTheSpanShown() {
+    struct Case {
+      const char* name;
+      std::int32_t count;
+      std::int64_t secondsPerInterval;
+      TimeLineChart::ColumnGeometry geometry;  // width 0: all intervals
+      const char* pattern;
+      const char* firstLabel;
+      double firstInterval;  // where the first tick falls, in chart units
+    };
+    constexpr std::int64_t kHour = 3600;
+    const Case cases[] = {
+        {"weeks, 22 years", 1150, 7 * 24 * kHour, {}, "^(\\d{4})$", "2000", 0.0},
+        {"2 weeks, 3 years", 78, 14 * 24 * kHour, {}, "^\\d{4}-(01|07)$", "2013-01", 0.0},
+        {"hours, 3 days",
+         10000,
+         kHour,
+         {0.0, 500.0 / 72, 100},
+         "^\\d{4}-\\d\\d-\\d\\d$",
+         "2013-01-05",
+         121.0},
+        {"hours, 10 hours",
+         10000,
+         kHour,
+         {0.0, 50.0, 100},
+         "^\\d\\d-\\d\\d \\d\\d:00$",
+         "01-04 04:00",
+         101.0},
+    };
+    const auto width = [](const QString& text) { return 7.0 * text.size(); };
+    for (const Case& c : cases) {
+      TimeLineChartData data = Quiet(c.count);
+      const QDateTime first(c.count == 1150 ? QDate(1999, 1, 4) : QDate(2012, 12, 31), QTime(0, 0),
+                            Qt::UTC);
+      for (std::int32_t i = 1; i <= c.count; ++i) {
+        At(data, i).start = first.addSecs((i - 1) * c.secondsPerInterval)
+                                .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+      }
+      const auto chart = OffscreenChart(data);
+      if (c.geometry.width > 0.0) chart->SetColumnGeometry(c.geometry);
+      const auto ticks = chart->DateTicks(500.0, width);
+      QVERIFY2(ticks.size() >= 2, c.name);
+      const QRegularExpression pattern(QString::fromLatin1(c.pattern));
+      for (std::size_t k = 0; k < ticks.size(); ++k) {
+        QVERIFY2(pattern.match(ticks[k].label).hasMatch(), qPrintable(ticks[k].label));
+        QVERIFY2(ticks[k].x >= 0.0 && ticks[k].x <= 500.0, c.name);
+        if (k > 0) QVERIFY2(ticks[k].x - ticks[k - 1].x >= width(ticks[k - 1].label), c.name);
+      }
+      QCOMPARE(ticks[0].label, QString::fromLatin1(c.firstLabel));
+      if (c.firstInterval > 0.0) QCOMPARE(ticks[0].x, chart->ToPixels(c.firstInterval, 0).x());
+    }
+    // Without readable dates: no ticks.
+    QVERIFY(OffscreenChart([] {
+              TimeLineChartData undated = Quiet(10);
+              for (auto& figures : undated.intervals) figures.start = QStringLiteral("x");
+              return undated;
+            }())
+                ->DateTicks(500.0, width)
+                .empty());
   }
 
   void chartDetailsTexts() {
