@@ -573,18 +573,18 @@ struct CorpusGenerator::Impl {
       throw RangeError("user count " + std::to_string(options.userCount) +
                        " is outside 50..1000000");
     }
-    if (options.days < 7 || options.days > 366) {
+    if (options.days < 7 || options.days > 36600) {
       throw RangeError("corpus length of " + std::to_string(options.days) +
-                       " days is outside 7..366");
+                       " days is outside 7..36600 (a hundred years)");
     }
     if (options.tweetCount > 100'000'000) {
       throw RangeError("tweet count " + std::to_string(options.tweetCount) + " is above 100000000");
     }
     if (!DateTime::FromParts(options.startYear, options.startMonth, options.startDay) ||
-        options.startYear < 2007 || options.startYear > 2099) {
+        options.startYear < 1950 || options.startYear > 2099) {
       throw RangeError("start date " + std::to_string(options.startYear) + "-" +
                        std::to_string(options.startMonth) + "-" + std::to_string(options.startDay) +
-                       " is no date in 2007..2099");
+                       " is no date in 1950..2099");
     }
   }
 

@@ -74,7 +74,7 @@ struct CorpusOptions {
   std::size_t tweetCount = 5000;
   std::uint64_t seed = kDefaultCorpusSeed;
   int userCount = 1500;  // besides the ten official accounts; 50..1000000
-  int days = 18;         // length of the corpus in days, 7..366
+  int days = 18;         // length of the corpus in days, 7..36600
   // The first day of the corpus (its midnight, UTC).
   int startYear = 2013;
   int startMonth = 9;
