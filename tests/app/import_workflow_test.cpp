@@ -92,8 +92,8 @@ class ImportWorkflowTest : public QObject {
   Q_OBJECT
 
  private slots:
-  // The samples hold the same tweets as the tab-separated one (which the command-line tests
-  // compare index by index); here: the window names the shape and asks nothing. No short-link
+  // The samples hold the same tweets as the tab-separated one (which the session tests compare
+  // field by field); here: the window names the shape and asks nothing. No short-link
   // offer: the platforms give their links expanded. (The CSV sample is oldest first, so the sort
   // by elapsed time gives its notice.)
   void ImportedSamplesLoadLikeTheTabSeparatedOne() {
