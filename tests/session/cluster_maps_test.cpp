@@ -11,7 +11,6 @@
 #include <cmath>
 #include <filesystem>
 #include <set>
-#include <tuple>
 
 #include "layout/shell_and_wait.h"
 #include "networks/proximity_matrix.h"
@@ -447,42 +446,6 @@ TEST_F(SampleMapTest, IntervalMapsDrawTheSameTreeThroughTheSparseRoute) {
     if (std::string(hours) != "1") {
       EXPECT_EQ(sparse, dense);
     }
-  }
-}
-
-// The cells of a square matrix, column by column, for comparing bit for bit.
-std::vector<std::tuple<std::int32_t, std::int32_t, float>> Cells(const SparseMatrixSingle& m) {
-  std::vector<std::tuple<std::int32_t, std::int32_t, float>> cells;
-  for (std::int32_t c = 1; c <= m.ColCount(); ++c) {
-    const auto rows = m.Vector(c)->ElementIndexes();
-    const auto values = m.Vector(c)->ElementValues();
-    for (std::size_t k = 0; k < rows.size(); ++k) cells.emplace_back(c, rows[k], values[k]);
-  }
-  return cells;
-}
-
-// The tweet map's second-order similarity through neighbour lists: with room for every tweet
-// the lists hold exactly the similarities of the full products, and the sparse spanning tree
-// over them has the lengths of the dense route's tree (the same tree but for equal lengths,
-// which retweets make common), on every day of the sample.
-TEST_F(SampleMapTest, NeighbourListsWithRoomForAllGiveTheFullSecondOrderSimilarity) {
-  BuildModelsOf("24");
-  const TextStream& words = session_.WordModel();
-  for (std::int32_t interval = 1; interval <= words.IntervalCount(); ++interval) {
-    SCOPED_TRACE(interval);
-    SparseMatrixSingle tweets;
-    tweets.SetMatrixSelective(session_.WordIndex().Matrix(), words.FirstDocumentIndex(interval) + 1,
-                              words.LastDocumentIndex(interval) + 1, false);
-    const std::int32_t n = tweets.ColCount();
-    SparseMatrixSingle firstOrder = tweets.GetSimilarityMatrix(2);
-    firstOrder.MakeSymmetric(true);
-    SparseMatrixSingle secondOrder = firstOrder.GetSimilarityMatrix(2);
-    secondOrder.MakeSymmetric(true);
-    const SparseMatrixSingle nearFirst = tweets.NearestSimilarityMatrix(n);
-    const SparseMatrixSingle nearSecond = nearFirst.NearestSimilarityMatrix(n);
-    EXPECT_EQ(Cells(nearFirst), Cells(firstOrder));
-    ASSERT_EQ(Cells(nearSecond), Cells(secondOrder));
-    EXPECT_EQ(SortedLengths(SparseTreeDot(nearSecond)), SortedLengths(DenseTreeDot(secondOrder)));
   }
 }
 
