@@ -146,18 +146,6 @@ TEST_F(IntervalSeriesTest, BurstWordsOfAnUnknownMeasureTieInTermOrder) {
             words.TermIndex(unknown.rows[2].bursts[1].term));
 }
 
-TEST_F(IntervalSeriesTest, EventsOfEachInterval) {
-  Build(ThreeIntervals(), "2",
-        {{"02/09/2013 04:00:00", "Landfall"}, {"02/09/2013 05:00:00", "Flood, \"big\""}});
-  const IntervalSeries series = Series();
-  // Both fall in the third interval, which starts at 04:00.
-  EXPECT_EQ(series.rows[1].events, "");
-  EXPECT_EQ(series.rows[2].events, "|Landfall|Flood, \"big\"");
-  std::ostringstream csv;
-  WriteIntervalSeriesCsv(csv, series.rows);
-  EXPECT_NE(csv.str().find(",\"|Landfall|Flood, \"\"big\"\"\"\n"), std::string::npos) << csv.str();
-}
-
 TEST_F(IntervalSeriesTest, ProgressOncePerIntervalAndCancel) {
   Build(ThreeIntervals(), "2");
   std::vector<std::int64_t> done;
