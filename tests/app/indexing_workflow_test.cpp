@@ -85,13 +85,6 @@ class IndexingWorkflowTest : public QObject {
     auto* slider = f.Find<QSlider>(QStringLiteral("TDMViewCols"));
     slider->setValue(40);
     QCOMPARE(lens->VisibleColumns(), 40);
-    // The picture shows black bars: some pixels of the grid are black.
-    const QImage picture = lens->Snapshot();
-    int black = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-      for (int x = 0; x < picture.width(); ++x) black += qGray(picture.pixel(x, y)) < 20 ? 1 : 0;
-    }
-    QVERIFY(black > 100);
     // While a job runs the viewer is gone; a cancel brings it back over the kept index.
     QVERIFY(f.Page().DoIndex_Click());
     QVERIFY(f.Page().WordIndexViewer() == nullptr);

@@ -90,22 +90,6 @@ class StartupTest : public QObject {
     }
   }
 
-  void SettingsFileNamingExistingFilesDoesNotWarn() {
-    WindowOptions options;
-    options.stopListBesideProgram = false;
-    options.sfdpInProgramBin = false;
-    WindowFixture probe(options);  // only for a folder that holds bin/sfdp
-    const QString graphviz = probe.Folder() + QStringLiteral("/gv");
-    QDir().mkpath(graphviz);
-    QFile(graphviz + QStringLiteral("/sfdp")).open(QIODevice::WriteOnly);
-    options.settingsFile = (DataFile(QStringLiteral("common_words.txt")) + QStringLiteral("\r\n") +
-                            graphviz + QStringLiteral("\r\n"))
-                               .toUtf8();
-    WindowFixture f(options);
-    QCOMPARE(f.platform.Texts(), QStringList());
-    QCOMPARE(Box(f, "GraphVisPath")->text(), graphviz);
-  }
-
   void SaveWritesTheTwoBoxesAndTheNextStartReadsThem() {
     QByteArray saved;
     {
