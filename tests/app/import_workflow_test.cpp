@@ -67,12 +67,6 @@ QByteArray FirstLines(const QString& path, int count) {
   return out;
 }
 
-QStringList Strings(const QSignalSpy& spy) {
-  QStringList texts;
-  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
-  return texts;
-}
-
 QStringList Titles(const RecordingPlatform& platform) {
   QStringList titles;
   for (const RecordedBox& box : platform.boxes) titles.push_back(box.title);

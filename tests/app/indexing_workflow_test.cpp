@@ -27,12 +27,6 @@ namespace {
 
 const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
 
-QStringList Strings(const QSignalSpy& spy) {
-  QStringList texts;
-  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
-  return texts;
-}
-
 }  // namespace
 
 class IndexingWorkflowTest : public QObject {

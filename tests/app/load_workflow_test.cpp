@@ -22,16 +22,6 @@ namespace {
 
 const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
 
-QLineEdit* Box(WindowFixture& f, const char* name) {
-  return f.Find<QLineEdit>(QString::fromLatin1(name));
-}
-
-QStringList Strings(const QSignalSpy& spy) {
-  QStringList texts;
-  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
-  return texts;
-}
-
 // A corpus file of `lines` copies of the sample's first lines, renumbered.
 QString WriteRepeated(const QString& folder, const QString& source, int copies) {
   QFile in(source);

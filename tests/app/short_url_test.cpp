@@ -190,9 +190,7 @@ class ShortUrlTest : public QObject {
       replaced += cell.find("marisol-landfall") != std::string::npos;
     }
     QCOMPARE(replaced, 2);
-    QStringList texts;
-    for (const auto& arguments : progress) texts.push_back(arguments.at(0).toString());
-    QVERIFY(texts.contains(
+    QVERIFY(Strings(progress).contains(
         QStringLiteral("Attempting to resolve Short URLs:\r\nProcessed 4 out of 4 URLs\r\n"
                        "Attempted resolutions: 3\r\nSuccessful resolutions: 1")));
 

@@ -26,10 +26,6 @@ namespace {
 
 const QStringList kBothWarnings{app::kGraphvizWarning, app::kStopListWarning};
 
-QLineEdit* Box(WindowFixture& f, const char* name) {
-  return f.Find<QLineEdit>(QString::fromLatin1(name));
-}
-
 }  // namespace
 
 class StartupTest : public QObject {
