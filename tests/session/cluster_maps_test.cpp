@@ -262,16 +262,6 @@ TEST_F(SmallCorpusTest, WordMapJoinsWordsOfOneTopic) {
   EXPECT_TRUE(notifier_.Messages().empty());
 }
 
-TEST_F(SmallCorpusTest, WordMapAtIntervalLevelKeepsEveryTerm) {
-  const FakeGraphviz graphviz(DiagonalPlain(13));
-  ClusterMap map;
-  const MapReport report = BuildWordMap(session_.WordIndex(), &model_, WordMapLevel::kInterval,
-                                        Options(graphviz.Folder()), map, notifier_);
-  ASSERT_TRUE(report.built) << report.error;
-  EXPECT_EQ(map.NodeCount(), session_.WordIndex().TermCount());
-  EXPECT_EQ(map.labels[0], session_.WordIndex().Term(1));
-}
-
 // What a map cannot be made of is refused before Graphviz runs.
 TEST_F(SmallCorpusTest, RefusesWhatItCannotMap) {
   const MapOptions options = Options(kRealGraphviz);

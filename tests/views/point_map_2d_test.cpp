@@ -349,22 +349,6 @@ class PointMap2DTest : public QObject {
     QCOMPARE(window.map->View().right - window.map->View().left, 2.5f);
   }
 
-  void zoomOutStepAccelerates() {
-    PointMap2D map;
-    map.SetReadableDrawing(false);
-    // A wide map with small nodes: the step starts below 1 % of the width.
-    const auto spatial = MakeSpatial({{0, 0}, {1000, 0}, {0.3f, 0}}, {{0, 2}});
-    map.SetCoordinates(*spatial);
-    map.SetBaseNodeSize(1.0f);
-    map.ZoomTo(2, 1000);
-    map.MousePress(Qt::RightButton, QPointF(10, 10));
-    QCOMPARE(map.ZoomOutStep(), 1.0f);
-    map.Tick();
-    QCOMPARE(map.ZoomOutStep(), 1.05f);
-    map.Tick();
-    QCOMPARE(map.ZoomOutStep(), 1.05f * 1.05f);
-  }
-
   // Each digit pans by three base node sizes its way; 2, 4, 6 and 8 pan again on release.
   void digitKeysPan() {
     const int cases[][3] = {{Qt::Key_1, -1, 1}, {Qt::Key_2, 0, 1},  {Qt::Key_5, 0, 0},
