@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "cli_test_support.h"
 #include "support/temp_dir.h"
 
@@ -86,17 +84,6 @@ TEST(TimelineCommand, JsonCarriesTheSameRows) {
       << run.out;
   EXPECT_TRUE(Has(run.out, "\"positive\": {\"mean\": 3, \"mode\": 2, \"median\": 4}")) << run.out;
   EXPECT_TRUE(run.out.ends_with("\"}\n  ]\n}\n")) << run.out;
-}
-
-TEST(TimelineCommand, ScoresAreWrittenShortestWithNamedInfinities) {
-  EXPECT_EQ(ScoreText(0.0f), "0");
-  EXPECT_EQ(ScoreText(0.1f), "0.1");
-  EXPECT_EQ(ScoreText(1.75f), "1.75");
-  EXPECT_EQ(ScoreText(-2.5f), "-2.5");
-  EXPECT_EQ(ScoreText(std::numeric_limits<float>::infinity()), "inf");
-  EXPECT_EQ(ScoreText(-std::numeric_limits<float>::infinity()), "-inf");
-  EXPECT_EQ(ScoreText(std::numeric_limits<float>::quiet_NaN()), "nan");
-  EXPECT_EQ(ScoreText(-std::numeric_limits<float>::quiet_NaN()), "nan");
 }
 
 TEST(TimelineCommand, FailuresStopWithTheirCodeAndMessage) {

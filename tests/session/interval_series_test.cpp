@@ -206,6 +206,14 @@ TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
   EXPECT_EQ(empty.str(), std::string(kIntervalSeriesCsvHeader) + "\n");
 }
 
+// Scores print shortest, with named infinities and one "nan" whatever its sign.
+TEST(IntervalSeriesCsv, ScoresAreWrittenShortest) {
+  constexpr float kInf = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(ScoreText(0.0f) + " " + ScoreText(-2.5f) + " " + ScoreText(1.75f) + " " +
+                ScoreText(-kInf) + " " + ScoreText(-std::numeric_limits<float>::quiet_NaN()),
+            "0 -2.5 1.75 -inf nan");
+}
+
 TEST(IntervalSeriesCsv, FieldsAreQuotedOnlyWhenNeeded) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"plain", "plain"},
