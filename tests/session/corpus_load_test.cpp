@@ -150,17 +150,6 @@ TEST_F(CorpusLoad, AStrayByteChangesOnlyItsLineAndIsCounted) {
       << report.progressText;
 }
 
-TEST_F(CorpusLoad, DatesWithoutZKeepTheirTextAndStillGiveElapsedTime) {
-  const LoadReport report = Load(
-      "2011-01-05 10:00\tann\tfirst tweet of the day\t2\t-1\t1\n"
-      "2011-01-06 10:00\tbob\tsecond tweet of the day\t1\t-1\t0\n",
-      false, "d");
-  ASSERT_TRUE(report.loaded) << report.error;
-  EXPECT_EQ(session_.Documents().Text(0, 0), "2011-01-05 10:00");
-  EXPECT_EQ(session_.Documents().FieldName(7), "Elapsed_Days");
-  EXPECT_EQ(session_.Documents().Text(1, 7), "1");
-}
-
 // Regression: a header line or one garbled row of a sixteen-column export left the corpus
 // without its elapsed-time column, so no time line could be built.
 TEST_F(CorpusLoad, UndatedRowsAreLeftOutAndNamedAndAHeaderIsSkipped) {
@@ -282,26 +271,6 @@ TEST_F(CorpusLoad, AFileThatOutgrowsMemoryIsAFailedLoad) {
   std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
   EXPECT_EXIT(std::exit(LoadUnderMemoryLimit(path)), ::testing::ExitedWithCode(0), "");
 #endif
-}
-
-// A cancel at the links stage or from the step after it empties the set.
-TEST_F(CorpusLoad, CancelEmptiesTheSet) {
-  LoadOptions options;
-  options.path =
-      dir_.WriteFile("c.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
-                                  Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"));
-  options.minDocLen = 0;
-  const ProgressCallback cancelAtLinks = [](std::string_view stage, std::int64_t, std::int64_t) {
-    return stage != "Extracting links";
-  };
-  for (const bool byStep : {false, true}) {
-    const LoadReport report = byStep ? LoadCorpus(session_, options, notifier_, {},
-                                                  [](Session&, LoadReport&) { return false; })
-                                     : LoadCorpus(session_, options, notifier_, cancelAtLinks);
-    EXPECT_FALSE(report.loaded);
-    EXPECT_EQ(report.error, "Loading cancelled");
-    EXPECT_EQ(session_.Documents().DocumentCount(), 0);
-  }
 }
 
 TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {
