@@ -254,18 +254,6 @@ class ClusterExplorerTest : public QObject {
     QCOMPARE(typed->value(), 12.0);
   }
 
-  void TheNodeSizeButtonsScaleByATenth() {
-    const float start = Words().BaseNodeSize();
-    auto buttons = page_->findChildren<QToolButton*>(QStringLiteral("AdjTermNodeSz"));
-    QCOMPARE(buttons.size(), 2);
-    QToolButton* plus = buttons[0]->property("index").toInt() == 1 ? buttons[0] : buttons[1];
-    QToolButton* minus = plus == buttons[0] ? buttons[1] : buttons[0];
-    for (int i = 0; i < 2; ++i) plus->click();
-    minus->click();
-    const float expected = start * 1.1f * 1.1f * 0.9f;
-    QVERIFY(std::abs(Words().BaseNodeSize() - expected) <= 1e-5f * start);
-  }
-
   void OneVisibleWordTurnsTheItemsHoldingItToEntryNine() {
     const int k = IntervalWithTweets(30);
     if (page_->Panel(MapKind::kTweets).Data() == nullptr) BuildTweetMap(k);

@@ -215,10 +215,8 @@ class TableLensTest : public QObject {
     const QPoint header = window.CellCentre(2, 0);
     QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, header);
     QCOMPARE(window.lens->MarkedRowCount(), 1);
-    QVERIFY(CountColour(window.lens->Picture(), window.lens->CellRect(2, 0), kMarkedHeader) > 50);
     QTest::mouseClick(window.Surface(), Qt::LeftButton, {}, header);
     QCOMPARE(window.lens->MarkedRowCount(), 0);
-    QCOMPARE(CountColour(window.lens->Picture(), window.lens->CellRect(2, 0), kMarkedHeader), 0);
   }
 
   void filteringShowsOnlyMarkedRows() {
