@@ -1,7 +1,5 @@
 // "Load Twitter File" with JSON and named-column CSV files: the samples load like the
-// tab-separated one, the "Browse" filter, the column-mapping dialog, bad JSON lines and the
-// offer to skip them, a broken gzip stream in the "Load Error" path.
-#include <zlib.h>
+// tab-separated one, the column-mapping dialog, bad JSON lines and the offer to skip them.
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -41,22 +39,6 @@ QString Write(const QString& folder, const QString& name, const QByteArray& byte
   file.open(QIODevice::WriteOnly);
   file.write(bytes);
   return path;
-}
-
-// `bytes` as one gzip member.
-QByteArray Gzip(const QByteArray& bytes) {
-  z_stream stream{};
-  deflateInit2(&stream, 6, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-  QByteArray out(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))),
-                 '\0');
-  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
-  stream.avail_in = static_cast<uInt>(bytes.size());
-  stream.next_out = reinterpret_cast<Bytef*>(out.data());
-  stream.avail_out = static_cast<uInt>(out.size());
-  deflate(&stream, Z_FINISH);
-  out.resize(static_cast<qsizetype>(stream.total_out));
-  deflateEnd(&stream);
-  return out;
 }
 
 // The first `count` lines of a file.
@@ -107,41 +89,6 @@ class ImportWorkflowTest : public QObject {
       QCOMPARE(f.Page().LoadProgressText(),
                QStringLiteral("Read ") + shape + QStringLiteral("\r\n") + kDoneText);
     }
-  }
-
-  void GzipJsonLinesLoadAndATruncatedStreamIsALoadError() {
-    WindowFixture f;
-    const QByteArray packed = Gzip(FirstLines(kJsonSample, 300));
-    const QString whole = Write(f.Folder(), QStringLiteral("posts.jsonl.gz"), packed);
-    QVERIFY(f.Load(whole));
-    QVERIFY(f.Page().LoadProgressText().startsWith(
-        QStringLiteral("Read X / Twitter API v2 JSON lines, gzip-compressed\r\n")));
-
-    // No telling extension: found by the content.
-    const QString cut =
-        Write(f.Folder(), QStringLiteral("cut.dat"), packed.left(packed.size() / 2));
-    f.platform.boxes.clear();
-    QVERIFY(f.Load(cut));
-    QCOMPARE(Titles(f.platform), QStringList{QStringLiteral("Load Error")});
-    QVERIFY2(f.platform.boxes[0].text.contains(QStringLiteral("truncated gzip stream")),
-             qPrintable(f.platform.boxes[0].text));
-    QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
-  }
-
-  void BrowseListsTheImportKinds() {
-    WindowFixture f;
-    f.platform.chosenFiles.push_back(kJsonSample);
-    f.Page().GetCorpusFilePath_Click();
-    // The first kind offers every readable file at once.
-    const QString kinds = f.platform.dialogFilters[0].section(QStringLiteral(";;"), 0, 0);
-    for (const QString& pattern : {QStringLiteral("*.txt"), QStringLiteral("*.jsonl"),
-                                   QStringLiteral("*.ndjson.gz"), QStringLiteral("*.csv.gz")}) {
-      QVERIFY(kinds.contains(pattern));
-    }
-    // A cancelled dialog keeps the chosen path and starts from it.
-    f.Page().GetCorpusFilePath_Click();
-    QCOMPARE(f.Find<QLineEdit>(QStringLiteral("CorpusFilePath"))->text(), kJsonSample);
-    QCOMPARE(f.platform.dialogStartNames.last(), kJsonSample);
   }
 
   void MappingDialogOpensWhenColumnsAreNotFoundAndItsChoiceLoads() {
