@@ -18,7 +18,6 @@
 #include <QTableView>
 #include <QTest>
 #include <cmath>
-#include <cstdio>
 
 #include "app/cluster_explorer_page.h"
 #include "app/interval_term_model.h"
@@ -543,38 +542,6 @@ class TimeLineWorkflowTest : public QObject {
     QVERIFY(!w.Page().ModelsBuilt() && w.Page().TIFMView() == nullptr);
     QCOMPARE(w.Page().SelectedInterval(), 0);
     QCOMPARE(w.Page().TweetList().rowCount(), 0);
-  }
-
-  // An export without sentiment columns builds: the sentiment lines lie on the axis under every
-  // average, the hover text shows zeros and nothing asks or warns.
-  void CorpusWithoutSentimentColumnsBuildsAndDraws() {
-    TempDir dir;
-    std::string csv = "id,created_at,username,text\n";
-    const char* words[] = {"flood warning river", "river bridge closed", "power out street",
-                           "flood street closed", "bridge power warning"};
-    for (int hour = 0; hour < 72; ++hour) {
-      char line[160];
-      std::snprintf(line, sizeof line, "%d,2013-09-%02d %02d:15:00,user%d,%s\n", 1000 + hour,
-                    2 + hour / 24, hour % 24, hour % 7, words[hour % 5]);
-      csv += line;
-    }
-    WindowFixture f;
-    QVERIFY(f.Load(QString::fromStdString(dir.WriteFile("no_sentiment.csv", csv))));
-    QVERIFY(f.Index());
-    f.platform.boxes.clear();
-    TimeLineExplorerPage& page = f.Window().TimeLine();
-    f.Find<QLineEdit>(QStringLiteral("IntervalLen"))->setText(QStringLiteral("4"));
-    QVERIFY(page.BuildModels_Click() && f.WaitIdle() && page.ModelsBuilt());
-    const TimeLineChart& chart = page.Chart();
-    QCOMPARE(chart.IntervalCount(), 18);
-    const TimeLineChartInterval& second = chart.Data().intervals[1];
-    QCOMPARE(second.documents, 4);
-    QCOMPARE(second.positiveMean + second.negativeMean, 0.0f);
-    QCOMPARE(second.positiveMedian + second.negativeMedian, 0);
-    QVERIFY(chart.ChartDetails(2).contains(QStringLiteral("@ INT #2 (")));
-    page.SelectInterval(2);
-    QCOMPARE(page.TweetList().rowCount(), 4);
-    QCOMPARE(f.platform.boxes.size(), 0);
   }
 };
 
