@@ -382,14 +382,6 @@ class PointMap2DTest : public QObject {
     QVERIFY(!window.map->NodeIsPulsing());
     QCOMPARE(window.map->NodeSize(4), size);
     QCOMPARE(window.form->cursor().shape(), Qt::ArrowCursor);
-    // A second pulse replaces the first, which keeps its enlarged size.
-    window.map->PulseNode(0, 2.0f);
-    window.map->Tick();
-    window.map->PulseNode(1, 2.0f);
-    QCOMPARE(window.map->PulsingNode(), 1);
-    for (int tick = 0; tick < 20; ++tick) window.map->Tick();
-    QCOMPARE(window.map->NodeSize(1), size);
-    QCOMPARE(window.map->NodeSize(0), 2.0f * size * 0.95f);
   }
 
   void pulseRunsOnTheTimer() {
