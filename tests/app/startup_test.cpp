@@ -60,16 +60,7 @@ class StartupTest : public QObject {
     QVERIFY(panel->isVisible() && !button->isEnabled());
   }
 
-  void NoSettingsNoGraphvizNoStopListWarnsTwiceInOrder() {
-    WindowOptions options;
-    options.stopListBesideProgram = false;
-    options.sfdpInProgramBin = false;
-    WindowFixture f(options);
-    QCOMPARE(f.platform.Texts(), kBothWarnings);
-    for (const RecordedBox& box : f.platform.boxes) QVERIFY(!box.question);
-  }
-
-  // Paths read from the file are checked too; a damaged file warns but the window starts.
+  // Missing paths warn, the Graphviz one first; a damaged file warns but the window starts.
   void SettingsFilesAreReadAndChecked() {
     // Two missing paths, none, one line, binary bytes (path_settings_test reads the lines).
     const std::pair<QByteArray, const char*> cases[] = {
