@@ -83,9 +83,7 @@ class ClusterExplorerTest : public QObject {
     QVERIFY(!page_->WordMapStale() && !page_->IntervalMapStale());
     QVERIFY2(f_->platform.boxes.isEmpty(), qPrintable(f_->platform.Texts().join(u'|')));
     // The progress captions in build order, then the usual caption again.
-    QStringList texts;
-    for (const auto& arguments : captions) texts.push_back(arguments.at(0).toString());
-    QCOMPARE(texts,
+    QCOMPARE(Strings(captions),
              (QStringList{QStringLiteral("Computing interval cluster visualization..."),
                           QStringLiteral("Computing word cluster visualization..."), usual}));
   }
