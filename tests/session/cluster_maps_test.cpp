@@ -1,6 +1,7 @@
 // The three maps of the cluster explorer: the shared steps (similarities to a laid-out spanning
 // tree, the DOT text byte for byte), each source, and the failures, with shell scripts standing
-// in for Graphviz where it must misbehave and the real sfdp elsewhere.
+// in for Graphviz where it must misbehave and the real sfdp elsewhere. (A missing, slow or
+// cancelled Graphviz: the layout runner's and the cluster explorer's tests.)
 
 #include "session/cluster_maps.h"
 
@@ -136,35 +137,6 @@ TEST_F(MapTest, NearOneSimilaritiesAreLinkedAndTiesKeepTheFirstEdges) {
         << report.error;
     EXPECT_EQ(map.dot, kDotHeader + edges);
   }
-}
-
-// A missing, slow or cancelled Graphviz fails the map with a reason and no message box.
-TEST_F(MapTest, FailedRunsAreReportedWithoutAMessageBox) {
-  const TempDir empty;
-  const FakeGraphviz slow("exec sleep 30");
-  const FakeGraphviz good(DiagonalPlain(3));
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  struct Case {
-    std::string folder;
-    ProgressCallback progress;
-    int shellCode;
-    std::string reason;
-  };
-  const Case cases[] = {{empty.Path().string(), {}, kShellNotStarted, empty.Path().string()},
-                        {slow.Folder(), {}, kShellTimedOut, "longer than 1 s"},
-                        {good.Folder(), stop, -1, ""}};
-  for (const Case& c : cases) {
-    MapOptions options = Options(c.folder);
-    options.timeLimitMs = 1000;
-    ClusterMap map;
-    MapReport report;
-    EXPECT_FALSE(
-        LayOutSimilarities(ThreeNodes(), 3, 1, options, map, report, notifier_, c.progress));
-    EXPECT_EQ(report.cancelled, c.reason.empty());
-    EXPECT_EQ(report.shellCode, c.shellCode);
-    EXPECT_NE(report.error.find(c.reason), std::string::npos) << report.error;
-  }
-  EXPECT_TRUE(notifier_.Messages().empty());
 }
 
 // ---- The three sources over a small corpus ----
