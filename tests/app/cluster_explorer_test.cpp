@@ -1,7 +1,6 @@
 // The cluster explorer on the sample corpus with the real sfdp: the three maps after a model
-// build, their sizes, weights and labels; the hover and click links; the label slider and the
-// node-size buttons; the recolouring by visible words; Back and Forward; saving a map.
-#include <cmath>
+// build, their sizes, weights and labels; the hover and click links; the label slider; the
+// recolouring by visible words; Back and Forward; saving a map.
 
 #include <QDoubleSpinBox>
 #include <QFile>
