@@ -17,7 +17,6 @@
 #include <tuple>
 
 #include "support/qt_test_main.h"
-#include "support/temp_dir.h"
 #include "view_test_support.h"
 #include "views/session_views.h"
 #include "views/table_lens.h"
@@ -294,21 +293,6 @@ class TimeLineChartTest : public QObject {
     window.Surface()->resize(QSize(1000, 100));
     QCOMPARE(window.chart->Picture().size(), QSize(1000, 100));
     QCOMPARE(PixelAt(window.chart->Picture(), {900, 50}), kVolume);
-  }
-
-  void pictureSavedAsPng() {
-    testing::TempDir dir;
-    TimeLineChartData data = Quiet();
-    At(data, 1).documents = 10;
-    At(data, 3).events = QStringLiteral("|x");
-    const auto chart = OffscreenChart(data);
-    chart->SetHoverInterval(3);
-    const QString path = QString::fromStdString((dir.Path() / "chart.png").string());
-    QString error;
-    QVERIFY2(chart->SavePng(path, error), qPrintable(error));
-    const QImage saved(path);
-    QCOMPARE(saved.convertToFormat(QImage::Format_RGB32),
-             chart->Snapshot().convertToFormat(QImage::Format_RGB32));
   }
 
   void emptyChartIsBlank() {
