@@ -1,7 +1,7 @@
 // The three maps of the cluster explorer: the shared steps (similarities to a laid-out spanning
 // tree, the DOT text byte for byte), each source, and the failures, with shell scripts standing
-// in for Graphviz where it must misbehave and the real sfdp elsewhere. (A missing, slow or
-// cancelled Graphviz: the layout runner's and the cluster explorer's tests.)
+// in for Graphviz where it must misbehave and the real sfdp elsewhere. (A missing, slow, failing
+// or cancelled Graphviz: the layout runner's and the cluster explorer's tests.)
 
 #include "session/cluster_maps.h"
 
@@ -257,31 +257,6 @@ TEST_F(SmallCorpusTest, RefusesWhatItCannotMap) {
                                     report, notifier_));
     EXPECT_FALSE(report.error.empty());
   }
-}
-
-TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
-  const FakeGraphviz good(DiagonalPlain(13));
-  ClusterMap map;
-  ASSERT_TRUE(BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kTweet,
-                           Options(good.Folder()), map, notifier_)
-                  .built);
-  const std::string dot = map.dot;
-  const FakeGraphviz bad("exit 1");
-  const MapReport report = BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kTweet,
-                                        Options(bad.Folder()), map, notifier_);
-  EXPECT_FALSE(report.built);
-  EXPECT_EQ(report.shellCode, kShellEnded);
-  EXPECT_EQ(map.dot, dot);
-  EXPECT_EQ(map.NodeCount(), 13);
-  EXPECT_FLOAT_EQ(map.layout.X(12), 13.0f);
-  // Only the layout runner's own box: the word map adds none.
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  EXPECT_EQ(notifier_.Messages()[0].title, "Graph layout failed");
-  // The interval map says it failed in a box of its own.
-  const TempDir none;
-  EXPECT_FALSE(BuildIntervalMap(model_, Options(none.Path().string()), map, notifier_).built);
-  ASSERT_EQ(notifier_.Messages().size(), 2u);
-  EXPECT_EQ(notifier_.Messages()[1].text, kIntervalMapFailure);
 }
 
 TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
