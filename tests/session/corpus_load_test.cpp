@@ -7,8 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include <tuple>
-
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -199,26 +197,6 @@ TEST_F(CorpusLoad, RadianExportUsesItsOwnColumns) {
   EXPECT_EQ(docs.ElapsedTimeField(), 18);
   EXPECT_EQ(docs.Text(2, 19) + docs.Text(1, 22) + docs.Text(1, 23),
             " http://example.org/2 tag1 someone");
-}
-
-// A file the loader refuses shows the load error box and gives the reason.
-TEST_F(CorpusLoad, FailedLoadShowsTheLoadErrorAndGivesTheReason) {
-  const std::tuple<std::string, bool, std::string> cases[] = {
-      {"only one line of text here\n", false, "at least 2"},
-      {"A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true, "22 columns"},
-  };
-  for (const auto& [content, radian, reason] : cases) {
-    notifier_ = RecordingNotifier();
-    const LoadReport report = Load(content, radian);
-    EXPECT_FALSE(report.loaded);
-    EXPECT_NE(report.error.find(reason), std::string::npos) << report.error;
-    EXPECT_EQ(session_.Documents().DocumentCount(), 0);
-    ASSERT_EQ(notifier_.Messages().size(), 1u);
-    const auto& message = notifier_.Messages()[0];
-    EXPECT_EQ(message.text, "There was an error loading " + (dir_.Path() / "corpus.txt").string());
-    EXPECT_EQ(message.title, "Load Error");
-    EXPECT_EQ(message.icon, MessageIcon::kCritical);
-  }
 }
 
 // Regression: a folder said "File not found", and /dev/zero was read until memory ran out.
