@@ -1,7 +1,7 @@
 // "Create Tweet Indexes": status texts, tab captions, the term lists with their
-// sorting rule and link opening, bad options, a vanished stop list and cancelling.
+// sorting rule and link opening, bad options and cancelling. (A missing stop list: the
+// session's and the preprocessing's tests.)
 #include <QCheckBox>
-#include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -153,18 +153,6 @@ class IndexingWorkflowTest : public QObject {
                                                QStringLiteral(" must be a number, not \"lots\".")});
       box->setText(kept);
     }
-    QVERIFY(!f.Window().CurrentSession().Indexed());
-  }
-
-  void VanishedStopListStopsWithAMessage() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    f.platform.boxes.clear();
-    QVERIFY(QFile::remove(f.ProgramFolder() + QStringLiteral("/common_words.txt")));
-    QVERIFY(f.Index());
-    QCOMPARE(f.platform.boxes.size(), 1);
-    QVERIFY2(f.platform.boxes[0].text.contains(QStringLiteral("common_words.txt")),
-             qPrintable(f.platform.boxes[0].text));
     QVERIFY(!f.Window().CurrentSession().Indexed());
   }
 
