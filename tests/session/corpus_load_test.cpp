@@ -105,32 +105,6 @@ TEST_F(CorpusLoad, Twitter11ExportBecomesASortedCorpusWithDerivedFields) {
   EXPECT_FALSE(report.stages.empty());
 }
 
-// Loaded over a sixteen-column corpus, which it replaces.
-TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
-  ASSERT_TRUE(Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
-                   Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"))
-                  .loaded);
-  const LoadReport report = Load(
-      "DateTime\tUser\tTweet\tSent+\tSent-\tSentSum\n"
-      "20110105T10:00:00Z\tann\tfirst tweet http://example.org/a\t2\t-1\t1\n"
-      "20110105T12:00:00Z\tbob\tthird #tweet\t1\t-1\t0\n"
-      "20110105T11:00:00Z\tcy\tsecond @ann tweet\t3\t-2\t1\n");
-  ASSERT_TRUE(report.loaded) << report.error;
-  const DocumentSet& docs = session_.Documents();
-  EXPECT_EQ(session_.Corpus().format, CorpusFormat::kTwitter);
-  EXPECT_EQ(docs.DocumentCount(), 3);
-  EXPECT_EQ(docs.FieldName(6), "Extracted Links");
-  EXPECT_EQ(docs.URLField(), 6);
-  EXPECT_EQ(docs.FieldName(7), "Elapsed_Hours");
-  EXPECT_EQ(docs.Text(0, 6), " http://example.org/a");
-  EXPECT_EQ(docs.Text(1, 1), "cy");
-  EXPECT_EQ(docs.Text(2, 1), "bob");
-  EXPECT_EQ(docs.Text(0, 0), "05/01/11 10:00:00");
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  EXPECT_EQ(notifier_.Messages()[0].title, "Ascending sort");
-  EXPECT_EQ(session_.Corpus().sentimentPositiveField, 3);
-}
-
 TEST_F(CorpusLoad, AStrayByteChangesOnlyItsLineAndIsCounted) {
   const LoadReport report = Load(
       "20110105T10:00:00Z\tann\tat #caf\xC3\xA9 \xE6\x9D\xB1\xE4\xBA\xAC\t2\t-1\t1\n"

@@ -167,15 +167,6 @@ TEST_F(IntervalSeriesTest, ProgressOncePerIntervalAndCancel) {
   EXPECT_TRUE(series.rows.empty());
 }
 
-TEST_F(IntervalSeriesTest, AnUnbuiltSessionHasNoRows) {
-  IntervalSeries series;
-  series.rows.resize(4);
-  EXPECT_TRUE(ComputeIntervalSeries(session_, 1, 0, series));
-  EXPECT_TRUE(series.rows.empty());
-  EXPECT_EQ(series.maxIntervalDocCount, 0);
-  EXPECT_TRUE(IntervalNoveltySeries(session_.WordModel(), 1).empty());
-}
-
 TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
   constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
   constexpr float kInf = std::numeric_limits<float>::infinity();
