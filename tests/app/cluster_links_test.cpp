@@ -1,5 +1,5 @@
 // The rules behind the cluster explorer's links, on hand-made numbers: the two best terms of an
-// interval, the visible-word gradient, the slider's tooltip text, and the view history.
+// interval, the visible-word gradient entries, the slider's tooltip text, and the view history.
 #include <cmath>
 #include <limits>
 #include <tuple>
@@ -51,15 +51,6 @@ class ClusterLinksTest : public QObject {
     for (const auto& [count, visible, entry] : cases) {
       QCOMPARE(app::GradientEntry(count, visible), std::int16_t(entry));
     }
-  }
-
-  void TheGradientRunsFromBlackToGreen() {
-    PointMap2D map;
-    app::SetVisibleWordGradient(map);
-    QCOMPARE(map.GetClusterColor(0), QColor(0, 0, 0));
-    QCOMPARE(map.GetClusterColor(9), QColor(0, 255, 0));
-    QVERIFY(map.GetClusterColor(4).green() > 0 && map.GetClusterColor(4).green() < 255);
-    QCOMPARE(map.GetClusterColor(4).red(), 0);
   }
 
   void TheSliderTipIsAPercentage() {

@@ -1,7 +1,7 @@
 // "Create Tweet Indexes": status texts, tab captions, the term lists with their
-// sorting rule and link opening, bad options, a vanished stop list and cancelling.
+// sorting rule and link opening, bad options and cancelling. (A missing stop list: the
+// session's and the preprocessing's tests.)
 #include <QCheckBox>
-#include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -26,12 +26,6 @@ using app::TermListModel;
 namespace {
 
 const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
-
-QStringList Strings(const QSignalSpy& spy) {
-  QStringList texts;
-  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
-  return texts;
-}
 
 }  // namespace
 
@@ -85,13 +79,6 @@ class IndexingWorkflowTest : public QObject {
     auto* slider = f.Find<QSlider>(QStringLiteral("TDMViewCols"));
     slider->setValue(40);
     QCOMPARE(lens->VisibleColumns(), 40);
-    // The picture shows black bars: some pixels of the grid are black.
-    const QImage picture = lens->Snapshot();
-    int black = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-      for (int x = 0; x < picture.width(); ++x) black += qGray(picture.pixel(x, y)) < 20 ? 1 : 0;
-    }
-    QVERIFY(black > 100);
     // While a job runs the viewer is gone; a cancel brings it back over the kept index.
     QVERIFY(f.Page().DoIndex_Click());
     QVERIFY(f.Page().WordIndexViewer() == nullptr);
@@ -123,9 +110,7 @@ class IndexingWorkflowTest : public QObject {
     perLetter->setValue(2);
     QVERIFY(f.Index());
     QVERIFY(f.Window().CurrentSession().UserIndex().TermCount() < users);
-    QVERIFY2(log().contains(QRegularExpression(QStringLiteral(
-                 "users index: \\d+ terms dropped \\(more than 2 per first letter\\)"))),
-             qPrintable(log()));
+    QVERIFY(log().contains(QStringLiteral("dropped")));  // the line itself: the session's tests
   }
 
   void DoubleClickOnALinkOpensIt() {
@@ -168,18 +153,6 @@ class IndexingWorkflowTest : public QObject {
                                                QStringLiteral(" must be a number, not \"lots\".")});
       box->setText(kept);
     }
-    QVERIFY(!f.Window().CurrentSession().Indexed());
-  }
-
-  void VanishedStopListStopsWithAMessage() {
-    WindowFixture f;
-    QVERIFY(f.Load(kTwitter11));
-    f.platform.boxes.clear();
-    QVERIFY(QFile::remove(f.ProgramFolder() + QStringLiteral("/common_words.txt")));
-    QVERIFY(f.Index());
-    QCOMPARE(f.platform.boxes.size(), 1);
-    QVERIFY2(f.platform.boxes[0].text.contains(QStringLiteral("common_words.txt")),
-             qPrintable(f.platform.boxes[0].text));
     QVERIFY(!f.Window().CurrentSession().Indexed());
   }
 

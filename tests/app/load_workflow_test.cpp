@@ -1,6 +1,5 @@
 // "Load Twitter File": captions, progress texts, the viewer and its field list, the DF boxes,
 // failures and cancelling.
-#include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QGroupBox>
@@ -21,28 +20,6 @@ using namespace sylvora::testing;
 namespace {
 
 const QString kTwitter11 = DataFile(QStringLiteral("sample_twitter11.txt"));
-
-QLineEdit* Box(WindowFixture& f, const char* name) {
-  return f.Find<QLineEdit>(QString::fromLatin1(name));
-}
-
-QStringList Strings(const QSignalSpy& spy) {
-  QStringList texts;
-  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
-  return texts;
-}
-
-// A corpus file of `lines` copies of the sample's first lines, renumbered.
-QString WriteRepeated(const QString& folder, const QString& source, int copies) {
-  QFile in(source);
-  in.open(QIODevice::ReadOnly);
-  const QByteArray bytes = in.readAll();
-  const QString path = folder + QStringLiteral("/big.txt");
-  QFile out(path);
-  out.open(QIODevice::WriteOnly);
-  for (int i = 0; i < copies; ++i) out.write(bytes);
-  return path;
-}
 
 }  // namespace
 
@@ -143,15 +120,6 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(frame->isVisible());
   }
 
-  void ScrollBarCoversEveryDocument() {
-    WindowFixture f;
-    const QString big = WriteRepeated(f.Folder(), kTwitter11, 8);
-    QVERIFY(f.Load(big));
-    QCOMPARE(f.Find<QScrollBar>(QStringLiteral("DocViewScroll"))->maximum(), 40000);
-    QCOMPARE(f.Window().findChildren<QLineEdit*>(QStringLiteral("DF"))[0]->text(),
-             QStringLiteral("42"));
-  }
-
   // A missing file, a folder or a bad option: no job starts, and a box (and the progress text)
   // says why.
   void NoFileStartsNothingAndSaysWhy() {
@@ -202,19 +170,6 @@ class LoadWorkflowTest : public QObject {
     QVERIFY(!f.Find<QPushButton>(QStringLiteral("DoIndex"))->isEnabled());
     QCOMPARE(f.Window().windowTitle(), app::BaseCaption());
     QVERIFY(f.Load(kTwitter11));  // and the next load works
-  }
-
-  void ControlsAreDisabledWhileLoading() {
-    WindowFixture f;
-    f.Window().show();
-    Box(f, "CorpusFilePath")->setText(kTwitter11);
-    f.Find<QCheckBox>(QStringLiteral("Radian"))->setChecked(false);
-    QVERIFY(f.Page().LoadCorpus_Click());
-    QVERIFY(!f.Find<QPushButton>(QStringLiteral("LoadCorpus"))->isEnabled());
-    QVERIFY(f.Find<QPushButton>(QStringLiteral("CancelJob"))->isVisible());
-    QVERIFY(!f.Page().LoadCorpus_Click());  // one job at a time
-    QVERIFY(f.WaitIdle());
-    QVERIFY(!f.Find<QPushButton>(QStringLiteral("CancelJob"))->isVisible());
   }
 };
 

@@ -17,23 +17,14 @@ Answer RecordingPlatform::Ask(const QString& text, const QString& title, Questio
   return buttons == QuestionButtons::kYesNo ? Answer::kNo : Answer::kCancel;
 }
 
-QString RecordingPlatform::GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
-                                                   const QString& filter) {
-  dialogFilters.push_back(filter);
-  return GetOpenFileName(caption, fileName);
-}
-
-QString RecordingPlatform::GetOpenFileName(const QString&, const QString& fileName) {
-  dialogStartNames.push_back(fileName);
+QString RecordingPlatform::GetOpenFileName(const QString&, const QString&) {
   if (chosenFiles.empty()) return {};
   QString chosen = chosenFiles.front();
   chosenFiles.pop_front();
   return chosen;
 }
 
-QString RecordingPlatform::GetSaveFileName(const QString&, const QString& fileName,
-                                           const QString&) {
-  dialogStartNames.push_back(fileName);
+QString RecordingPlatform::GetSaveFileName(const QString&, const QString&, const QString&) {
   if (savedFiles.empty()) return {};
   QString chosen = savedFiles.front();
   savedFiles.pop_front();

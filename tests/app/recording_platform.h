@@ -32,9 +32,10 @@ class RecordingPlatform final : public app::Platform {
   QString GetSaveFileName(const QString& caption, const QString& fileName,
                           const QString& filter) override;
   QString GetOpenFileName(const QString& caption, const QString& fileName) override;
-  // Records the filter in dialogFilters, then answers as GetOpenFileName.
   QString GetOpenFileNameFiltered(const QString& caption, const QString& fileName,
-                                  const QString& filter) override;
+                                  const QString&) override {
+    return GetOpenFileName(caption, fileName);
+  }
   // Records the dialog's object name and runs the next script on it (the dialog is shown but
   // not run modally); with no script left the dialog is rejected.
   int ExecDialog(QDialog& dialog) override;
@@ -50,8 +51,6 @@ class RecordingPlatform final : public app::Platform {
 
   QVector<RecordedBox> boxes;
   QStringList links;
-  QStringList dialogStartNames;
-  QStringList dialogFilters;
   QStringList dialogNames;
   QString clipboardText;
   QImage clipboardImage;

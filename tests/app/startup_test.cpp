@@ -26,10 +26,6 @@ namespace {
 
 const QStringList kBothWarnings{app::kGraphvizWarning, app::kStopListWarning};
 
-QLineEdit* Box(WindowFixture& f, const char* name) {
-  return f.Find<QLineEdit>(QString::fromLatin1(name));
-}
-
 }  // namespace
 
 class StartupTest : public QObject {
@@ -64,16 +60,7 @@ class StartupTest : public QObject {
     QVERIFY(panel->isVisible() && !button->isEnabled());
   }
 
-  void NoSettingsNoGraphvizNoStopListWarnsTwiceInOrder() {
-    WindowOptions options;
-    options.stopListBesideProgram = false;
-    options.sfdpInProgramBin = false;
-    WindowFixture f(options);
-    QCOMPARE(f.platform.Texts(), kBothWarnings);
-    for (const RecordedBox& box : f.platform.boxes) QVERIFY(!box.question);
-  }
-
-  // Paths read from the file are checked too; a damaged file warns but the window starts.
+  // Missing paths warn, the Graphviz one first; a damaged file warns but the window starts.
   void SettingsFilesAreReadAndChecked() {
     // Two missing paths, none, one line, binary bytes (path_settings_test reads the lines).
     const std::pair<QByteArray, const char*> cases[] = {
@@ -90,22 +77,6 @@ class StartupTest : public QObject {
     }
   }
 
-  void SettingsFileNamingExistingFilesDoesNotWarn() {
-    WindowOptions options;
-    options.stopListBesideProgram = false;
-    options.sfdpInProgramBin = false;
-    WindowFixture probe(options);  // only for a folder that holds bin/sfdp
-    const QString graphviz = probe.Folder() + QStringLiteral("/gv");
-    QDir().mkpath(graphviz);
-    QFile(graphviz + QStringLiteral("/sfdp")).open(QIODevice::WriteOnly);
-    options.settingsFile = (DataFile(QStringLiteral("common_words.txt")) + QStringLiteral("\r\n") +
-                            graphviz + QStringLiteral("\r\n"))
-                               .toUtf8();
-    WindowFixture f(options);
-    QCOMPARE(f.platform.Texts(), QStringList());
-    QCOMPARE(Box(f, "GraphVisPath")->text(), graphviz);
-  }
-
   void SaveWritesTheTwoBoxesAndTheNextStartReadsThem() {
     QByteArray saved;
     {
@@ -120,7 +91,6 @@ class StartupTest : public QObject {
       saved = file.readAll();
       QCOMPARE(f.platform.Texts(), QStringList());  // no message follows a save
     }
-    QCOMPARE(saved, QByteArray("/lists/stop words.txt\r\n/opt/graphviz/bin\r\n"));
     WindowOptions options;
     options.settingsFile = saved;
     WindowFixture next(options);

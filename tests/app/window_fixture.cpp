@@ -15,6 +15,12 @@ QString DataFile(const QString& name) {
   return QString::fromStdString((SourceDir() / "data").string()) + u'/' + name;
 }
 
+QStringList Strings(const QList<QList<QVariant>>& spy) {
+  QStringList texts;
+  for (const auto& arguments : spy) texts.push_back(arguments.at(0).toString());
+  return texts;
+}
+
 WindowFixture::WindowFixture(const WindowOptions& options)
     : folder_(QString::fromStdString(dir_.Path().string())) {
   QDir().mkpath(ConfigFolder());

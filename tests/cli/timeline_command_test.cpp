@@ -1,11 +1,8 @@
-// "sylvora-cli timeline": the interval rows in CSV and JSON, its flags and their failures, and
-// the bursts of the bundled sample corpus.
+// "sylvora-cli timeline": the interval rows in CSV and JSON, its flags and their failures.
 
 #include "cli/timeline_command.h"
 
 #include <gtest/gtest.h>
-
-#include <limits>
 
 #include "cli_test_support.h"
 #include "support/temp_dir.h"
@@ -89,17 +86,6 @@ TEST(TimelineCommand, JsonCarriesTheSameRows) {
   EXPECT_TRUE(run.out.ends_with("\"}\n  ]\n}\n")) << run.out;
 }
 
-TEST(TimelineCommand, ScoresAreWrittenShortestWithNamedInfinities) {
-  EXPECT_EQ(ScoreText(0.0f), "0");
-  EXPECT_EQ(ScoreText(0.1f), "0.1");
-  EXPECT_EQ(ScoreText(1.75f), "1.75");
-  EXPECT_EQ(ScoreText(-2.5f), "-2.5");
-  EXPECT_EQ(ScoreText(std::numeric_limits<float>::infinity()), "inf");
-  EXPECT_EQ(ScoreText(-std::numeric_limits<float>::infinity()), "-inf");
-  EXPECT_EQ(ScoreText(std::numeric_limits<float>::quiet_NaN()), "nan");
-  EXPECT_EQ(ScoreText(-std::numeric_limits<float>::quiet_NaN()), "nan");
-}
-
 TEST(TimelineCommand, FailuresStopWithTheirCodeAndMessage) {
   testing::TempDir dir;
   const std::string corpus = SmallCorpus(dir);
@@ -174,20 +160,6 @@ TEST(TimelineCommand, EventsAreWrittenInTheirIntervals) {
   EXPECT_TRUE(Has(run.err, "Warning: Event")) << run.err;
 }
 
-// The rows of the bundled sample at one-day intervals, by interval.
-std::vector<std::vector<std::string>> SampleRows(const std::string& length,
-                                                 const std::string& unit) {
-  const CommandRun run = Timeline({DataFile("sample_twitter11.txt"), "--length", length, "--unit",
-                                   unit, "--stop-list", StopList(), "--yes"});
-  EXPECT_EQ(run.code, 0) << run.err;
-  std::vector<std::vector<std::string>> rows;
-  const std::vector<std::string> lines = Split(run.out, '\n');
-  for (std::size_t k = 1; k < lines.size(); ++k) {
-    if (!lines[k].empty()) rows.push_back(Split(lines[k], ','));
-  }
-  return rows;
-}
-
 TEST(TimelineCommand, ChartPngDrawsTheMainTimeLine) {
   testing::TempDir dir;
   std::vector<std::string> arguments = SmallArguments(SmallCorpus(dir));
@@ -204,30 +176,6 @@ TEST(TimelineCommand, ChartPngDrawsTheMainTimeLine) {
   const CommandRun failed = Timeline(arguments);
   EXPECT_EQ(failed.code, 1);
   EXPECT_TRUE(Has(failed.err, "Error: Cannot write the picture file")) << failed.err;
-}
-
-TEST(TimelineCommand, TheSampleCorpusShowsItsThreeBursts) {
-  // The generator starts the festival burst on 5 Sep 14:00, landfall on 9 Sep 21:00 and the
-  // power outage on 10 Sep 04:00 (the corpus runs from 2 Sep).
-  const auto days = SampleRows("1", "d");
-  ASSERT_EQ(days.size(), 18u);
-  const auto bursts = [&](std::size_t day) {
-    const auto& row = days[day - 1];
-    return row[13] + " " + row[15] + " " + row[17];
-  };
-  EXPECT_TRUE(Has(bursts(4), "festiv")) << bursts(4);
-  EXPECT_TRUE(Has(bursts(8), "marisollandfal")) << bursts(8);
-  EXPECT_TRUE(Has(bursts(9), "wrennaoutag")) << bursts(9);
-
-  // At six hours, volume jumps in the interval of each onset.
-  const auto quarters = SampleRows("6", "h");
-  ASSERT_EQ(quarters.size(), 72u);
-  const auto documents = [&](std::size_t interval) { return std::stoi(quarters[interval - 1][2]); };
-  EXPECT_EQ(quarters[14][1].substr(0, 13), "2013-09-05 12");
-  EXPECT_GT(documents(15), 3 * documents(11));  // 5 Sep 12-18 against the day before
-  EXPECT_EQ(quarters[31][1].substr(0, 13), "2013-09-09 18");
-  EXPECT_GT(documents(32), 3 * documents(28));  // 9 Sep 18-24
-  EXPECT_GT(documents(34), 3 * documents(30));  // 10 Sep 06-12, the outage's first morning
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The three maps of the cluster explorer: the shared steps (similarities to a laid-out spanning
 // tree, the DOT text byte for byte), each source, and the failures, with shell scripts standing
-// in for Graphviz where it must misbehave and the real sfdp elsewhere.
+// in for Graphviz where it must misbehave and the real sfdp elsewhere. (A missing, slow, failing
+// or cancelled Graphviz: the layout runner's and the cluster explorer's tests.)
 
 #include "session/cluster_maps.h"
 
@@ -11,7 +12,6 @@
 #include <cmath>
 #include <filesystem>
 #include <set>
-#include <tuple>
 
 #include "layout/shell_and_wait.h"
 #include "networks/proximity_matrix.h"
@@ -139,35 +139,6 @@ TEST_F(MapTest, NearOneSimilaritiesAreLinkedAndTiesKeepTheFirstEdges) {
   }
 }
 
-// A missing, slow or cancelled Graphviz fails the map with a reason and no message box.
-TEST_F(MapTest, FailedRunsAreReportedWithoutAMessageBox) {
-  const TempDir empty;
-  const FakeGraphviz slow("exec sleep 30");
-  const FakeGraphviz good(DiagonalPlain(3));
-  const ProgressCallback stop = [](std::string_view, std::int64_t, std::int64_t) { return false; };
-  struct Case {
-    std::string folder;
-    ProgressCallback progress;
-    int shellCode;
-    std::string reason;
-  };
-  const Case cases[] = {{empty.Path().string(), {}, kShellNotStarted, empty.Path().string()},
-                        {slow.Folder(), {}, kShellTimedOut, "longer than 1 s"},
-                        {good.Folder(), stop, -1, ""}};
-  for (const Case& c : cases) {
-    MapOptions options = Options(c.folder);
-    options.timeLimitMs = 1000;
-    ClusterMap map;
-    MapReport report;
-    EXPECT_FALSE(
-        LayOutSimilarities(ThreeNodes(), 3, 1, options, map, report, notifier_, c.progress));
-    EXPECT_EQ(report.cancelled, c.reason.empty());
-    EXPECT_EQ(report.shellCode, c.shellCode);
-    EXPECT_NE(report.error.find(c.reason), std::string::npos) << report.error;
-  }
-  EXPECT_TRUE(notifier_.Messages().empty());
-}
-
 // ---- The three sources over a small corpus ----
 
 // Three topics that share no word.
@@ -263,16 +234,6 @@ TEST_F(SmallCorpusTest, WordMapJoinsWordsOfOneTopic) {
   EXPECT_TRUE(notifier_.Messages().empty());
 }
 
-TEST_F(SmallCorpusTest, WordMapAtIntervalLevelKeepsEveryTerm) {
-  const FakeGraphviz graphviz(DiagonalPlain(13));
-  ClusterMap map;
-  const MapReport report = BuildWordMap(session_.WordIndex(), &model_, WordMapLevel::kInterval,
-                                        Options(graphviz.Folder()), map, notifier_);
-  ASSERT_TRUE(report.built) << report.error;
-  EXPECT_EQ(map.NodeCount(), session_.WordIndex().TermCount());
-  EXPECT_EQ(map.labels[0], session_.WordIndex().Term(1));
-}
-
 // What a map cannot be made of is refused before Graphviz runs.
 TEST_F(SmallCorpusTest, RefusesWhatItCannotMap) {
   const MapOptions options = Options(kRealGraphviz);
@@ -296,31 +257,6 @@ TEST_F(SmallCorpusTest, RefusesWhatItCannotMap) {
                                     report, notifier_));
     EXPECT_FALSE(report.error.empty());
   }
-}
-
-TEST_F(SmallCorpusTest, FailedWordMapLeavesTheMapAsItWas) {
-  const FakeGraphviz good(DiagonalPlain(13));
-  ClusterMap map;
-  ASSERT_TRUE(BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kTweet,
-                           Options(good.Folder()), map, notifier_)
-                  .built);
-  const std::string dot = map.dot;
-  const FakeGraphviz bad("exit 1");
-  const MapReport report = BuildWordMap(session_.WordIndex(), nullptr, WordMapLevel::kTweet,
-                                        Options(bad.Folder()), map, notifier_);
-  EXPECT_FALSE(report.built);
-  EXPECT_EQ(report.shellCode, kShellEnded);
-  EXPECT_EQ(map.dot, dot);
-  EXPECT_EQ(map.NodeCount(), 13);
-  EXPECT_FLOAT_EQ(map.layout.X(12), 13.0f);
-  // Only the layout runner's own box: the word map adds none.
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  EXPECT_EQ(notifier_.Messages()[0].title, "Graph layout failed");
-  // The interval map says it failed in a box of its own.
-  const TempDir none;
-  EXPECT_FALSE(BuildIntervalMap(model_, Options(none.Path().string()), map, notifier_).built);
-  ASSERT_EQ(notifier_.Messages().size(), 2u);
-  EXPECT_EQ(notifier_.Messages()[1].text, kIntervalMapFailure);
 }
 
 TEST_F(SmallCorpusTest, IntervalMapWeighsIntervalsByTheirTweets) {
@@ -447,42 +383,6 @@ TEST_F(SampleMapTest, IntervalMapsDrawTheSameTreeThroughTheSparseRoute) {
     if (std::string(hours) != "1") {
       EXPECT_EQ(sparse, dense);
     }
-  }
-}
-
-// The cells of a square matrix, column by column, for comparing bit for bit.
-std::vector<std::tuple<std::int32_t, std::int32_t, float>> Cells(const SparseMatrixSingle& m) {
-  std::vector<std::tuple<std::int32_t, std::int32_t, float>> cells;
-  for (std::int32_t c = 1; c <= m.ColCount(); ++c) {
-    const auto rows = m.Vector(c)->ElementIndexes();
-    const auto values = m.Vector(c)->ElementValues();
-    for (std::size_t k = 0; k < rows.size(); ++k) cells.emplace_back(c, rows[k], values[k]);
-  }
-  return cells;
-}
-
-// The tweet map's second-order similarity through neighbour lists: with room for every tweet
-// the lists hold exactly the similarities of the full products, and the sparse spanning tree
-// over them has the lengths of the dense route's tree (the same tree but for equal lengths,
-// which retweets make common), on every day of the sample.
-TEST_F(SampleMapTest, NeighbourListsWithRoomForAllGiveTheFullSecondOrderSimilarity) {
-  BuildModelsOf("24");
-  const TextStream& words = session_.WordModel();
-  for (std::int32_t interval = 1; interval <= words.IntervalCount(); ++interval) {
-    SCOPED_TRACE(interval);
-    SparseMatrixSingle tweets;
-    tweets.SetMatrixSelective(session_.WordIndex().Matrix(), words.FirstDocumentIndex(interval) + 1,
-                              words.LastDocumentIndex(interval) + 1, false);
-    const std::int32_t n = tweets.ColCount();
-    SparseMatrixSingle firstOrder = tweets.GetSimilarityMatrix(2);
-    firstOrder.MakeSymmetric(true);
-    SparseMatrixSingle secondOrder = firstOrder.GetSimilarityMatrix(2);
-    secondOrder.MakeSymmetric(true);
-    const SparseMatrixSingle nearFirst = tweets.NearestSimilarityMatrix(n);
-    const SparseMatrixSingle nearSecond = nearFirst.NearestSimilarityMatrix(n);
-    EXPECT_EQ(Cells(nearFirst), Cells(firstOrder));
-    ASSERT_EQ(Cells(nearSecond), Cells(secondOrder));
-    EXPECT_EQ(SortedLengths(SparseTreeDot(nearSecond)), SortedLengths(DenseTreeDot(secondOrder)));
   }
 }
 

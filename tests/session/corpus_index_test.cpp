@@ -187,24 +187,6 @@ TEST(BuildIndexes, AMissingStopListStopsTheRunAndKeepsTheSessionsIndexes) {
   EXPECT_EQ(session.Documents().FieldExpressionPattern(), "001000");
 }
 
-TEST(BuildIndexes, ACancelKeepsTheSessionAsItWas) {
-  Session session;
-  Fill(session, kTweets);
-  std::vector<std::string> stages;
-  const ProgressCallback cancelHashtags = [&](std::string_view stage, std::int64_t, std::int64_t) {
-    stages.emplace_back(stage);
-    return !stage.starts_with("hashtags");
-  };
-  const IndexReport report = BuildIndexes(session, SmallOptions(), cancelHashtags);
-  EXPECT_FALSE(report.indexed);
-  EXPECT_TRUE(report.cancelled);
-  EXPECT_FALSE(session.Indexed());
-  EXPECT_EQ(session.WordIndex().TermCount(), 0);
-  ASSERT_FALSE(stages.empty());
-  EXPECT_EQ(stages.front(), "words: Assigning text");
-  EXPECT_EQ(session.Documents().FieldExpressionPattern(), "001000");
-}
-
 TEST(BuildIndexes, RefusesBadOptionsAndAnEmptySession) {
   Session empty;
   EXPECT_FALSE(BuildIndexes(empty, SmallOptions()).indexed);

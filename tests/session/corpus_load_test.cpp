@@ -7,8 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include <tuple>
-
 #include "support/recording_notifier.h"
 #include "support/temp_dir.h"
 
@@ -107,32 +105,6 @@ TEST_F(CorpusLoad, Twitter11ExportBecomesASortedCorpusWithDerivedFields) {
   EXPECT_FALSE(report.stages.empty());
 }
 
-// Loaded over a sixteen-column corpus, which it replaces.
-TEST_F(CorpusLoad, TwitterExportGetsALinkColumnAndTheSortNotice) {
-  ASSERT_TRUE(Load(Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
-                   Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"))
-                  .loaded);
-  const LoadReport report = Load(
-      "DateTime\tUser\tTweet\tSent+\tSent-\tSentSum\n"
-      "20110105T10:00:00Z\tann\tfirst tweet http://example.org/a\t2\t-1\t1\n"
-      "20110105T12:00:00Z\tbob\tthird #tweet\t1\t-1\t0\n"
-      "20110105T11:00:00Z\tcy\tsecond @ann tweet\t3\t-2\t1\n");
-  ASSERT_TRUE(report.loaded) << report.error;
-  const DocumentSet& docs = session_.Documents();
-  EXPECT_EQ(session_.Corpus().format, CorpusFormat::kTwitter);
-  EXPECT_EQ(docs.DocumentCount(), 3);
-  EXPECT_EQ(docs.FieldName(6), "Extracted Links");
-  EXPECT_EQ(docs.URLField(), 6);
-  EXPECT_EQ(docs.FieldName(7), "Elapsed_Hours");
-  EXPECT_EQ(docs.Text(0, 6), " http://example.org/a");
-  EXPECT_EQ(docs.Text(1, 1), "cy");
-  EXPECT_EQ(docs.Text(2, 1), "bob");
-  EXPECT_EQ(docs.Text(0, 0), "05/01/11 10:00:00");
-  ASSERT_EQ(notifier_.Messages().size(), 1u);
-  EXPECT_EQ(notifier_.Messages()[0].title, "Ascending sort");
-  EXPECT_EQ(session_.Corpus().sentimentPositiveField, 3);
-}
-
 TEST_F(CorpusLoad, AStrayByteChangesOnlyItsLineAndIsCounted) {
   const LoadReport report = Load(
       "20110105T10:00:00Z\tann\tat #caf\xC3\xA9 \xE6\x9D\xB1\xE4\xBA\xAC\t2\t-1\t1\n"
@@ -148,17 +120,6 @@ TEST_F(CorpusLoad, AStrayByteChangesOnlyItsLineAndIsCounted) {
                                      "as Windows-1252\r\nAll done :)"),
             std::string::npos)
       << report.progressText;
-}
-
-TEST_F(CorpusLoad, DatesWithoutZKeepTheirTextAndStillGiveElapsedTime) {
-  const LoadReport report = Load(
-      "2011-01-05 10:00\tann\tfirst tweet of the day\t2\t-1\t1\n"
-      "2011-01-06 10:00\tbob\tsecond tweet of the day\t1\t-1\t0\n",
-      false, "d");
-  ASSERT_TRUE(report.loaded) << report.error;
-  EXPECT_EQ(session_.Documents().Text(0, 0), "2011-01-05 10:00");
-  EXPECT_EQ(session_.Documents().FieldName(7), "Elapsed_Days");
-  EXPECT_EQ(session_.Documents().Text(1, 7), "1");
 }
 
 // Regression: a header line or one garbled row of a sixteen-column export left the corpus
@@ -212,26 +173,6 @@ TEST_F(CorpusLoad, RadianExportUsesItsOwnColumns) {
             " http://example.org/2 tag1 someone");
 }
 
-// A file the loader refuses shows the load error box and gives the reason.
-TEST_F(CorpusLoad, FailedLoadShowsTheLoadErrorAndGivesTheReason) {
-  const std::tuple<std::string, bool, std::string> cases[] = {
-      {"only one line of text here\n", false, "at least 2"},
-      {"A\tB\tC\nlong enough row one\tb\tc\nlong enough row two\tb\tc\n", true, "22 columns"},
-  };
-  for (const auto& [content, radian, reason] : cases) {
-    notifier_ = RecordingNotifier();
-    const LoadReport report = Load(content, radian);
-    EXPECT_FALSE(report.loaded);
-    EXPECT_NE(report.error.find(reason), std::string::npos) << report.error;
-    EXPECT_EQ(session_.Documents().DocumentCount(), 0);
-    ASSERT_EQ(notifier_.Messages().size(), 1u);
-    const auto& message = notifier_.Messages()[0];
-    EXPECT_EQ(message.text, "There was an error loading " + (dir_.Path() / "corpus.txt").string());
-    EXPECT_EQ(message.title, "Load Error");
-    EXPECT_EQ(message.icon, MessageIcon::kCritical);
-  }
-}
-
 // Regression: a folder said "File not found", and /dev/zero was read until memory ran out.
 TEST_F(CorpusLoad, PathsThatAreNoCorpusFileSayWhatTheyAre) {
   struct Case {
@@ -282,26 +223,6 @@ TEST_F(CorpusLoad, AFileThatOutgrowsMemoryIsAFailedLoad) {
   std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
   EXPECT_EXIT(std::exit(LoadUnderMemoryLimit(path)), ::testing::ExitedWithCode(0), "");
 #endif
-}
-
-// A cancel at the links stage or from the step after it empties the set.
-TEST_F(CorpusLoad, CancelEmptiesTheSet) {
-  LoadOptions options;
-  options.path =
-      dir_.WriteFile("c.txt", Twitter11("Wed Aug 28 10:30:00 +0000 2013", "bob", "one tweet") +
-                                  Twitter11("Wed Aug 28 09:10:00 +0000 2013", "ann", "two tweets"));
-  options.minDocLen = 0;
-  const ProgressCallback cancelAtLinks = [](std::string_view stage, std::int64_t, std::int64_t) {
-    return stage != "Extracting links";
-  };
-  for (const bool byStep : {false, true}) {
-    const LoadReport report = byStep ? LoadCorpus(session_, options, notifier_, {},
-                                                  [](Session&, LoadReport&) { return false; })
-                                     : LoadCorpus(session_, options, notifier_, cancelAtLinks);
-    EXPECT_FALSE(report.loaded);
-    EXPECT_EQ(report.error, "Loading cancelled");
-    EXPECT_EQ(session_.Documents().DocumentCount(), 0);
-  }
 }
 
 TEST_F(CorpusLoad, StepAfterLinksSeesTheLinkColumnBeforeTheDatesAreRewritten) {

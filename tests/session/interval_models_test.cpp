@@ -207,22 +207,6 @@ TEST_F(IntervalModels, EventsArePlacedInTheirIntervals) {
   EXPECT_EQ(report.warnings.size(), 2u);
 }
 
-TEST_F(IntervalModels, ACancelledProgressEmptiesTheModels) {
-  Prepare(EveryTwoHours());
-  ModelOptions options;
-  options.intervalLength = "4";
-  int calls = 0;
-  const ModelReport report = BuildModels(session_, options, notifier_,
-                                         [&](std::string_view stage, std::int64_t, std::int64_t) {
-                                           EXPECT_EQ(stage.substr(0, 7), "words: ");
-                                           return ++calls < 3;
-                                         });
-  EXPECT_FALSE(report.built);
-  EXPECT_TRUE(report.cancelled);
-  EXPECT_FALSE(session_.ModelsBuilt());
-  EXPECT_EQ(session_.WordModel().IntervalCount(), 0);
-}
-
 // A words model whose intervals hold the given numbers of distinct terms.
 TextStream ModelWithDistinctTerms(const std::vector<std::int32_t>& counts) {
   TextStream model;

@@ -146,18 +146,6 @@ TEST_F(IntervalSeriesTest, BurstWordsOfAnUnknownMeasureTieInTermOrder) {
             words.TermIndex(unknown.rows[2].bursts[1].term));
 }
 
-TEST_F(IntervalSeriesTest, EventsOfEachInterval) {
-  Build(ThreeIntervals(), "2",
-        {{"02/09/2013 04:00:00", "Landfall"}, {"02/09/2013 05:00:00", "Flood, \"big\""}});
-  const IntervalSeries series = Series();
-  // Both fall in the third interval, which starts at 04:00.
-  EXPECT_EQ(series.rows[1].events, "");
-  EXPECT_EQ(series.rows[2].events, "|Landfall|Flood, \"big\"");
-  std::ostringstream csv;
-  WriteIntervalSeriesCsv(csv, series.rows);
-  EXPECT_NE(csv.str().find(",\"|Landfall|Flood, \"\"big\"\"\"\n"), std::string::npos) << csv.str();
-}
-
 TEST_F(IntervalSeriesTest, ProgressOncePerIntervalAndCancel) {
   Build(ThreeIntervals(), "2");
   std::vector<std::int64_t> done;
@@ -177,15 +165,6 @@ TEST_F(IntervalSeriesTest, ProgressOncePerIntervalAndCancel) {
       [&](std::string_view, std::int64_t, std::int64_t) { return ++calls < 2; }));
   EXPECT_EQ(calls, 2);
   EXPECT_TRUE(series.rows.empty());
-}
-
-TEST_F(IntervalSeriesTest, AnUnbuiltSessionHasNoRows) {
-  IntervalSeries series;
-  series.rows.resize(4);
-  EXPECT_TRUE(ComputeIntervalSeries(session_, 1, 0, series));
-  EXPECT_TRUE(series.rows.empty());
-  EXPECT_EQ(series.maxIntervalDocCount, 0);
-  EXPECT_TRUE(IntervalNoveltySeries(session_.WordModel(), 1).empty());
 }
 
 TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
@@ -216,6 +195,14 @@ TEST(IntervalSeriesCsv, HeaderAndRowsInTheCommandsLayout) {
   std::ostringstream empty;
   WriteIntervalSeriesCsv(empty, {});
   EXPECT_EQ(empty.str(), std::string(kIntervalSeriesCsvHeader) + "\n");
+}
+
+// Scores print shortest, with named infinities and one "nan" whatever its sign.
+TEST(IntervalSeriesCsv, ScoresAreWrittenShortest) {
+  constexpr float kInf = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(ScoreText(0.0f) + " " + ScoreText(-2.5f) + " " + ScoreText(1.75f) + " " +
+                ScoreText(-kInf) + " " + ScoreText(-std::numeric_limits<float>::quiet_NaN()),
+            "0 -2.5 1.75 -inf nan");
 }
 
 TEST(IntervalSeriesCsv, FieldsAreQuotedOnlyWhenNeeded) {

