@@ -339,7 +339,7 @@ class TableLensTest : public QObject {
       const int boxRow = static_cast<int>(header.top() + 0.8 * header.height());
       int gaps = 0;
       for (int x = static_cast<int>(header.left()) + 1; x < width; ++x) {
-        if (PixelAt(image, {double(x), double(boxRow)}) != kWhite) continue;
+        if (PixelAt(image, {double(x), double(boxRow)}) != QColor(255, 255, 255)) continue;
         ++gaps;
         QVERIFY2(DarkestLevel(image, QRectF(x, header.top(), 1, 0.5 * header.height())) > 128,
                  qPrintable(QStringLiteral("width %1, x %2").arg(width).arg(x)));
