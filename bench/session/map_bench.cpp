@@ -30,6 +30,7 @@
 #include "session/cluster_maps.h"
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
+#include "support/peak_memory.h"
 
 namespace {
 
@@ -41,19 +42,6 @@ std::string CorpusFile() {
   using sylvora::bench::CorpusFormat;
   return sylvora::bench::CachedCorpusFile(CorpusFormat::kTwitter11, TweetCount());
 }
-
-// Reads "VmRSS" or "VmHWM" of this process, in bytes.
-std::int64_t StatusBytes(const std::string& key) {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line)) {
-    if (line.rfind(key + ":", 0) == 0) return std::stoll(line.substr(key.size() + 1)) * 1024;
-  }
-  return 0;
-}
-
-// Lets VmHWM start again from the current resident size (Linux 4.0 and later).
-void ResetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
 void BM_WordMap(benchmark::State& state) {
   const int wanted = static_cast<int>(state.range(0));
@@ -75,8 +63,8 @@ void BM_WordMap(benchmark::State& state) {
       std::filesystem::temp_directory_path() / ("sylvora-bench-map-" + std::to_string(wanted));
   std::filesystem::create_directories(folder);
   options.layoutFolder = folder.string();
-  const std::int64_t before = StatusBytes("VmRSS");
-  ResetPeak();
+  const std::int64_t before = sylvora::bench::StatusBytes("VmRSS");
+  sylvora::bench::ResetResidentPeak();
   std::map<std::string, double> stageSeconds;
   sylvora::MapReport report;
   for (auto _ : state) {
@@ -98,7 +86,7 @@ void BM_WordMap(benchmark::State& state) {
   for (const auto& [stage, seconds] : stageSeconds)
     state.counters[stage + "_s"] = seconds / iterations;
   state.counters["rss_before_MB"] = static_cast<double>(before) / kMB;
-  state.counters["peak_rss_MB"] = static_cast<double>(StatusBytes("VmHWM")) / kMB;
+  state.counters["peak_rss_MB"] = static_cast<double>(sylvora::bench::StatusBytes("VmHWM")) / kMB;
 }
 
 BENCHMARK(BM_WordMap)->Arg(2000)->Arg(5000)->Unit(benchmark::kSecond)->Iterations(1);

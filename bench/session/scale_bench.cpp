@@ -32,22 +32,11 @@
 #include "session/corpus_index.h"
 #include "session/corpus_load.h"
 #include "session/interval_models.h"
+#include "support/peak_memory.h"
 
 namespace {
 
 constexpr double kMB = 1024.0 * 1024.0;
-
-std::int64_t StatusBytes(const std::string& key) {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line)) {
-    if (line.rfind(key + ":", 0) == 0) return std::stoll(line.substr(key.size() + 1)) * 1024;
-  }
-  return 0;
-}
-
-// Lets VmHWM start again from the current resident size (Linux 4.0 and later).
-void ResetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
 // A letters-only word for vocabulary entry i ("bodaki"-like).
 std::string MadeUpWord(int i) {
@@ -104,7 +93,7 @@ bool LoadAndIndex(sylvora::Session& session, const std::string& path, std::strin
 
 void Memory(benchmark::State& state, std::int64_t before) {
   state.counters["rss_before_MB"] = static_cast<double>(before) / kMB;
-  state.counters["peak_rss_MB"] = static_cast<double>(StatusBytes("VmHWM")) / kMB;
+  state.counters["peak_rss_MB"] = static_cast<double>(sylvora::bench::StatusBytes("VmHWM")) / kMB;
 }
 
 void BM_IntervalModels(benchmark::State& state) {
@@ -117,8 +106,8 @@ void BM_IntervalModels(benchmark::State& state) {
   sylvora::SilentNotifier quiet;
   sylvora::ModelOptions options;
   options.intervalLength = "1";
-  const std::int64_t before = StatusBytes("VmRSS");
-  ResetPeak();
+  const std::int64_t before = sylvora::bench::StatusBytes("VmRSS");
+  sylvora::bench::ResetResidentPeak();
   sylvora::ModelReport report;
   for (auto _ : state) {
     report = sylvora::BuildModels(session, options, quiet);
@@ -151,8 +140,8 @@ void BM_IntervalMap(benchmark::State& state) {
     state.SkipWithError("the models could not be built");
     return;
   }
-  const std::int64_t before = StatusBytes("VmRSS");
-  ResetPeak();
+  const std::int64_t before = sylvora::bench::StatusBytes("VmRSS");
+  sylvora::bench::ResetResidentPeak();
   std::size_t dotBytes = 0;
   for (auto _ : state) {
     sylvora::SparseTree tree = sylvora::SparseSpanningTree(session.WordModel().NM());
@@ -197,8 +186,8 @@ void BM_TweetMap(benchmark::State& state) {
   sylvora::MapOptions options;
   options.graphvizFolder = sylvora::DefaultGraphvizFolder();
   options.timeLimitMs = 0;
-  const std::int64_t before = StatusBytes("VmRSS");
-  ResetPeak();
+  const std::int64_t before = sylvora::bench::StatusBytes("VmRSS");
+  sylvora::bench::ResetResidentPeak();
   std::map<std::string, double> stageSeconds;
   for (auto _ : state) {
     sylvora::ClusterMap map;
