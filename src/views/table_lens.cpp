@@ -380,14 +380,17 @@ void TableLens::Redraw() {
     // fits the room of `step` columns (a date-time loses its seconds, its time, its year).
     painter.setFont(headerFont_);
     const std::int32_t step = ColumnLabelStep();
+    QString previous;
     for (std::int32_t c = 1; c <= visibleColumns_; c += step) {
       painter.fillRect(QRectF(ToPixels(c + marginX_, marginY_),
                               ToPixels(c + step - step * marginX_, 1.0 - marginY_)),
                        headerBackColour_);
       painter.setPen(headerForeColour_);
       const QPointF at = ToPixels(c + marginX_ + 0.1, 0.0);
-      painter.drawText(QPointF(at.x(), at.y() + ascentHeader),
-                       ColumnLabel(leftColumn_ + c - 1, step - LabelGapColumns()));
+      // A shortened date that repeats its neighbour ("2008 2008") says nothing new.
+      const QString label = ColumnLabel(leftColumn_ + c - 1, step - LabelGapColumns());
+      if (label != previous) painter.drawText(QPointF(at.x(), at.y() + ascentHeader), label);
+      previous = label;
     }
 
     // Row header.
