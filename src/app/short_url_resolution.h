@@ -1,6 +1,6 @@
 #pragma once
 // ResolveShortURLs: expands the short links of the loaded corpus's link column and saves the
-// corpus beside the original with "_" appended to its name.
+// corpus beside the file it was loaded from, with "_" appended to that file's name.
 //
 // A link index over the link column alone makes each distinct link one term (terms are the
 // links with their scheme put back, as the link index writes them). For each term in term

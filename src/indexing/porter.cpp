@@ -164,8 +164,8 @@ class SuffixTable {
 
 constexpr SuffixRule kStep1aRules[] = {{"sses", "ss"}, {"ies", "i"}, {"ss", "ss"}, {"s", ""}};
 
-// Rows "bli" -> "ble" and "logi" -> "log" replace the original paper's "abli" -> "able" and
-// extend its table.
+// Rows "bli" -> "ble" and "logi" -> "log" stand where the published algorithm has
+// "abli" -> "able", and the table goes on beyond it.
 constexpr SuffixRule kStep2Rules[] = {
     {"ational", "ate"}, {"tional", "tion"}, {"enci", "ence"}, {"anci", "ance"}, {"izer", "ize"},
     {"bli", "ble"},     {"alli", "al"},     {"entli", "ent"}, {"eli", "e"},     {"ousli", "ous"},
