@@ -96,13 +96,18 @@ void Memory(benchmark::State& state, std::int64_t before) {
   state.counters["peak_rss_MB"] = static_cast<double>(sylvora::bench::StatusBytes("VmHWM")) / kMB;
 }
 
+// The drifting corpus of state.range(0) intervals, loaded and indexed; false (the benchmark
+// skipped with the reason) when that fails.
+bool LoadDrifting(benchmark::State& state, sylvora::Session& session) {
+  std::string error;
+  if (LoadAndIndex(session, DriftingCorpus(static_cast<int>(state.range(0))), error)) return true;
+  state.SkipWithError(error.c_str());
+  return false;
+}
+
 void BM_IntervalModels(benchmark::State& state) {
   sylvora::Session session;
-  std::string error;
-  if (!LoadAndIndex(session, DriftingCorpus(static_cast<int>(state.range(0))), error)) {
-    state.SkipWithError(error.c_str());
-    return;
-  }
+  if (!LoadDrifting(state, session)) return;
   sylvora::SilentNotifier quiet;
   sylvora::ModelOptions options;
   options.intervalLength = "1";
@@ -128,11 +133,7 @@ void BM_IntervalModels(benchmark::State& state) {
 
 void BM_IntervalMap(benchmark::State& state) {
   sylvora::Session session;
-  std::string error;
-  if (!LoadAndIndex(session, DriftingCorpus(static_cast<int>(state.range(0))), error)) {
-    state.SkipWithError(error.c_str());
-    return;
-  }
+  if (!LoadDrifting(state, session)) return;
   sylvora::SilentNotifier quiet;
   sylvora::ModelOptions options;
   options.intervalLength = "1";

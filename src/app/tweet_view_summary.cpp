@@ -44,12 +44,11 @@ std::array<QString, 2> IntervalCalendarBounds(const TextStream& model, std::int3
 }
 
 QString RowDateTime(const DocumentSet& documents, DocIndex row) {
-  const std::string_view cell = documents.Cell(row, documents.DateTimeField());
-  std::string text(cell);
-  std::erase(text, '"');
-  if (const auto dateTime = DateTime::Parse(text))
+  // The full date-time the load kept, so that a year outside 1969..2068 shows as it was.
+  if (const auto dateTime = documents.DocumentDateTime(row)) {
     return QString::fromStdString(dateTime->Format());
-  return QString::fromStdString(text);
+  }
+  return QString::fromUtf8(documents.Cell(row, documents.DateTimeField()));
 }
 
 QString TermSummary(IndexKind kind, std::int64_t count, const QString& term, const QString& start,

@@ -2,23 +2,12 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
+
 #include <vector>
 
 #include "common/date_time.h"
 
 namespace sylvora {
-namespace {
-
-std::optional<DateTime> DateOf(const DocumentSet& documents, DocIndex doc) {
-  if (auto kept = documents.DocumentDateTime(doc)) return kept;
-  std::string text(documents.Cell(doc, documents.DateTimeField()));
-  std::erase(text, '"');
-  return DateTime::Parse(text);
-}
-
-}  // namespace
-
 bool ChangeElapsedTimeUnit(Session& session, const std::string& unitCode, std::string& error,
                            const ProgressCallback& progress) {
   CorpusInfo& corpus = session.Corpus();
@@ -42,7 +31,7 @@ bool ChangeElapsedTimeUnit(Session& session, const std::string& unitCode, std::s
   // Any fixed instant serves as the origin: the column starts at 0 for the earliest document.
   const DateTime origin = *DateTime::FromParts(2011, 1, 1, 0, 0, 1);
   for (DocIndex d = 0; d < count; ++d) {
-    const auto date = DateOf(documents, d);
+    const auto date = documents.DocumentDateTime(d);
     if (!date) {
       error = "Document " + std::to_string(d + 1) + " has no date-time to count elapsed time from";
       return false;
