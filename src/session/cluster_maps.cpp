@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -90,18 +91,23 @@ void Finish(MapReport& report, Stopwatch& watch, std::string stage) {
   report.stages.push_back({std::move(stage), watch.Lap()});
 }
 
-// A tweet map's node label, by which an export leads back to the tweet: its corpus row
-// (from 0, as the map's summary names the rows) and, where the corpus has one, its tweet ID.
-std::string TweetLabel(const DocumentSet* corpus, DocIndex row) {
-  std::string label = "row " + std::to_string(row);
-  if (corpus == nullptr) return label;
+// The field holding the tweets' own IDs; nullopt when the corpus has none.
+std::optional<FieldIndex> TweetIdField(const DocumentSet* corpus) {
+  if (corpus == nullptr) return std::nullopt;
   for (int f = 0; f < corpus->FieldCount(); ++f) {
     const auto field = static_cast<FieldIndex>(f);
-    if (corpus->FieldName(field) != kTweetIdFieldName) continue;
-    const std::string_view id = corpus->Cell(row, field);
-    if (!id.empty()) label.append(" id ").append(id);
-    break;
+    if (corpus->FieldName(field) == kTweetIdFieldName) return field;
   }
+  return std::nullopt;
+}
+
+// A tweet map's node label, by which an export leads back to the tweet: its corpus row
+// (from 0, as the map's summary names the rows) and, where the corpus has one, its tweet ID.
+std::string TweetLabel(const DocumentSet* corpus, std::optional<FieldIndex> idField, DocIndex row) {
+  std::string label = "row " + std::to_string(row);
+  if (corpus == nullptr || !idField) return label;
+  const std::string_view id = corpus->Cell(row, *idField);
+  if (!id.empty()) label.append(" id ").append(id);
   return label;
 }
 
@@ -477,8 +483,9 @@ MapReport BuildTweetMap(const TermDocumentMatrix& wordIndex, const TextStream& w
       return report;
     }
   }
+  const std::optional<FieldIndex> idField = TweetIdField(wordStream.Corpus());
   for (std::int32_t i = 0; i < n; ++i) {
-    built.labels.push_back(TweetLabel(wordStream.Corpus(), first + i));
+    built.labels.push_back(TweetLabel(wordStream.Corpus(), idField, first + i));
   }
   built.weights.assign(static_cast<std::size_t>(n), 1.0f);
   map = std::move(built);

@@ -298,6 +298,14 @@ void PointMap2D::FitHomeToDrawing() {
   const bool atHome = view_ == homeView_;
   const QFontMetricsF metrics(labelFont_, &MeasuringDevice());
   constexpr double kMarginPixels = 8.0;
+  // Label widths in pixels (0 for a node without a drawn label), measured once for the rounds.
+  std::vector<double> labelWidth(static_cast<std::size_t>(nodeCount_), 0.0);
+  for (std::size_t i = 0; i < labelWidth.size(); ++i) {
+    if (showNodeLabels_ && !label_[i].isEmpty() &&
+        weight_[i] >= static_cast<float>(nodeLabelThreshold_)) {
+      labelWidth[i] = metrics.horizontalAdvance(label_[i]);
+    }
+  }
   ViewRect fit = homeView_;
   // The scale depends on the view and the labels' extent on the scale: three rounds settle it.
   for (int round = 0; round < 3; ++round) {
@@ -313,9 +321,8 @@ void PointMap2D::FitHomeToDrawing() {
       right = std::max<double>(right, x_[i] + size_[i]);
       top = std::min<double>(top, y_[i] - size_[i]);
       bottom = std::max<double>(bottom, y_[i] + size_[i]);
-      if (showNodeLabels_ && !label_[i].isEmpty() &&
-          weight_[i] >= static_cast<float>(nodeLabelThreshold_)) {
-        right = std::max(right, x_[i] + metrics.horizontalAdvance(label_[i]) * perPixelX);
+      if (labelWidth[i] > 0.0) {
+        right = std::max(right, x_[i] + labelWidth[i] * perPixelX);
         bottom = std::max(bottom, y_[i] + metrics.height() * perPixelY);
       }
     }
