@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <utility>
 
+#include "common/date_time.h"
 #include "sparse/number_format.h"
 #include "views/picture_device.h"
 #include "views/table_lens.h"
@@ -45,22 +47,13 @@ QString Formatted(float value, std::string_view pattern) {
   return QString::fromStdString(FormatNumber(value, pattern));
 }
 
-// Seconds from 1970-01-01 of "YYYY-MM-DD HH:MM:SS" (the seconds and time may be missing);
-// -1 when the text is no such date.
+// Seconds from 1970-01-01 (negative before) of an interval's start date-time; kNoStart when
+// the text is no date.
+constexpr std::int64_t kNoStart = std::numeric_limits<std::int64_t>::min();
+
 std::int64_t StartSeconds(const QString& text) {
-  if (text.size() < 10) return -1;
-  const auto number = [&text](qsizetype at, qsizetype length) {
-    bool ok = false;
-    const int value = text.mid(at, length).toInt(&ok);
-    return ok ? value : -1;
-  };
-  const QDate date(number(0, 4), number(5, 2), number(8, 2));
-  if (!date.isValid()) return -1;
-  const int hour = text.size() >= 13 ? std::max(0, number(11, 2)) : 0;
-  const int minute = text.size() >= 16 ? std::max(0, number(14, 2)) : 0;
-  const int second = text.size() >= 19 ? std::max(0, number(17, 2)) : 0;
-  return (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * 86400 + hour * 3600 +
-         minute * 60 + second;
+  const auto start = DateTime::Parse(text.toStdString());
+  return start ? start->SecondsSinceEpoch() : kNoStart;
 }
 
 // The steps between dates, finest first, and how each is labelled.
@@ -444,7 +437,7 @@ std::vector<TimeLineChart::DateTick> TimeLineChart::DateTicks(
   std::vector<DateTick> ticks;
   if (count < 2 || width <= 0.0) return ticks;
   for (const std::int64_t start : startSeconds_) {
-    if (start < 0) return ticks;
+    if (start == kNoStart) return ticks;
   }
   // Interval i runs from its start to the next one's; the last is as long as the one before.
   const auto startOf = [&](std::int32_t i) -> double {

@@ -245,7 +245,8 @@ class TimeLineChart : public QObject {
   std::unique_ptr<ViewSurface> surface_;
   QSize offscreenSize_{800, 200};
   TimeLineChartData data_;
-  // Each interval's start in seconds from 1970-01-01 (-1 when unreadable), for the dates.
+  // Each interval's start in seconds from 1970-01-01 (the lowest int64 when unreadable), for
+  // the dates.
   std::vector<std::int64_t> startSeconds_;
   std::int16_t sentimentAverage_ = kMean;
   bool customColumns_ = false;

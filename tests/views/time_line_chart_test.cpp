@@ -223,10 +223,13 @@ class TimeLineChartTest : public QObject {
       const char* pattern;
       const char* firstLabel;
       double firstInterval;  // where the first tick falls, in chart units
+      QDate start = QDate(2012, 12, 31);
     };
     constexpr std::int64_t kHour = 3600;
     const Case cases[] = {
-        {"weeks, 22 years", 1150, 7 * 24 * kHour, {}, "^(\\d{4})$", "2000", 0.0},
+        {"weeks, 22 years", 1150, 7 * 24 * kHour, {}, "^(\\d{4})$", "2000", 0.0, {1999, 1, 4}},
+        // Regression: starts before 1970 were taken for undated intervals.
+        {"weeks from 1950", 1150, 7 * 24 * kHour, {}, "^(\\d{4})$", "1952", 0.0, {1950, 1, 2}},
         {"2 weeks, 3 years", 78, 14 * 24 * kHour, {}, "^\\d{4}-(01|07)$", "2013-01", 0.0},
         {"hours, 3 days",
          10000,
@@ -246,8 +249,7 @@ class TimeLineChartTest : public QObject {
     const auto width = [](const QString& text) { return 7.0 * text.size(); };
     for (const Case& c : cases) {
       TimeLineChartData data = Quiet(c.count);
-      const QDateTime first(c.count == 1150 ? QDate(1999, 1, 4) : QDate(2012, 12, 31), QTime(0, 0),
-                            Qt::UTC);
+      const QDateTime first(c.start, QTime(0, 0), Qt::UTC);
       for (std::int32_t i = 1; i <= c.count; ++i) {
         At(data, i).start = first.addSecs((i - 1) * c.secondsPerInterval)
                                 .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
