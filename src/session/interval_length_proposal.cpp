@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "common/date_time.h"
+#include "sparse/number_format.h"
 
 namespace sylvora {
 namespace {
@@ -15,14 +16,6 @@ std::int64_t IntervalCount(DateTime first, DateTime last, TimeUnit unit, std::in
   return DateDiff(unit, first, last) / length + 1;
 }
 
-std::string WithThousands(std::int64_t value) {
-  std::string digits = std::to_string(value);
-  for (auto at = static_cast<std::ptrdiff_t>(digits.size()) - 3; at > 0; at -= 3) {
-    digits.insert(static_cast<std::size_t>(at), ",");
-  }
-  return digits;
-}
-
 }  // namespace
 
 std::string IntervalLengthProposal::Describe() const {
@@ -32,8 +25,8 @@ std::string IntervalLengthProposal::Describe() const {
     const std::int32_t years = length / 52;
     what = std::to_string(years) + (years == 1 ? " year" : " years") + " (" + what + ")";
   }
-  return "Interval length: " + what + ", about " + WithThousands(intervals) +
-         " intervals (24 hours would give " + WithThousands(defaultIntervals) + ")";
+  return "Interval length: " + what + ", about " + GroupedWholeNumber(intervals) +
+         " intervals (24 hours would give " + GroupedWholeNumber(defaultIntervals) + ")";
 }
 
 IntervalLengthProposal ProposeIntervalLength(const DocumentSet& documents,

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 
+#include "sparse/number_format.h"
+
 namespace sylvora {
 
 inline constexpr std::int64_t kDefaultMemoryBudgetBytes = std::int64_t{2} << 30;
@@ -23,10 +25,7 @@ inline constexpr std::int64_t kBytesPerSimilarPair = 32;
 // "1,234 MB" style figure for messages (whole megabytes, at least 1).
 inline std::string Megabytes(std::int64_t bytes) {
   const std::int64_t mb = std::max<std::int64_t>(1, (bytes + (1 << 20) - 1) >> 20);
-  std::string digits = std::to_string(mb);
-  for (auto at = static_cast<std::ptrdiff_t>(digits.size()) - 3; at > 0; at -= 3)
-    digits.insert(static_cast<std::size_t>(at), ",");
-  return digits + " MB";
+  return GroupedWholeNumber(mb) + " MB";
 }
 
 // A length at least `length` times the factor by which `bytes` passes `budget`, raised to

@@ -336,4 +336,13 @@ std::string FormatNumber(float value, std::string_view pattern) {
   return text;
 }
 
+std::string GroupedWholeNumber(std::int64_t value) {
+  std::string digits = std::to_string(value);
+  const std::ptrdiff_t firstDigit = value < 0 ? 1 : 0;
+  for (auto at = static_cast<std::ptrdiff_t>(digits.size()) - 3; at > firstDigit; at -= 3) {
+    digits.insert(static_cast<std::size_t>(at), ",");
+  }
+  return digits;
+}
+
 }  // namespace sylvora

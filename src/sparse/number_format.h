@@ -3,6 +3,7 @@
 // "." is always the decimal point and "," the thousands separator, whatever the locale.
 // Neither function throws apart from std::bad_alloc.
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -27,5 +28,9 @@ std::string GeneralNumber(float value);
 // "0.00" gives "0.29". Examples: 5 with "000" -> "005"; 0.5 with "#.##" -> ".5"; 1234.5 with
 // "#,##0.00" -> "1,234.50"; 0.25 with "0%" -> "25%".
 std::string FormatNumber(float value, std::string_view pattern);
+
+// A whole number with "," between groups of three digits, exact over the whole 64-bit range:
+// 8401 -> "8,401", -1234567 -> "-1,234,567".
+std::string GroupedWholeNumber(std::int64_t value);
 
 }  // namespace sylvora

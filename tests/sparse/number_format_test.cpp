@@ -71,4 +71,11 @@ INSTANTIATE_TEST_SUITE_P(
         FormatCase{2, "Yes/No", "Yes"}, FormatCase{0, "True/False", "False"}));
 
 }  // namespace
+TEST(GroupedWholeNumber, PutsACommaBetweenGroupsOfThreeDigits) {
+  for (const auto& [value, text] : std::initializer_list<std::pair<std::int64_t, const char*>>{
+           {0, "0"}, {999, "999"}, {8401, "8,401"}, {-1234567, "-1,234,567"}, {-100, "-100"}}) {
+    EXPECT_EQ(GroupedWholeNumber(value), text);
+  }
+}
+
 }  // namespace sylvora
