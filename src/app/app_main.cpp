@@ -42,15 +42,12 @@ struct Arguments {
   QString corpus;
   QString screenshot;
   QSize size{1280, 800};
-  bool help = false;
 };
 
 bool ParseArguments(const QStringList& list, Arguments& arguments, QString& error) {
   for (qsizetype i = 1; i < list.size(); ++i) {
     const QString& argument = list[i];
-    if (argument == u"--help"_s || argument == u"-h"_s) {
-      arguments.help = true;
-    } else if (argument == u"--screenshot"_s) {
+    if (argument == u"--screenshot"_s) {
       if (i + 1 >= list.size()) {
         error = u"--screenshot needs a file name"_s;
         return false;
@@ -232,10 +229,6 @@ int RunApplication(int argc, char** argv) {
   if (!ParseArguments(QApplication::arguments(), arguments, error)) {
     std::fprintf(stderr, "sylvora: %s\n%s", qUtf8Printable(error), kUsage);
     return 2;
-  }
-  if (arguments.help) {
-    std::printf("%s", kUsage);
-    return 0;
   }
   const bool screenshot = !arguments.screenshot.isEmpty();
   QtPlatform qtPlatform;
