@@ -33,13 +33,18 @@
 //
 // Cost, for D documents, N tokens and T terms: AssignText, Preprocess, BuildVocab and BuildTDM
 // are each one pass over the text or its tokens, O(N) with hashing; BuildTDM adds a sort of
-// each document's few tokens. Texts live in one buffer, not a string per document. TermIndex
-// is a linear scan over the T terms (for interactive look-ups). TermWeight with Normalise
-// scans one column. SaveTDM writes T x D cells.
+// each document's few tokens. Each pass runs over contiguous ranges of documents on the
+// machine's cores and joins them in document order (common/parallel.h), so the numbering is
+// that of one pass. Preprocess turns the text into token numbers per range (each distinct
+// token stored and stemmed once per range), and BuildVocab merges the ranges' distinct tokens
+// instead of reading every token again. TermIndex is a linear scan over the T terms (for
+// interactive look-ups). TermWeight with Normalise scans one column. SaveTDM writes T x D
+// cells.
 //
 // Ownership and threads: the object owns its text, vocabulary and matrix; it only reads the
-// DocumentSet during AssignText. Const operations may run concurrently; anything else needs
-// the object to itself. Copying is disabled (an index can be large); moving is cheap.
+// DocumentSet during AssignText (from several threads, which only read it). Const operations
+// may run concurrently; anything else needs the object to itself. Copying is disabled (an
+// index can be large); moving is cheap.
 
 #include <array>
 #include <cstdint>
@@ -53,6 +58,7 @@
 #include "common/progress.h"
 #include "corpus/document_set.h"
 #include "indexing/document_texts.h"
+#include "indexing/document_tokens.h"
 #include "indexing/indexing_errors.h"
 #include "indexing/stop_list.h"
 #include "sparse/sparse_matrix_single.h"
@@ -91,6 +97,10 @@ class TermDocumentMatrix {
   // has no "."; Version becomes 0. False when cancelled (nothing assigned).
   bool AssignText(const DocumentSet& documents, DocIndex& numDocs, bool urlIndex,
                   const ProgressCallback& progress = {});
+  // The same with the fields given instead of the expressed ones, so that several indexes can
+  // take their text from one set at the same time without switching its flags.
+  bool AssignText(const DocumentSet& documents, const std::vector<FieldIndex>& fields,
+                  DocIndex& numDocs, bool urlIndex, const ProgressCallback& progress = {});
 
   // Turns every document's text into its index tokens separated by single spaces.
   //  * tokeniseOnly: the text is only split at single spaces (case and punctuation stay);
@@ -215,7 +225,12 @@ class TermDocumentMatrix {
  private:
   // Documents whose text is present: DocCount, but no more than the text holds.
   std::size_t TextCount() const;
+  // The text of document `doc` (0-based): as assigned, or its tokens joined again.
+  std::string CurrentText(std::size_t doc) const;
+  void ClearVocabularyTokens();
   void ReleaseText();
+  // The assigned text split at single spaces, empty pieces left out.
+  DocumentTokens SplitAssignedText() const;
   double GlobalFactor(std::int32_t term, std::int32_t scheme) const;
   // TermWeight of a cell value, given the largest frequency of its document (read only with
   // `normalise`).
@@ -223,8 +238,9 @@ class TermDocumentMatrix {
                       std::int32_t documentMaximum) const;
   std::int32_t DocumentMaximum(std::int32_t nIndex) const;
 
-  // Text.
+  // Text: as assigned (text_) until Preprocess turns it into tokens (tokens_).
   DocumentTexts text_;  // document d (1-based) at d - 1
+  DocumentTokens tokens_;
   DocIndex docCount_ = 0;
   bool isURLIndex_ = false;
   // Link index: the links (without scheme) that were written with "https://".
@@ -243,12 +259,11 @@ class TermDocumentMatrix {
   SparseMatrixSingle matrix_;
   bool weightsApplied_ = false;
 
-  // The term numbers of each document's tokens as BuildVocab found them (dropped tokens left
-  // out), so that BuildTDM need not look the tokens up again: document i (0-based) owns
-  // tokenTerms_[tokenStart_[i] .. tokenStart_[i + 1]). Empty when no vocabulary was built
-  // from the current text.
-  std::vector<std::int32_t> tokenTerms_;
-  std::vector<std::size_t> tokenStart_;
+  // Per range of tokens_, the term number of each of its distinct tokens as BuildVocab
+  // numbered them (0: dropped), so that BuildTDM need not look the tokens up again. Empty when
+  // no vocabulary was built from the current tokens.
+  std::vector<std::vector<std::int32_t>> termOf_;
+  bool vocabularyReady_ = false;
 
   std::string lastError_;
 };

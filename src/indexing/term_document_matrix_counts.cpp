@@ -1,13 +1,15 @@
 // Counting terms per document, pruning by document frequency, and weighting the matrix.
 //
-// BuildTDM works from the term numbers BuildVocab recorded for each document's tokens: one
-// pass sorts each document's numbers and tallies document and global frequencies, the
-// pruning bounds then decide which terms stay, and a second pass writes each document's
-// column with the kept terms already renumbered, so no column is written twice.
+// BuildTDM works from the term numbers BuildVocab gave each range's distinct tokens: one pass
+// sorts each document's numbers and tallies document and global frequencies, the pruning
+// bounds then decide which terms stay, and a second pass writes each document's column with
+// the kept terms already renumbered, so no column is written twice. Both passes run over the
+// ranges of documents on their own threads; the tallies are summed afterwards.
 
 #include <algorithm>
 #include <cmath>
 
+#include "common/parallel.h"
 #include "indexing/term_document_matrix.h"
 
 namespace sylvora {
@@ -34,27 +36,61 @@ void ForEachRun(const std::int32_t* first, const std::int32_t* last, Visit&& vis
 
 bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
                                   const ProgressCallback& progress) {
-  if (tokenStart_.empty()) {
+  if (!vocabularyReady_) {
     lastError_ = "BuildTDM needs a vocabulary built from the current text (run BuildVocab first)";
     return false;
   }
   const std::size_t termCount = terms_.size();
-  const std::size_t documents = tokenStart_.size() - 1;
+  const auto& ranges = tokens_.Ranges();
+  const std::size_t documents = std::min(tokens_.DocumentCount(), TextCount());
   const DocIndex columns = docCount_;
-  ProgressReporter reporter(progress, "Counting term-document occurrences",
-                            2 * static_cast<std::int64_t>(documents));
+  SharedProgress shared(progress, "Counting term-document occurrences",
+                        2 * static_cast<std::int64_t>(documents));
 
-  // Frequencies; entry t is term t (entry 0 unused).
+  // Each range's documents as sorted term numbers (dropped tokens left out), with its own
+  // tallies of document and global frequency; entry t is term t (entry 0 unused).
+  struct RangeCounts {
+    std::vector<std::int32_t> terms;
+    std::vector<std::size_t> starts;
+    std::vector<std::int32_t> docFreq, globalFreq;
+  };
+  std::vector<RangeCounts> counts(ranges.size());
+  std::vector<std::size_t> bounds{0};
+  for (const TokenRange& range : ranges) {
+    bounds.push_back(std::min(documents, bounds.back() + range.DocumentCount()));
+  }
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    SharedProgress::Counter counter(shared, part);
+    const TokenRange& range = ranges[part];
+    const std::vector<std::int32_t>& termOf = termOf_[part];
+    RangeCounts& mine = counts[part];
+    mine.docFreq.assign(termCount + 1, 0);
+    mine.globalFreq.assign(termCount + 1, 0);
+    mine.starts.reserve(end - begin + 1);
+    mine.starts.push_back(0);
+    for (std::size_t d = 0; d < end - begin; ++d) {
+      for (const std::int32_t token : range.Tokens(d)) {
+        const std::int32_t term = termOf[static_cast<std::size_t>(token)];
+        if (term > 0) mine.terms.push_back(term);
+      }
+      std::int32_t* first = mine.terms.data() + mine.starts.back();
+      std::int32_t* last = mine.terms.data() + mine.terms.size();
+      std::sort(first, last);
+      ForEachRun(first, last, [&](std::int32_t term, std::int32_t count) {
+        ++mine.docFreq[static_cast<std::size_t>(term)];
+        mine.globalFreq[static_cast<std::size_t>(term)] += count;
+      });
+      mine.starts.push_back(mine.terms.size());
+      if (!counter.Step()) return;
+    }
+  });
+  if (shared.Cancelled()) return false;
   std::vector<std::int32_t> docFreq(termCount + 1, 0), globalFreq(termCount + 1, 0);
-  for (std::size_t d = 0; d < documents; ++d) {
-    std::int32_t* first = tokenTerms_.data() + tokenStart_[d];
-    std::int32_t* last = tokenTerms_.data() + tokenStart_[d + 1];
-    std::sort(first, last);
-    ForEachRun(first, last, [&](std::int32_t term, std::int32_t count) {
-      ++docFreq[static_cast<std::size_t>(term)];
-      globalFreq[static_cast<std::size_t>(term)] += count;
-    });
-    if (!reporter.Step()) return false;
+  for (const RangeCounts& range : counts) {
+    for (std::size_t t = 1; t <= termCount; ++t) {
+      docFreq[t] += range.docFreq[t];
+      globalFreq[t] += range.globalFreq[t];
+    }
   }
 
   // The new number of each term (0: pruned). When nothing qualifies, every term stays.
@@ -71,20 +107,27 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
 
   SparseMatrixSingle matrix;
   matrix.Reset(kept, columns);
-  SparseVectorSingle column;
-  for (std::size_t d = 0; d < documents; ++d) {
-    ClearKeepingStorage(column);
-    ForEachRun(tokenTerms_.data() + tokenStart_[d], tokenTerms_.data() + tokenStart_[d + 1],
-               [&](std::int32_t term, std::int32_t count) {
-                 const std::int32_t number = newNumber[static_cast<std::size_t>(term)];
-                 if (number > 0) column.SetValue(number, static_cast<float>(count));
-               });
-    // A copy allocates exactly what the column holds.
-    if (column.NZElementCount() > 0) *matrix.Vector(static_cast<std::int32_t>(d) + 1) = column;
-    if (!reporter.Step()) return false;
-  }
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    SharedProgress::Counter counter(shared, part);
+    RangeCounts& mine = counts[part];
+    SparseVectorSingle column;
+    for (std::size_t d = 0; d < end - begin; ++d) {
+      ClearKeepingStorage(column);
+      ForEachRun(mine.terms.data() + mine.starts[d], mine.terms.data() + mine.starts[d + 1],
+                 [&](std::int32_t term, std::int32_t count) {
+                   const std::int32_t number = newNumber[static_cast<std::size_t>(term)];
+                   if (number > 0) column.SetValue(number, static_cast<float>(count));
+                 });
+      // A copy allocates exactly what the column holds.
+      if (column.NZElementCount() > 0) {
+        *matrix.Vector(static_cast<std::int32_t>(begin + d) + 1) = column;
+      }
+      if (!counter.Step()) return;
+    }
+    std::vector<std::int32_t>().swap(mine.terms);
+  });
+  if (shared.Cancelled() || !shared.Report()) return false;
   matrix.SetRowCount(kept);
-  reporter.Report();
 
   std::vector<std::string> terms;
   terms.reserve(static_cast<std::size_t>(kept));

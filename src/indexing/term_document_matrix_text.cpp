@@ -1,9 +1,12 @@
-// Assigning the documents' text to an index and preprocessing it into tokens.
+// Assigning the documents' text to an index and preprocessing it into tokens. Both run over
+// contiguous ranges of documents on the machine's cores; the ranges are joined in document
+// order, so the result is that of one pass.
 
 #include <algorithm>
 #include <vector>
 
 #include "common/code_points.h"
+#include "common/parallel.h"
 #include "indexing/character_classes.h"
 #include "indexing/porter.h"
 #include "indexing/term_document_matrix.h"
@@ -12,10 +15,15 @@
 namespace sylvora {
 namespace {
 
+// Fewer documents than this per range are not worth a thread.
+constexpr std::size_t kDocumentsPerRange = 4096;
+
+using SecureLinks = std::unordered_set<std::string>;
+
 // A link index keeps links without their scheme; BuildTDM puts the scheme back, so the links
 // that were written with "https://" are noted in `secure` (up to the next space).
 std::string_view StripLinkSchemes(std::string_view text, std::string& scratch,
-                                  std::unordered_set<std::string>& secure) {
+                                  SecureLinks& secure) {
   if (text.find("http") == std::string_view::npos) return text;
   const std::string withoutPlain = ReplaceAll(text, "http://", "");
   constexpr std::string_view kSecure = "https://";
@@ -37,63 +45,131 @@ std::string BasePathOf(const std::string& corpusPath, const std::string& current
   return current + "/temp";
 }
 
-// The text of a document from its tokens: those of at least 2 characters, stemmed with
-// `porter` when they are Latin-script words (the stemmer knows English endings only), each
-// after a single space, then without the first space.
-void JoinTokens(const TokenList& tokens, bool porter, std::string& out) {
-  out.clear();
-  for (std::size_t i = 0; i < tokens.Count(); ++i) {
-    if (tokens.Characters(i) < 2) continue;
-    out += ' ';
-    if (porter && IsLatinScriptWord(tokens.Token(i))) {
-      out += Porter::Stem(tokens.Token(i));
-    } else {
-      out += tokens.Token(i);
-    }
-  }
-  if (!out.empty()) out.erase(0, 1);
-}
-
-}  // namespace
-
-bool TermDocumentMatrix::AssignText(const DocumentSet& documents, DocIndex& numDocs, bool urlIndex,
-                                    const ProgressCallback& progress) {
-  if (urlIndex) isURLIndex_ = true;
-  numDocs = std::clamp<DocIndex>(numDocs, 0, documents.DocumentCount());
-  if (TextAssigned()) return true;
-
+std::vector<FieldIndex> ExpressedFields(const DocumentSet& documents) {
   std::vector<FieldIndex> fields;
   for (int f = 0; f < documents.FieldCount(); ++f) {
     if (documents.FieldExpressed(static_cast<FieldIndex>(f))) {
       fields.push_back(static_cast<FieldIndex>(f));
     }
   }
-  std::size_t bytes = 0;
-  for (DocIndex d = 0; d < numDocs; ++d) {
-    for (const FieldIndex f : fields) bytes += documents.Cell(d, f).size() + 1;
+  return fields;
+}
+
+// Turns the text of one range of documents into tokens: cleaned as Preprocess says, then
+// those of fewer than 2 characters dropped and, with `porter`, the Latin-script words
+// stemmed. A token seen before in the range is not stemmed again: its number comes from
+// `stems_`, keyed by its text before stemming.
+class RangeTokeniser {
+ public:
+  RangeTokeniser(bool tokeniseOnly, bool keepAbbrevs, std::uint8_t minLen,
+                 const StopList& stopWords, bool porter)
+      : tokeniseOnly_(tokeniseOnly),
+        keepAbbrevs_(keepAbbrevs),
+        minLen_(minLen),
+        stopWords_(stopWords),
+        porter_(porter) {}
+
+  void AddDocument(std::string_view text, TokenRange& range) {
+    if (tokeniseOnly_) {
+      SplitOnSpaces(text, tokens_);
+    } else {
+      TokeniseDocument(text, tokens_);
+      FoldCase(tokens_, keepAbbrevs_);
+      FilterTokenLength(tokens_, minLen_);
+      RemoveStopWords(tokens_, stopWords_);
+    }
+    for (std::size_t i = 0; i < tokens_.Count(); ++i) {
+      if (tokens_.Characters(i) < 2) continue;
+      const std::int32_t number = NumberOf(tokens_.Token(i), range);
+      if (number >= 0) range.Add(number);
+    }
+    range.EndDocument();
+  }
+
+ private:
+  // The range's number of a token's index form; -1 for a stem that came out empty.
+  std::int32_t NumberOf(std::string_view token, TokenRange& range) {
+    if (!porter_) return range.Intern(token);
+    const auto known = stems_.find(token);
+    if (known != stems_.end()) return known->second;
+    std::int32_t number = -1;
+    if (IsLatinScriptWord(token)) {
+      const std::string stem = Porter::Stem(token);
+      if (!stem.empty()) number = range.Intern(stem);
+    } else {
+      number = range.Intern(token);
+    }
+    stems_.emplace(std::string(token), number);
+    return number;
+  }
+
+  bool tokeniseOnly_;
+  bool keepAbbrevs_;
+  std::uint8_t minLen_;
+  const StopList& stopWords_;
+  bool porter_;
+  TokenList tokens_;
+  StringMap<std::int32_t> stems_;  // token before stemming -> number of its stem
+};
+
+}  // namespace
+
+bool TermDocumentMatrix::AssignText(const DocumentSet& documents, DocIndex& numDocs, bool urlIndex,
+                                    const ProgressCallback& progress) {
+  return AssignText(documents, ExpressedFields(documents), numDocs, urlIndex, progress);
+}
+
+bool TermDocumentMatrix::AssignText(const DocumentSet& documents,
+                                    const std::vector<FieldIndex>& fields, DocIndex& numDocs,
+                                    bool urlIndex, const ProgressCallback& progress) {
+  if (urlIndex) isURLIndex_ = true;
+  numDocs = std::clamp<DocIndex>(numDocs, 0, documents.DocumentCount());
+  if (TextAssigned()) return true;
+
+  const auto bounds =
+      SplitRange(static_cast<std::size_t>(numDocs), WorkerCount(), kDocumentsPerRange);
+  std::vector<DocumentTexts::Part> parts(bounds.size() - 1);
+  std::vector<SecureLinks> secure(parts.size());
+  SharedProgress shared(progress, "Assigning text", numDocs);
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    SharedProgress::Counter counter(shared, part);
+    std::size_t bytes = 0;
+    for (std::size_t d = begin; d < end; ++d) {
+      for (const FieldIndex f : fields)
+        bytes += documents.Cell(static_cast<DocIndex>(d), f).size() + 1;
+    }
+    DocumentTexts::Part& texts = parts[part];
+    texts.Reserve(end - begin, bytes);
+    std::string joined, stripped;
+    for (std::size_t d = begin; d < end; ++d) {
+      std::string_view text;
+      if (fields.size() == 1) {
+        text = TrimSpaces(documents.Cell(static_cast<DocIndex>(d), fields[0]));
+      } else {
+        joined.clear();
+        for (const FieldIndex f : fields) {
+          joined += ' ';
+          joined += documents.Cell(static_cast<DocIndex>(d), f);
+        }
+        text = TrimSpaces(joined);
+      }
+      if (isURLIndex_) text = StripLinkSchemes(text, stripped, secure[part]);
+      texts.Append(text);
+      if (!counter.Step()) return;
+    }
+  });
+  if (shared.Cancelled() || !shared.Report()) {
+    // A cancel leaves the index as it was, the link index flag apart.
+    return false;
   }
 
   DocumentTexts texts;
-  texts.Reserve(static_cast<std::size_t>(numDocs), bytes);
-  ProgressReporter reporter(progress, "Assigning text", numDocs);
-  std::string joined, stripped;
-  for (DocIndex d = 0; d < numDocs; ++d) {
-    joined.clear();
-    for (const FieldIndex f : fields) {
-      joined += ' ';
-      joined += documents.Cell(d, f);
-    }
-    std::string_view text = TrimSpaces(joined);
-    if (isURLIndex_) text = StripLinkSchemes(text, stripped, secureLinks_);
-    texts.Append(text);
-    if (!reporter.Step()) return false;
-  }
-  reporter.Report();
-
+  for (auto& part : parts) texts.Join(std::move(part));
   text_ = std::move(texts);
+  for (auto& links : secure) secureLinks_.merge(links);
+  tokens_.Clear();
+  ClearVocabularyTokens();
   docCount_ = numDocs;
-  tokenTerms_.clear();
-  tokenStart_.clear();
   basePath_ = BasePathOf(documents.FilePath(), basePath_);
   version_ = 0;
   return true;
@@ -102,54 +178,66 @@ bool TermDocumentMatrix::AssignText(const DocumentSet& documents, DocIndex& numD
 bool TermDocumentMatrix::Preprocess(bool tokeniseOnly, bool keepAbbrevs, std::uint8_t minLen,
                                     const std::string& stopFilePath, bool porter,
                                     const ProgressCallback& progress) {
-  const std::size_t count = text_.Count();
+  const std::size_t count = TextCount();
   if (count == 0) {
     if (porter) isStemmed_ = true;
     return true;
   }
   if (!tokeniseOnly && !stopWords_.Loaded()) stopWords_.Load(stopFilePath, minLen);
 
-  DocumentTexts cleaned;
-  cleaned.Reserve(count, text_.Bytes());
-  ProgressReporter reporter(progress, "Pre-processing text", static_cast<std::int64_t>(count));
-  TokenList tokens;
-  std::string document;
-  for (std::size_t d = 0; d < count; ++d) {
-    if (tokeniseOnly) {
-      SplitOnSpaces(text_.At(d), tokens);
-    } else {
-      TokeniseDocument(text_.At(d), tokens);
-      FoldCase(tokens, keepAbbrevs);
-      FilterTokenLength(tokens, minLen);
-      RemoveStopWords(tokens, stopWords_);
+  const auto bounds = SplitRange(count, WorkerCount(), kDocumentsPerRange);
+  std::vector<TokenRange> ranges(bounds.size() - 1);
+  SharedProgress shared(progress, "Pre-processing text", static_cast<std::int64_t>(count));
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    SharedProgress::Counter counter(shared, part);
+    RangeTokeniser tokeniser(tokeniseOnly, keepAbbrevs, minLen, stopWords_, porter);
+    const bool assigned = text_.Count() > 0;
+    for (std::size_t d = begin; d < end; ++d) {
+      if (assigned) {
+        tokeniser.AddDocument(text_.At(d), ranges[part]);
+      } else {  // preprocessed before: the tokens are joined again
+        tokeniser.AddDocument(CurrentText(d), ranges[part]);
+      }
+      if (!counter.Step()) return;
     }
-    JoinTokens(tokens, porter, document);
-    cleaned.Append(document);
-    if (!reporter.Step()) return false;
-  }
-  reporter.Report();
+  });
+  if (shared.Cancelled() || !shared.Report()) return false;
 
-  text_ = std::move(cleaned);
+  DocumentTokens tokens;
+  for (auto& range : ranges) tokens.Join(std::move(range));
+  tokens_ = std::move(tokens);
+  text_.Clear();
   if (porter) isStemmed_ = true;
-  tokenTerms_.clear();
-  tokenStart_.clear();
+  ClearVocabularyTokens();
   return true;
+}
+
+std::string TermDocumentMatrix::CurrentText(std::size_t doc) const {
+  if (text_.Count() > 0) return std::string(text_.At(doc));
+  const auto [range, place] = tokens_.Locate(doc);
+  return range == nullptr ? std::string() : range->Text(place);
 }
 
 std::string TermDocumentMatrix::Text(DocIndex index) const {
   if (index < 1 || static_cast<std::size_t>(index) > TextCount()) return {};
-  return std::string(text_.At(static_cast<std::size_t>(index) - 1));
+  return CurrentText(static_cast<std::size_t>(index) - 1);
 }
 
 std::size_t TermDocumentMatrix::TextCount() const {
-  return std::min(static_cast<std::size_t>(std::max<DocIndex>(docCount_, 0)), text_.Count());
+  const std::size_t held = text_.Count() > 0 ? text_.Count() : tokens_.DocumentCount();
+  return std::min(static_cast<std::size_t>(std::max<DocIndex>(docCount_, 0)), held);
+}
+
+void TermDocumentMatrix::ClearVocabularyTokens() {
+  std::vector<std::vector<std::int32_t>>().swap(termOf_);
+  vocabularyReady_ = false;
 }
 
 void TermDocumentMatrix::ReleaseText() {
   text_.Clear();
-  std::unordered_set<std::string>().swap(secureLinks_);
-  std::vector<std::int32_t>().swap(tokenTerms_);
-  std::vector<std::size_t>().swap(tokenStart_);
+  tokens_.Clear();
+  SecureLinks().swap(secureLinks_);
+  ClearVocabularyTokens();
 }
 
 }  // namespace sylvora

@@ -1,9 +1,13 @@
 #include "session/corpus_index.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cmath>
 #include <ctime>
+#include <future>
 #include <limits>
+#include <mutex>
 #include <numeric>
 
 #include "common/date_time.h"
@@ -56,8 +60,8 @@ class ExpressionRestorer {
 
 class IndexingRun {
  public:
-  IndexingRun(DocumentSet& documents, const IndexOptions& options, const ProgressCallback& progress,
-              IndexReport& report)
+  IndexingRun(const DocumentSet& documents, const IndexOptions& options,
+              const ProgressCallback& progress, IndexReport& report)
       : documents_(documents), options_(options), progress_(progress), report_(report) {}
 
   // Each returns false when the progress callback cancelled; stop-list errors propagate.
@@ -78,7 +82,7 @@ class IndexingRun {
   // Counts and logs the terms the cap dropped from `index`.
   void NoteDropped(IndexKind kind, const TermDocumentMatrix& index);
 
-  DocumentSet& documents_;
+  const DocumentSet& documents_;
   const IndexOptions& options_;
   const ProgressCallback& progress_;
   IndexReport& report_;
@@ -172,10 +176,9 @@ bool IndexingRun::BuildSecondary(IndexKind kind, FieldIndex field, TermDocumentM
   // Links, mentions and user names are whole terms; hashtags are cleaned like words.
   const bool cleaned = kind == IndexKind::kHashtags;
 
-  documents_.SetFieldExpressed(field, true);
   DocIndex count = documents_.DocumentCount();
   if (!Begin(kind, kAssigning) ||
-      !index.AssignText(documents_, count, kind == IndexKind::kLinks, progress)) {
+      !index.AssignText(documents_, {field}, count, kind == IndexKind::kLinks, progress)) {
     return false;
   }
   Finish(kind, "assign");
@@ -195,9 +198,99 @@ bool IndexingRun::BuildSecondary(IndexKind kind, FieldIndex field, TermDocumentM
     return false;
   }
   Finish(kind, "counts");
-  documents_.SetFieldExpressed(field, false);
   return true;
 }
+
+// Builds the secondary indexes on a thread of its own. Only the calling thread talks to the
+// progress callback: the worker leaves its latest stage here, and Finish() passes it on while
+// it waits, so that a cancel reaches the worker at its next step.
+class SecondaryIndexes {
+ public:
+  struct Job {
+    IndexKind kind;
+    FieldIndex field;
+    TermDocumentMatrix* index;
+  };
+
+  SecondaryIndexes(const DocumentSet& documents, const IndexOptions& options,
+                   const ProgressCallback& progress)
+      : documents_(documents), options_(options), progress_(progress) {}
+  ~SecondaryIndexes() {
+    Cancel();
+    Wait();
+  }
+  SecondaryIndexes(const SecondaryIndexes&) = delete;
+  SecondaryIndexes& operator=(const SecondaryIndexes&) = delete;
+
+  void Start(std::vector<Job> jobs) {
+    worker_ = std::async(std::launch::async, [this, jobs = std::move(jobs)] { return Run(jobs); });
+  }
+  void Cancel() { cancelled_ = true; }
+  void Wait() {
+    if (worker_.valid()) worker_.wait();
+  }
+
+  // Waits for the worker while passing its progress on, then adds its log lines and
+  // dropped-term counts to `report`. False when cancelled; rethrows the worker's
+  // StopListError.
+  bool Finish(IndexReport& report) {
+    constexpr auto kPoll = std::chrono::milliseconds(20);
+    while (worker_.wait_for(kPoll) != std::future_status::ready) {
+      Stage latest;
+      {
+        const std::lock_guard lock(mutex_);
+        latest = latest_;
+      }
+      if (progress_ && !latest.text.empty() && !progress_(latest.text, latest.done, latest.total)) {
+        cancelled_ = true;
+      }
+    }
+    const bool done = worker_.get();
+    report.log += report_.log;
+    for (std::size_t kind = 1; kind < report.droppedTerms.size(); ++kind) {
+      report.droppedTerms[kind] = report_.droppedTerms[kind];
+    }
+    return done && !cancelled_;
+  }
+
+  const std::vector<StageTiming>& Stages() const { return stages_; }
+
+ private:
+  struct Stage {
+    std::string text;
+    std::int64_t done = 0;
+    std::int64_t total = 0;
+  };
+
+  bool Run(const std::vector<Job>& jobs) {
+    const ProgressCallback relay = [this](std::string_view stage, std::int64_t done,
+                                          std::int64_t total) {
+      const std::lock_guard lock(mutex_);
+      latest_ = {std::string(stage), done, total};
+      return !cancelled_;
+    };
+    IndexingRun run(documents_, options_, relay, report_);
+    bool done = true;
+    for (const Job& job : jobs) {
+      if (!run.BuildSecondary(job.kind, job.field, *job.index)) {
+        done = false;
+        break;
+      }
+    }
+    stages_ = run.Stages();
+    return done;
+  }
+
+  const DocumentSet& documents_;
+  const IndexOptions& options_;
+  const ProgressCallback& progress_;
+  std::future<bool> worker_;
+  std::atomic<bool> cancelled_{false};
+  std::mutex mutex_;
+  Stage latest_;
+  IndexReport report_;  // the worker's own log and counts
+  std::vector<StageTiming> stages_;
+};
 
 // The whole number a Max DF option stands for, or nullopt when it has none.
 std::optional<std::int32_t> WholeDocumentCount(double value) {
@@ -252,26 +345,33 @@ IndexReport BuildIndexes(Session& session, const IndexOptions& options,
 
   TermDocumentMatrix words, links, hashtags, mentions, users;
   IndexingRun run(documents, options, progress, report);
+  SecondaryIndexes secondary(documents, options, progress);
   try {
+    // The four secondary indexes are built on a thread of their own while this one builds
+    // the word index; each takes its one field without switching any flag of the set.
+    secondary.Start({{IndexKind::kLinks, documents.URLField(), &links},
+                     {IndexKind::kHashtags, documents.KeyWordField(), &hashtags},
+                     {IndexKind::kMentions, documents.RefListField(), &mentions},
+                     {IndexKind::kUsers, documents.AuthorField(), &users}});
     bool done = run.BuildWords(words);
-    if (done) {
-      documents.SetFieldExpressionPattern("");
-      done = run.BuildSecondary(IndexKind::kLinks, documents.URLField(), links) &&
-             run.BuildSecondary(IndexKind::kHashtags, documents.KeyWordField(), hashtags) &&
-             run.BuildSecondary(IndexKind::kMentions, documents.RefListField(), mentions) &&
-             run.BuildSecondary(IndexKind::kUsers, documents.AuthorField(), users);
-    }
+    if (!done) secondary.Cancel();
+    done = secondary.Finish(report) && done;
     report.stages = run.Stages();
+    report.stages.insert(report.stages.end(), secondary.Stages().begin(), secondary.Stages().end());
     if (!done) {
       report.cancelled = true;
       report.error = "Indexing cancelled";
       return report;
     }
   } catch (const StopListError& error) {
+    secondary.Cancel();
+    secondary.Wait();
     report.stages = run.Stages();
     report.error = error.what();
     return report;
   }
+  // A completed run leaves every field switched off.
+  documents.SetFieldExpressionPattern("");
 
   // The interval models counted the old indexes' terms: they go with them.
   session.ClearModels();

@@ -15,8 +15,13 @@
 //
 // Fields. The word index covers every field that is expressed when the run starts, plus the
 // word fields of the options (the load workflow leaves the content field and the fields it
-// derived expressed). Each secondary index switches its own field on, then off; a completed run
-// leaves every field switched off, so a later run covers only what it switches on again.
+// derived expressed). Each secondary index covers its own field only; a completed run leaves
+// every field switched off, so a later run covers only what it switches on again.
+//
+// Threads. The four secondary indexes are built one after another on a thread of their own
+// while the calling thread builds the word index, and each index splits its passes over the
+// cores (TermDocumentMatrix). Only the calling thread calls the progress callback; a cancel
+// stops both.
 //
 // The five new indexes replace the session's only when all five are built; on an error or a
 // cancel the session keeps the indexes it had and its fields' expressed flags, and the report
@@ -24,7 +29,8 @@
 //
 // Errors: a stop list that cannot be used (missing, unreadable, more than 1000 words) stops
 // the workflow with report.error naming the file; options out of range stop it before any
-// work. Cost: a few passes over the corpus text per index, linear in its size.
+// work. Cost: a few passes over the corpus text per index, linear in its size, shared out
+// over the machine's cores.
 
 #include <array>
 #include <cstdint>

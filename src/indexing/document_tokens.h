@@ -1,0 +1,97 @@
+#pragma once
+// DocumentTokens: the documents of an index once split into tokens, as the threads of one
+// pass found them. Each thread takes a contiguous range of documents and keeps, for its
+// range, every distinct token once (numbered in order of first appearance inside the range)
+// and each document's tokens as those numbers. Numbers are 0-based and local to their range;
+// BuildVocab merges the ranges in order into the index's vocabulary, which gives the same
+// first appearances as one pass over all documents.
+//
+// Cost: a token is hashed once per occurrence and its text stored once per range. Nothing
+// throws apart from std::bad_alloc. A range belongs to one thread while it is filled; once
+// filled, any number of threads may read it.
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace sylvora {
+
+struct StringHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const {
+    return std::hash<std::string_view>{}(text);
+  }
+};
+
+// Text -> number, looked up by string_view without building a string.
+template <typename Value>
+using StringMap = std::unordered_map<std::string, Value, StringHash, std::equal_to<>>;
+
+class TokenRange {
+ public:
+  TokenRange() : starts_{0} {}
+
+  // The number of `token` in this range, giving it the next number when it is new.
+  std::int32_t Intern(std::string_view token) {
+    const auto known = numbers_.find(token);
+    if (known != numbers_.end()) return known->second;
+    const auto number = static_cast<std::int32_t>(distinct_.size());
+    distinct_.push_back(&numbers_.emplace(std::string(token), number).first->first);
+    return number;
+  }
+  // Adds token number `number` to the document being filled.
+  void Add(std::int32_t number) { tokens_.push_back(number); }
+  // Closes the document being filled; the next Add starts the next one.
+  void EndDocument() { starts_.push_back(tokens_.size()); }
+
+  std::size_t DocumentCount() const { return starts_.size() - 1; }
+  std::span<const std::int32_t> Tokens(std::size_t doc) const {
+    return std::span<const std::int32_t>(tokens_).subspan(starts_[doc],
+                                                          starts_[doc + 1] - starts_[doc]);
+  }
+  std::size_t DistinctCount() const { return distinct_.size(); }
+  const std::string& Distinct(std::int32_t number) const {
+    return *distinct_[static_cast<std::size_t>(number)];
+  }
+  std::int32_t Find(std::string_view token) const {
+    const auto known = numbers_.find(token);
+    return known == numbers_.end() ? -1 : known->second;
+  }
+  // The document's tokens joined by single spaces.
+  std::string Text(std::size_t doc) const;
+
+ private:
+  StringMap<std::int32_t> numbers_;
+  std::vector<const std::string*> distinct_;  // the keys of numbers_, which never move
+  std::vector<std::int32_t> tokens_;
+  std::vector<std::size_t> starts_;  // document i owns tokens_[starts_[i], starts_[i + 1])
+};
+
+class DocumentTokens {
+ public:
+  std::size_t DocumentCount() const { return count_; }
+  bool Empty() const { return ranges_.empty(); }
+  const std::vector<TokenRange>& Ranges() const { return ranges_; }
+  // The range that holds document `doc` (0-based) and the document's place inside it.
+  std::pair<const TokenRange*, std::size_t> Locate(std::size_t doc) const;
+
+  void Join(TokenRange&& range) {
+    count_ += range.DocumentCount();
+    ranges_.push_back(std::move(range));
+  }
+  void Clear() {
+    std::vector<TokenRange>().swap(ranges_);
+    count_ = 0;
+  }
+
+ private:
+  std::vector<TokenRange> ranges_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace sylvora
