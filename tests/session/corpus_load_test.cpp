@@ -212,8 +212,8 @@ TEST_F(CorpusLoad, PathsThatAreNoCorpusFileSayWhatTheyAre) {
 // A file larger than the memory the process may take fails with a reason instead of aborting
 // on std::bad_alloc. The child process runs under an address-space limit; the file is sparse.
 TEST_F(CorpusLoad, AFileThatOutgrowsMemoryIsAFailedLoad) {
-#if defined(__SANITIZE_ADDRESS__)
-  GTEST_SKIP() << "the address sanitizer reserves more address space than the limit allows";
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers reserve more address space than the limit allows";
 #else
   const std::string path = (dir_.Path() / "huge.txt").string();
   {
