@@ -57,49 +57,58 @@ std::vector<FieldIndex> ExpressedFields(const DocumentSet& documents) {
 
 // Turns the text of one range of documents into tokens: cleaned as Preprocess says, then
 // those of fewer than 2 characters dropped and, with `porter`, the Latin-script words
-// stemmed. A token seen before in the range is not stemmed again: its number comes from
-// `stems_`, keyed by its text before stemming.
+// stemmed. Every step depends on the token alone, so a token met before in the range is
+// neither cleaned nor stemmed again: its number (or its refusal) comes from `known_`, keyed by
+// the token as the text has it.
 class RangeTokeniser {
  public:
   RangeTokeniser(bool tokeniseOnly, bool keepAbbrevs, std::uint8_t minLen,
-                 const StopList& stopWords, bool porter)
+                 const StopList& stopWords, bool porter, TokenRange& range)
       : tokeniseOnly_(tokeniseOnly),
         keepAbbrevs_(keepAbbrevs),
         minLen_(minLen),
         stopWords_(stopWords),
-        porter_(porter) {}
+        porter_(porter),
+        range_(range) {}
 
-  void AddDocument(std::string_view text, TokenRange& range) {
+  void AddDocument(std::string_view text) {
+    const auto add = [&](std::string_view token, std::size_t characters) {
+      const auto known = known_.find(token);
+      const std::int32_t number = known != known_.end() ? known->second : Learn(token, characters);
+      if (number >= 0) range_.Add(number);
+    };
     if (tokeniseOnly_) {
-      SplitOnSpaces(text, tokens_);
+      SplitOnSpaces(text, pieces_);
+      for (std::size_t i = 0; i < pieces_.Count(); ++i)
+        add(pieces_.Token(i), pieces_.Characters(i));
     } else {
-      TokeniseDocument(text, tokens_);
-      FoldCase(tokens_, keepAbbrevs_);
-      FilterTokenLength(tokens_, minLen_);
-      RemoveStopWords(tokens_, stopWords_);
+      VisitTokens(text, add);
     }
-    for (std::size_t i = 0; i < tokens_.Count(); ++i) {
-      if (tokens_.Characters(i) < 2) continue;
-      const std::int32_t number = NumberOf(tokens_.Token(i), range);
-      if (number >= 0) range.Add(number);
-    }
-    range.EndDocument();
+    range_.EndDocument();
   }
 
  private:
-  // The range's number of a token's index form; -1 for a stem that came out empty.
-  std::int32_t NumberOf(std::string_view token, TokenRange& range) {
-    if (!porter_) return range.Intern(token);
-    const auto known = stems_.find(token);
-    if (known != stems_.end()) return known->second;
-    std::int32_t number = -1;
-    if (IsLatinScriptWord(token)) {
-      const std::string stem = Porter::Stem(token);
-      if (!stem.empty()) number = range.Intern(stem);
-    } else {
-      number = range.Intern(token);
+  static constexpr std::int32_t kRefused = -1;
+
+  // Cleans and stems a token met for the first time; its number in the range, or kRefused.
+  std::int32_t Learn(std::string_view token, std::size_t characters) {
+    single_.Clear();
+    single_.Add(token, characters);
+    if (!tokeniseOnly_) {
+      FoldCase(single_, keepAbbrevs_);
+      FilterTokenLength(single_, minLen_);
+      RemoveStopWords(single_, stopWords_);
     }
-    stems_.emplace(std::string(token), number);
+    std::int32_t number = kRefused;
+    if (single_.Characters(0) >= 2) {
+      const std::string_view cleaned = single_.Token(0);
+      if (!porter_ || !IsLatinScriptWord(cleaned)) {
+        number = range_.Intern(cleaned);
+      } else if (const std::string stem = Porter::Stem(cleaned); !stem.empty()) {
+        number = range_.Intern(stem);
+      }
+    }
+    known_.emplace(std::string(token), number);
     return number;
   }
 
@@ -108,8 +117,9 @@ class RangeTokeniser {
   std::uint8_t minLen_;
   const StopList& stopWords_;
   bool porter_;
-  TokenList tokens_;
-  StringMap<std::int32_t> stems_;  // token before stemming -> number of its stem
+  TokenRange& range_;
+  TokenList pieces_, single_;
+  StringMap<std::int32_t> known_;  // token as written -> its number, or kRefused
 };
 
 }  // namespace
@@ -190,13 +200,13 @@ bool TermDocumentMatrix::Preprocess(bool tokeniseOnly, bool keepAbbrevs, std::ui
   SharedProgress shared(progress, "Pre-processing text", static_cast<std::int64_t>(count));
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
     SharedProgress::Counter counter(shared, part);
-    RangeTokeniser tokeniser(tokeniseOnly, keepAbbrevs, minLen, stopWords_, porter);
+    RangeTokeniser tokeniser(tokeniseOnly, keepAbbrevs, minLen, stopWords_, porter, ranges[part]);
     const bool assigned = text_.Count() > 0;
     for (std::size_t d = begin; d < end; ++d) {
       if (assigned) {
-        tokeniser.AddDocument(text_.At(d), ranges[part]);
+        tokeniser.AddDocument(text_.At(d));
       } else {  // preprocessed before: the tokens are joined again
-        tokeniser.AddDocument(CurrentText(d), ranges[part]);
+        tokeniser.AddDocument(CurrentText(d));
       }
       if (!counter.Step()) return;
     }

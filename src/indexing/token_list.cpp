@@ -28,32 +28,8 @@ std::vector<std::string> TokenList::Strings() const {
 
 void TokeniseDocument(std::string_view text, TokenList& tokens) {
   tokens.Clear();
-  std::size_t start = 0;       // first byte of the token being read
-  std::size_t characters = 0;  // its length so far; 0 between tokens
-  std::size_t pos = 0;
-  const auto finish = [&](std::size_t end) {
-    if (characters > 0) tokens.Add(text.substr(start, end - start), characters);
-    characters = 0;
-  };
-  while (pos < text.size()) {
-    const auto byte = static_cast<unsigned char>(text[pos]);
-    std::size_t length = 1;
-    bool separator;
-    if (byte < 0x80) {
-      separator = IsAsciiSeparator(byte);
-    } else {
-      const char32_t cp = DecodeUtf8At(text, pos, length);
-      separator = IsTokenSeparator(cp) || (characters == 0 && IsCombiningMark(cp));
-    }
-    if (separator) {
-      finish(pos);
-    } else {
-      if (characters == 0) start = pos;
-      ++characters;
-    }
-    pos += length;
-  }
-  finish(pos);
+  VisitTokens(
+      text, [&](std::string_view token, std::size_t characters) { tokens.Add(token, characters); });
 }
 
 void SplitOnSpaces(std::string_view text, TokenList& tokens) {

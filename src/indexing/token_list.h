@@ -19,6 +19,9 @@
 #include <string_view>
 #include <vector>
 
+#include "common/code_points.h"
+#include "indexing/character_classes.h"
+
 namespace sylvora {
 
 class StopList;
@@ -66,6 +69,10 @@ class TokenList {
 // gives no token. One pass over the text.
 void TokeniseDocument(std::string_view text, TokenList& tokens);
 
+// The same tokens handed to visit(token, characters) as views into `text`, without copying.
+template <typename Visit>
+void VisitTokens(std::string_view text, Visit&& visit);
+
 // Splits `text` at single spaces only, keeping case and punctuation: two adjacent spaces give
 // an empty token, and so do a leading and a trailing space.
 void SplitOnSpaces(std::string_view text, TokenList& tokens);
@@ -86,5 +93,34 @@ void FilterTokenLength(TokenList& tokens, std::size_t minLen, std::size_t maxLen
 
 // Empties every token equal (case-sensitive) to a word of `stopWords`.
 void RemoveStopWords(TokenList& tokens, const StopList& stopWords);
+
+// ---- implementation ----
+
+template <typename Visit>
+void VisitTokens(std::string_view text, Visit&& visit) {
+  std::size_t start = 0;       // first byte of the token being read
+  std::size_t characters = 0;  // its length so far; 0 between tokens
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    const auto byte = static_cast<unsigned char>(text[pos]);
+    std::size_t length = 1;
+    bool separator;
+    if (byte < 0x80) {
+      separator = IsAsciiSeparator(byte);
+    } else {
+      const char32_t cp = DecodeUtf8At(text, pos, length);
+      separator = IsTokenSeparator(cp) || (characters == 0 && IsCombiningMark(cp));
+    }
+    if (separator) {
+      if (characters > 0) visit(text.substr(start, pos - start), characters);
+      characters = 0;
+    } else {
+      if (characters == 0) start = pos;
+      ++characters;
+    }
+    pos += length;
+  }
+  if (characters > 0) visit(text.substr(start, pos - start), characters);
+}
 
 }  // namespace sylvora
