@@ -2,7 +2,8 @@
 // exports of 100,000 and 1,000,000 tweets: load, the five indexes, the interval models of
 // 24-hour intervals (what `sylvora-cli timeline` adds) and the word map of the tweets (what
 // `sylvora-cli map --kind words` adds to load and index, laid out by sfdp). Each stage reports
-// its seconds and the process's peak resident memory when it ends; models_peak_per_file is
+// its seconds, the process's peak resident memory so far and what stays resident when it ends
+// (rss); models_peak_per_file is
 // the peak of load + index + models as a multiple of the file's size, and road_s the time of
 // load + index + word map.
 //
@@ -40,6 +41,8 @@ void BM_Road(benchmark::State& state) {
       state.counters[std::string(name) + "_s"] = watch.Lap();
       state.counters[std::string(name) + "_peak_MB"] =
           static_cast<double>(sylvora::bench::StatusBytes("VmHWM")) / kMB;
+      state.counters[std::string(name) + "_rss_MB"] =
+          static_cast<double>(sylvora::bench::StatusBytes("VmRSS")) / kMB;
     };
 
     sylvora::LoadOptions load;

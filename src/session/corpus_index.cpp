@@ -1,5 +1,7 @@
 #include "session/corpus_index.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -372,6 +374,11 @@ IndexReport BuildIndexes(Session& session, const IndexOptions& options,
   }
   // A completed run leaves every field switched off.
   documents.SetFieldExpressionPattern("");
+#ifdef __GLIBC__
+  // The passes' working memory (token ranges, tallies, each thread's allocations) is free
+  // now; give it back to the system instead of keeping it in the allocator's free lists.
+  malloc_trim(0);
+#endif
 
   // The interval models counted the old indexes' terms: they go with them.
   session.ClearModels();
