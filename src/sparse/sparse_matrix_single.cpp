@@ -237,10 +237,7 @@ SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
       return result;
     }
   }
-  for (SparseVectorSingle& column : result.columns_) {
-    column.elements_.shrink_to_fit();
-    column.values_.shrink_to_fit();
-  }
+  for (SparseVectorSingle& column : result.columns_) column.ShrinkToFit();
   return result;
 }
 
@@ -318,9 +315,17 @@ SparseMatrixSingle SparseMatrixSingle::NearestSimilarityMatrix(
   std::sort(kept.begin(), kept.end(), [](const Cell& a, const Cell& b) {
     return a.col != b.col ? a.col < b.col : a.row < b.row;
   });
-  for (std::size_t e = 0; e < kept.size(); ++e) {
-    if (e > 0 && kept[e].col == kept[e - 1].col && kept[e].row == kept[e - 1].row) continue;
-    result.Column(kept[e].col).Append(kept[e].row, kept[e].value);
+  // A pair kept from both sides appears twice with the same value: keep the first.
+  kept.erase(
+      std::unique(kept.begin(), kept.end(),
+                  [](const Cell& a, const Cell& b) { return a.col == b.col && a.row == b.row; }),
+      kept.end());
+  for (std::size_t e = 0; e < kept.size();) {
+    std::size_t end = e;
+    while (end < kept.size() && kept[end].col == kept[e].col) ++end;
+    SparseVectorSingle& column = result.Column(kept[e].col);
+    column.Reserve(end - e);
+    for (; e < end; ++e) column.Append(kept[e].row, kept[e].value);
   }
   return result;
 }
@@ -421,57 +426,45 @@ void SparseMatrixSingle::MakeSymmetric(bool /*top2Bottom*/) {
   std::vector<std::vector<float>> tailValues(static_cast<std::size_t>(n));
   for (std::int32_t c = 1; c <= n; ++c) {
     SparseVectorSingle& column = Column(c);
-    const auto upperEnd = std::upper_bound(column.elements_.begin(), column.elements_.end(), c) -
-                          column.elements_.begin();
-    const auto tailBegin = std::upper_bound(column.elements_.begin(), column.elements_.end(), n) -
-                           column.elements_.begin();
+    const auto rows = column.ElementIndexes();
+    const auto values = column.ElementValues();
+    const auto upperEnd = std::upper_bound(rows.begin(), rows.end(), c) - rows.begin();
+    const auto tailBegin = std::upper_bound(rows.begin(), rows.end(), n) - rows.begin();
     const auto at = static_cast<std::size_t>(c) - 1;
-    tailRows[at].assign(column.elements_.begin() + tailBegin, column.elements_.end());
-    tailValues[at].assign(column.values_.begin() + tailBegin, column.values_.end());
-    column.elements_.resize(static_cast<std::size_t>(upperEnd));
-    column.values_.resize(static_cast<std::size_t>(upperEnd));
+    tailRows[at].assign(rows.begin() + tailBegin, rows.end());
+    tailValues[at].assign(values.begin() + tailBegin, values.end());
+    column.KeepFirst(static_cast<std::size_t>(upperEnd));
   }
   // Each column's final size, reserved once: growing by doubling would hold up to twice the
   // mirrored matrix at its peak, which for an interval similarity model of thousands of
   // intervals is hundreds of megabytes.
   std::vector<std::size_t> lowerCounts(static_cast<std::size_t>(n) + 1, 0);
   for (std::int32_t j = 1; j <= n; ++j) {
-    const SparseVectorSingle& column = Column(j);
-    for (std::size_t k = 0; k < column.elements_.size() && column.elements_[k] < j; ++k) {
-      if (column.elements_[k] >= 1 && Storable(column.values_[k]))
-        ++lowerCounts[static_cast<std::size_t>(column.elements_[k])];
+    const auto rows = Column(j).ElementIndexes();
+    const auto values = Column(j).ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] < j; ++k) {
+      if (rows[k] >= 1 && Storable(values[k])) ++lowerCounts[static_cast<std::size_t>(rows[k])];
     }
   }
   for (std::int32_t c = 1; c <= n; ++c) {
     SparseVectorSingle& column = Column(c);
     const auto at = static_cast<std::size_t>(c);
-    const std::size_t size = column.elements_.size() + lowerCounts[at] + tailRows[at - 1].size();
-    if (column.elements_.capacity() < size || column.elements_.capacity() > size + size / 4) {
-      std::vector<std::int32_t> elements;
-      std::vector<float> values;
-      elements.reserve(size);
-      values.reserve(size);
-      elements.assign(column.elements_.begin(), column.elements_.end());
-      values.assign(column.values_.begin(), column.values_.end());
-      column.elements_ = std::move(elements);
-      column.values_ = std::move(values);
-    }
+    const std::size_t size = column.Count() + lowerCounts[at] + tailRows[at - 1].size();
+    if (column.Capacity() < size || column.Capacity() > size + size / 4) column.Reallocate(size);
   }
   for (std::int32_t j = 1; j <= n; ++j) {
     // Column j holds only rows <= j here: later columns append to earlier ones only.
     const SparseVectorSingle& column = Column(j);
-    for (std::size_t k = 0; k < column.elements_.size(); ++k) {
-      const std::int32_t i = column.elements_[k];
+    for (std::size_t k = 0; k < column.Count(); ++k) {
+      const std::int32_t i = column.ElementIndexes()[k];
       if (i >= j) break;
-      const float v = column.values_[k];
+      const float v = column.ElementValues()[k];
       if (Storable(v)) Column(i).Append(j, v);
     }
   }
   for (std::int32_t c = 1; c <= n; ++c) {
-    SparseVectorSingle& column = Column(c);
     const auto at = static_cast<std::size_t>(c) - 1;
-    column.elements_.insert(column.elements_.end(), tailRows[at].begin(), tailRows[at].end());
-    column.values_.insert(column.values_.end(), tailValues[at].begin(), tailValues[at].end());
+    Column(c).Append(tailRows[at], tailValues[at]);
   }
 }
 
@@ -530,8 +523,14 @@ void SparseMatrixSingle::SetMatrixSelective(const SparseMatrixSingle& srcMatrix,
     target.SetDimensionCount(srcMatrix.RowCount());
     const auto rows = source.ElementIndexes();
     const auto values = source.ElementValues();
-    const auto begin = std::lower_bound(rows.begin(), rows.end(), lowRow) - rows.begin();
-    for (auto k = static_cast<std::size_t>(begin); k < rows.size() && rows[k] <= highRow; ++k) {
+    const auto begin =
+        static_cast<std::size_t>(std::lower_bound(rows.begin(), rows.end(), lowRow) - rows.begin());
+    std::size_t end = begin;
+    std::size_t storable = 0;
+    for (; end < rows.size() && rows[end] <= highRow; ++end)
+      storable += Storable(values[end]) ? 1 : 0;
+    target.Reserve(storable);
+    for (std::size_t k = begin; k < end; ++k) {
       if (Storable(values[k])) target.Append(rows[k], values[k]);
     }
   }
@@ -548,10 +547,10 @@ void SparseMatrixSingle::SetMatrix(const SparseMatrixSingle& srcMatrix) {
     const auto rows = source.ElementIndexes();
     const auto values = source.ElementValues();
     if (std::all_of(values.begin(), values.end(), Storable)) {
-      target.elements_.assign(rows.begin(), rows.end());
-      target.values_.assign(values.begin(), values.end());
+      target.Assign(rows, values);
       continue;
     }
+    target.Reserve(static_cast<std::size_t>(std::count_if(values.begin(), values.end(), Storable)));
     for (std::size_t k = 0; k < rows.size(); ++k) {
       if (Storable(values[k])) target.Append(rows[k], values[k]);
     }

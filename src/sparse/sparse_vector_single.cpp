@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <numeric>
+#include <cstring>
+#include <limits>
+#include <new>
 #include <utility>
 
 #include "sparse/sorting_helpers.h"
@@ -19,29 +21,137 @@ bool ValidListIndex(std::int32_t index, std::size_t count) {
   return index >= 1 && static_cast<std::size_t>(index) <= count;
 }
 
+// The capacity after growing a full block of `capacity` entries to hold at least `needed`:
+// doubling keeps appends amortised O(1).
+std::size_t GrownCapacity(std::size_t capacity, std::size_t needed) {
+  constexpr auto kLargest = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+  return std::max({needed, std::min(2 * capacity, kLargest), std::size_t{2}});
+}
+
 }  // namespace
+
+SparseVectorSingle::SparseVectorSingle(const SparseVectorSingle& other)
+    : declaredDimensions_(other.declaredDimensions_), cursor_(other.cursor_) {
+  Assign(other.ElementIndexes(), other.ElementValues());
+}
+
+SparseVectorSingle::SparseVectorSingle(SparseVectorSingle&& other) noexcept
+    : block_(std::exchange(other.block_, nullptr)),
+      declaredDimensions_(other.declaredDimensions_),
+      cursor_(other.cursor_) {}
+
+SparseVectorSingle& SparseVectorSingle::operator=(const SparseVectorSingle& other) {
+  if (this == &other) return *this;
+  const std::size_t count = other.Count();
+  if (count > Capacity()) {
+    Assign(other.ElementIndexes(), other.ElementValues());
+  } else if (block_ != nullptr) {
+    // The block is big enough: reuse it rather than allocate.
+    if (count > 0) {
+      std::memcpy(Elements(), other.Elements(), count * sizeof(std::int32_t));
+      std::memcpy(Values(), other.Values(), count * sizeof(float));
+    }
+    block_->count = static_cast<std::int32_t>(count);
+  }
+  declaredDimensions_ = other.declaredDimensions_;
+  cursor_ = other.cursor_;
+  return *this;
+}
+
+SparseVectorSingle& SparseVectorSingle::operator=(SparseVectorSingle&& other) noexcept {
+  if (this == &other) return *this;
+  Free(block_);
+  block_ = std::exchange(other.block_, nullptr);
+  declaredDimensions_ = other.declaredDimensions_;
+  cursor_ = other.cursor_;
+  return *this;
+}
+
+SparseVectorSingle::~SparseVectorSingle() { Free(block_); }
+
+SparseVectorSingle::Block* SparseVectorSingle::Allocate(std::size_t capacity) {
+  if (capacity == 0) return nullptr;
+  if (capacity > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+    throw std::bad_alloc();
+  void* memory = ::operator new(sizeof(Block) + capacity * (sizeof(std::int32_t) + sizeof(float)));
+  return new (memory) Block{static_cast<std::int32_t>(capacity), 0};
+}
+
+void SparseVectorSingle::Free(Block* block) {
+  if (block != nullptr) ::operator delete(static_cast<void*>(block));
+}
+
+void SparseVectorSingle::Replace(Block* block) {
+  Free(block_);
+  block_ = block;
+}
+
+void SparseVectorSingle::Reallocate(std::size_t capacity) {
+  const std::size_t count = Count();
+  Block* block = Allocate(std::max(capacity, count));
+  if (count > 0) {
+    std::memcpy(reinterpret_cast<std::int32_t*>(block + 1), Elements(),
+                count * sizeof(std::int32_t));
+    std::memcpy(
+        reinterpret_cast<float*>(reinterpret_cast<std::int32_t*>(block + 1) + block->capacity),
+        Values(), count * sizeof(float));
+    block->count = static_cast<std::int32_t>(count);
+  }
+  Replace(block);
+}
+
+void SparseVectorSingle::GrowForOne() { Reallocate(GrownCapacity(Capacity(), Count() + 1)); }
+
+void SparseVectorSingle::Append(std::span<const std::int32_t> elements,
+                                std::span<const float> values) {
+  if (elements.empty()) return;
+  const std::size_t count = Count();
+  const std::size_t needed = count + elements.size();
+  if (needed > Capacity()) Reallocate(GrownCapacity(Capacity(), needed));
+  std::memcpy(Elements() + count, elements.data(), elements.size() * sizeof(std::int32_t));
+  std::memcpy(Values() + count, values.data(), elements.size() * sizeof(float));
+  block_->count = static_cast<std::int32_t>(needed);
+}
+
+void SparseVectorSingle::Assign(std::span<const std::int32_t> elements,
+                                std::span<const float> values) {
+  Block* block = Allocate(elements.size());
+  if (block != nullptr) {
+    auto* to = reinterpret_cast<std::int32_t*>(block + 1);
+    std::memcpy(to, elements.data(), elements.size() * sizeof(std::int32_t));
+    std::memcpy(reinterpret_cast<float*>(to + block->capacity), values.data(),
+                elements.size() * sizeof(float));
+    block->count = block->capacity;
+  }
+  Replace(block);
+}
 
 std::int32_t SparseVectorSingle::DimensionCount() const {
   if (declaredDimensions_ != 0) return declaredDimensions_;
-  return elements_.empty() ? 0 : elements_.back();
+  return Count() == 0 ? 0 : Elements()[Count() - 1];
 }
 
 std::int64_t SparseVectorSingle::Find(std::int32_t element) const {
-  const auto it = std::lower_bound(elements_.begin(), elements_.end(), element);
-  if (it == elements_.end() || *it != element) return -1;
-  return it - elements_.begin();
+  const auto elements = ElementIndexes();
+  const auto it = std::lower_bound(elements.begin(), elements.end(), element);
+  if (it == elements.end() || *it != element) return -1;
+  return it - elements.begin();
 }
 
 void SparseVectorSingle::DeleteElement(std::int32_t element) {
-  const std::int64_t at = Find(element);
-  if (at < 0) return;
-  elements_.erase(elements_.begin() + at);
-  values_.erase(values_.begin() + at);
+  const std::int64_t found = Find(element);
+  if (found < 0) return;
+  // The block stays, also when it empties: a vector cleared this way is usually refilled.
+  const auto at = static_cast<std::size_t>(found);
+  const std::size_t after = Count() - at - 1;
+  std::memmove(Elements() + at, Elements() + at + 1, after * sizeof(std::int32_t));
+  std::memmove(Values() + at, Values() + at + 1, after * sizeof(float));
+  --block_->count;
 }
 
 float SparseVectorSingle::Value(std::int32_t element) const {
   const std::int64_t at = Find(element);
-  return at < 0 ? 0.0f : values_[static_cast<std::size_t>(at)];
+  return at < 0 ? 0.0f : Values()[at];
 }
 
 void SparseVectorSingle::SetValue(std::int32_t element, float value) {
@@ -50,49 +160,57 @@ void SparseVectorSingle::SetValue(std::int32_t element, float value) {
     return;
   }
   if (element < 1) return;
-  if (elements_.empty() || element > elements_.back()) {
+  const std::size_t count = Count();
+  if (count == 0 || element > Elements()[count - 1]) {
     Append(element, value);
     return;
   }
-  const auto it = std::lower_bound(elements_.begin(), elements_.end(), element);
-  const auto at = it - elements_.begin();
-  if (*it == element) {
-    values_[static_cast<std::size_t>(at)] = value;
+  const std::int32_t* first = Elements();
+  const auto at = static_cast<std::size_t>(std::lower_bound(first, first + count, element) - first);
+  if (first[at] == element) {
+    Values()[at] = value;
     return;
   }
-  elements_.insert(it, element);
-  values_.insert(values_.begin() + at, value);
+  if (count == Capacity()) GrowForOne();
+  const std::size_t after = count - at;
+  std::memmove(Elements() + at + 1, Elements() + at, after * sizeof(std::int32_t));
+  std::memmove(Values() + at + 1, Values() + at, after * sizeof(float));
+  Elements()[at] = element;
+  Values()[at] = value;
+  ++block_->count;
 }
 
 bool SparseVectorSingle::IsEmpty(std::int32_t element) const { return Find(element) < 0; }
 
 float SparseVectorSingle::ValueByListIndex(std::int32_t index) const {
-  if (!ValidListIndex(index, values_.size())) return 0.0f;
-  return values_[static_cast<std::size_t>(index) - 1];
+  if (!ValidListIndex(index, Count())) return 0.0f;
+  return Values()[index - 1];
 }
 
 void SparseVectorSingle::SetValueByListIndex(std::int32_t index, float value) {
-  if (!ValidListIndex(index, values_.size())) return;
-  values_[static_cast<std::size_t>(index) - 1] = value;
+  if (!ValidListIndex(index, Count())) return;
+  Values()[index - 1] = value;
 }
 
 float SparseVectorSingle::ElementByListIndex(std::int32_t index) const {
-  if (!ValidListIndex(index, elements_.size())) return 0.0f;
-  return static_cast<float>(elements_[static_cast<std::size_t>(index) - 1]);
+  if (!ValidListIndex(index, Count())) return 0.0f;
+  return static_cast<float>(Elements()[index - 1]);
 }
 
 float SparseVectorSingle::Magnitude() const {
   float sum = 0.0f;
-  for (const float v : values_) sum += v * v;
+  for (const float v : ElementValues()) sum += v * v;
   return std::sqrt(sum);
 }
 
 float SparseVectorSingle::GetSimilarity(std::span<const float> vec2Arr, std::int32_t metric,
                                         float vec2Magnitude) const {
+  const auto elements = ElementIndexes();
+  const auto values = ElementValues();
   float dot = 0.0f;
-  for (std::size_t k = 0; k < elements_.size(); ++k) {
-    const auto element = static_cast<std::size_t>(elements_[k]);
-    if (element < vec2Arr.size()) dot += vec2Arr[element] * values_[k];
+  for (std::size_t k = 0; k < elements.size(); ++k) {
+    const auto element = static_cast<std::size_t>(elements[k]);
+    if (element < vec2Arr.size()) dot += vec2Arr[element] * values[k];
   }
   if (metric != 2) return dot;
   if (vec2Magnitude <= 0.0f) return -1.0f;
@@ -104,9 +222,11 @@ std::vector<float> SparseVectorSingle::GetVectorArr(std::int32_t numElements) co
   if (numElements == 0) numElements = declaredDimensions_;
   if (numElements < 0) numElements = 0;
   std::vector<float> dense(static_cast<std::size_t>(numElements) + 1, 0.0f);
-  for (std::size_t k = 0; k < elements_.size(); ++k) {
-    if (elements_[k] > numElements) break;
-    dense[static_cast<std::size_t>(elements_[k])] = values_[k];
+  const auto elements = ElementIndexes();
+  const auto values = ElementValues();
+  for (std::size_t k = 0; k < elements.size(); ++k) {
+    if (elements[k] > numElements) break;
+    dense[static_cast<std::size_t>(elements[k])] = values[k];
   }
   return dense;
 }
@@ -118,22 +238,22 @@ void SparseVectorSingle::SetVector(std::span<const float> denseVector, std::int3
   std::size_t nonZero = 0;
   for (std::size_t e = 1; e < last; ++e) nonZero += denseVector[e] != 0.0f ? 1 : 0;
 
-  std::vector<std::int32_t> elements;
-  std::vector<float> values;
-  elements.reserve(nonZero);
-  values.reserve(nonZero);
-  for (std::size_t e = 1; e < last; ++e) {
-    if (denseVector[e] == 0.0f) continue;
-    elements.push_back(static_cast<std::int32_t>(e));
-    values.push_back(denseVector[e]);
+  // Filled before the old block goes, so `denseVector` may be a view of this vector.
+  Block* block = Allocate(nonZero);
+  if (block != nullptr) {
+    auto* elements = reinterpret_cast<std::int32_t*>(block + 1);
+    auto* values = reinterpret_cast<float*>(elements + block->capacity);
+    std::size_t k = 0;
+    for (std::size_t e = 1; e < last; ++e) {
+      if (denseVector[e] == 0.0f) continue;
+      elements[k] = static_cast<std::int32_t>(e);
+      values[k] = denseVector[e];
+      ++k;
+    }
+    block->count = block->capacity;
   }
-  Assign(std::move(elements), std::move(values));
+  Replace(block);
   declaredDimensions_ = n;
-}
-
-void SparseVectorSingle::Assign(std::vector<std::int32_t> elements, std::vector<float> values) {
-  elements_ = std::move(elements);
-  values_ = std::move(values);
 }
 
 void SparseVectorSingle::TruncateLocal(std::int32_t count) {
@@ -149,9 +269,11 @@ void SparseVectorSingle::TruncateLocal(std::int32_t count) {
   float smallest = kSelectHighest;
   bool ordered = true;
   std::size_t stored = 0;
-  for (std::size_t k = 0; k < elements_.size() && elements_[k] <= n; ++k) {
+  const auto elements = ElementIndexes();
+  const auto values = ElementValues();
+  for (std::size_t k = 0; k < elements.size() && elements[k] <= n; ++k) {
     ++stored;
-    const float v = values_[k];
+    const float v = values[k];
     if (std::isnan(v)) ordered = false;
     smallest = std::min(smallest, v);
     if (v > 0.0f) positive.push_back(k);
@@ -175,8 +297,8 @@ void SparseVectorSingle::TruncateLocal(std::int32_t count) {
     return;
   }
 
-  const auto better = [this](std::size_t a, std::size_t b) {
-    if (values_[a] != values_[b]) return values_[a] > values_[b];
+  const auto better = [values](std::size_t a, std::size_t b) {
+    if (values[a] != values[b]) return values[a] > values[b];
     return a < b;
   };
   std::sort(positive.begin(), positive.end(), better);
@@ -191,36 +313,41 @@ void SparseVectorSingle::TruncateLocal(std::int32_t count) {
   chosen.insert(chosen.end(), negative.begin(), negative.begin() + std::min(left, negative.size()));
   std::sort(chosen.begin(), chosen.end());
 
-  std::vector<std::int32_t> elements(chosen.size());
-  std::vector<float> values(chosen.size());
-  for (std::size_t k = 0; k < chosen.size(); ++k) {
-    elements[k] = elements_[chosen[k]];
-    values[k] = values_[chosen[k]];
+  Block* block = Allocate(chosen.size());
+  if (block != nullptr) {
+    auto* keptElements = reinterpret_cast<std::int32_t*>(block + 1);
+    auto* keptValues = reinterpret_cast<float*>(keptElements + block->capacity);
+    for (std::size_t k = 0; k < chosen.size(); ++k) {
+      keptElements[k] = elements[chosen[k]];
+      keptValues[k] = values[chosen[k]];
+    }
+    block->count = block->capacity;
   }
-  Assign(std::move(elements), std::move(values));
+  Replace(block);
   declaredDimensions_ = n;
 }
 
 std::int32_t SparseVectorSingle::FirstElementIndex() {
   cursor_ = 1;
-  return elements_.empty() ? -1 : elements_.front();
+  return Count() == 0 ? -1 : Elements()[0];
 }
 
 std::int32_t SparseVectorSingle::LastElementIndex() {
   cursor_ = NZElementCount();
-  return elements_.empty() ? -1 : elements_.back();
+  return Count() == 0 ? -1 : Elements()[Count() - 1];
 }
 
 std::int32_t SparseVectorSingle::NextElementIndex() {
   if (cursor_ <= NZElementCount()) ++cursor_;
   if (cursor_ < 1 || cursor_ > NZElementCount()) return -1;
-  return elements_[static_cast<std::size_t>(cursor_) - 1];
+  return Elements()[cursor_ - 1];
 }
 
 void SparseVectorSingle::Normalise() {
   const float magnitude = Magnitude();
   if (magnitude == 0.0f) return;
-  for (float& v : values_) v /= magnitude;
+  float* values = Values();
+  for (std::size_t k = 0; k < Count(); ++k) values[k] /= magnitude;
 }
 
 }  // namespace sylvora

@@ -11,10 +11,16 @@
 // Dense arrays. A dense copy of elements 1..n is a std::vector<float> of n + 1 entries in which
 // entry e holds element e and entry 0 is unused (always 0), so that dense[e] reads element e.
 //
-// Storage. Two parallel arrays, element numbers strictly ascending with no duplicates, and
-// their values. Look-up is a binary search (O(log nnz)); writing an element past the last one
-// appends in amortised O(1); writing or deleting in the middle moves the later entries
-// (O(nnz)). SetVector loads a whole dense array in O(n) and allocates exactly once.
+// Storage. Element numbers strictly ascending with no duplicates, and their values, in one
+// heap block: a small header (capacity, count) followed by `capacity` element numbers and then
+// `capacity` values. The object itself is a pointer to that block, the declared dimension count
+// and the iteration cursor: 16 bytes, because a matrix keeps one vector per column and an index
+// has a column per document. An empty vector that never held anything (or was reloaded empty)
+// owns no block; one emptied by deletes keeps its block for reuse. Look-up is a binary search
+// (O(log nnz)); writing an element past the last one appends in amortised O(1); writing or
+// deleting in the middle moves the later entries (O(nnz)). SetVector loads a whole dense array
+// in O(n) and allocates exactly once; a copy allocates exactly what it holds; a move hands the
+// block over.
 //
 // What a write does. SetValue with 0 or a negative value deletes the element, so negative
 // values cannot be stored that way; SetVector stores every non-zero entry, negatives included;
@@ -30,6 +36,7 @@
 // result as stated per operation. Copies are deep; the type is cheap to move. Const operations
 // may run concurrently; the iteration operations move the cursor and count as writes.
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -41,9 +48,14 @@ class SparseMatrixSingle;
 class SparseVectorSingle {
  public:
   SparseVectorSingle() = default;
+  SparseVectorSingle(const SparseVectorSingle& other);
+  SparseVectorSingle(SparseVectorSingle&& other) noexcept;
+  SparseVectorSingle& operator=(const SparseVectorSingle& other);
+  SparseVectorSingle& operator=(SparseVectorSingle&& other) noexcept;
+  ~SparseVectorSingle();
 
   // Number of stored elements.
-  std::int32_t NZElementCount() const { return static_cast<std::int32_t>(elements_.size()); }
+  std::int32_t NZElementCount() const { return block_ == nullptr ? 0 : block_->count; }
 
   // The declared dimension count when non-zero, else the largest stored element (0 when
   // empty).
@@ -117,36 +129,93 @@ class SparseVectorSingle {
 
   // Read-only views of the storage for fast sequential reading: entry k (0-based) holds list
   // position k + 1. Valid until the next write.
-  std::span<const std::int32_t> ElementIndexes() const { return elements_; }
-  std::span<const float> ElementValues() const { return values_; }
+  std::span<const std::int32_t> ElementIndexes() const { return {Elements(), Count()}; }
+  std::span<const float> ElementValues() const { return {Values(), Count()}; }
 
  private:
   friend class SparseMatrixSingle;
 
-  // Declares the dimension count (a matrix declares its row count for every column).
-  void SetDimensionCount(std::int32_t count) { declaredDimensions_ = count < 0 ? 0 : count; }
+  // The head of the heap block; `capacity` element numbers follow it, then `capacity` values.
+  struct Block {
+    std::int32_t capacity;
+    std::int32_t count;
+  };
+
+  std::size_t Count() const {
+    return block_ == nullptr ? 0 : static_cast<std::size_t>(block_->count);
+  }
+  std::size_t Capacity() const {
+    return block_ == nullptr ? 0 : static_cast<std::size_t>(block_->capacity);
+  }
+  std::int32_t* Elements() {
+    return block_ == nullptr ? nullptr : reinterpret_cast<std::int32_t*>(block_ + 1);
+  }
+  const std::int32_t* Elements() const {
+    return block_ == nullptr ? nullptr : reinterpret_cast<const std::int32_t*>(block_ + 1);
+  }
+  float* Values() {
+    return block_ == nullptr ? nullptr : reinterpret_cast<float*>(Elements() + block_->capacity);
+  }
+  const float* Values() const {
+    return block_ == nullptr ? nullptr
+                             : reinterpret_cast<const float*>(Elements() + block_->capacity);
+  }
+
+  // A block with room for `capacity` entries and none stored; nullptr for a capacity of 0.
+  static Block* Allocate(std::size_t capacity);
+  static void Free(Block* block);
+
+  // Moves the content into a block of exactly `capacity` entries (at least Count(); 0 frees
+  // the block).
+  void Reallocate(std::size_t capacity);
+
+  // Makes room for `count` entries in all, allocating exactly that when it must grow.
+  void Reserve(std::size_t count) {
+    if (count > Capacity()) Reallocate(count);
+  }
+
+  // Gives back the room past the stored entries.
+  void ShrinkToFit() {
+    if (Count() < Capacity()) Reallocate(Count());
+  }
+
+  // Keeps the first `count` entries.
+  void KeepFirst(std::size_t count) {
+    if (count < Count()) block_->count = static_cast<std::int32_t>(count);
+  }
+
+  // Makes room for one more entry, doubling the capacity when full.
+  void GrowForOne();
 
   // Appends an element known to be larger than the last one.
   void Append(std::int32_t element, float value) {
-    elements_.push_back(element);
-    values_.push_back(value);
+    if (Count() == Capacity()) GrowForOne();
+    const auto at = static_cast<std::size_t>(block_->count++);
+    Elements()[at] = element;
+    Values()[at] = value;
   }
 
-  void Reserve(std::size_t count) {
-    elements_.reserve(count);
-    values_.reserve(count);
-  }
+  // Appends elements known to be ascending and larger than the last one.
+  void Append(std::span<const std::int32_t> elements, std::span<const float> values);
 
   // The element list position (0-based) of `element`, or -1.
   std::int64_t Find(std::int32_t element) const;
 
-  // Replaces the content by the given (ascending) elements and values.
-  void Assign(std::vector<std::int32_t> elements, std::vector<float> values);
+  // Replaces the content by the given (ascending) elements and values, in a block of exactly
+  // their size.
+  void Assign(std::span<const std::int32_t> elements, std::span<const float> values);
 
-  std::vector<std::int32_t> elements_;
-  std::vector<float> values_;
+  // Replaces the block by `block` (which may be nullptr), freeing the old one.
+  void Replace(Block* block);
+
+  // Declares the dimension count (a matrix declares its row count for every column).
+  void SetDimensionCount(std::int32_t count) { declaredDimensions_ = count < 0 ? 0 : count; }
+
+  Block* block_ = nullptr;
   std::int32_t declaredDimensions_ = 0;
   std::int32_t cursor_ = 0;  // 1-based list position of the last element handed out
 };
+
+static_assert(sizeof(SparseVectorSingle) == 16, "one pointer and two 32-bit numbers per vector");
 
 }  // namespace sylvora

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <ostream>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -233,6 +235,71 @@ TEST(SparseVectorSingleIteration, WalksTheElementsInAscendingOrder) {
   EXPECT_EQ(w.NextElementIndex(), 4);  // position 3 now holds 4
   w.DeleteElement(1);
   EXPECT_EQ(w.NextElementIndex(), -1);  // position 4 is past the three elements left
+}
+
+TEST(SparseVectorSingleCopy, CopiesAndMovesKeepContentDimensionsAndCursor) {
+  // Each source declares 10 dimensions and has its cursor at position 1. The copy then gets
+  // elements 3 and 9 written, and its next element shows where its cursor stood.
+  struct Case {
+    const char* name;
+    Elements writes;
+    bool deleteAll;  // empty it again by deletes, which keep its storage
+  };
+  const std::vector<Case> cases = {
+      {"never written", {}, false},
+      {"emptied by deletes", {{4, 1}, {6, 2}}, true},
+      {"one element", {{2, 5}}, false},
+      {"grown in the middle", {{1, 1}, {2, 2}, {7, 3}, {5, 4}, {8, 5}, {6, 6}, {2, 7}}, false},
+  };
+  enum class Way { kConstruct, kAssignOverLarger, kAssignOverEmpty, kMoveConstruct, kMoveAssign };
+  for (const Case& c : cases) {
+    for (const Way way : {Way::kConstruct, Way::kAssignOverLarger, Way::kAssignOverEmpty,
+                          Way::kMoveConstruct, Way::kMoveAssign}) {
+      SCOPED_TRACE(std::string(c.name) + ", way " + std::to_string(static_cast<int>(way)));
+      SparseVectorSingle source;
+      source.SetVector({}, 10);
+      for (const auto& [element, value] : c.writes) source.SetValue(element, value);
+      if (c.deleteAll) {
+        while (source.NZElementCount() > 0) source.DeleteElement(source.ElementIndexes().back());
+      }
+      source.FirstElementIndex();
+      const Elements expected = Stored(source);
+
+      SparseVectorSingle target = FromWrites({{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6}});
+      if (way == Way::kAssignOverEmpty) target = SparseVectorSingle();
+      SparseVectorSingle copy;
+      switch (way) {
+        case Way::kConstruct:
+          copy = SparseVectorSingle(source);
+          break;
+        case Way::kAssignOverLarger:
+        case Way::kAssignOverEmpty:
+          target = source;
+          copy = std::move(target);
+          break;
+        case Way::kMoveConstruct:
+          copy = SparseVectorSingle(std::move(source));
+          break;
+        case Way::kMoveAssign:
+          target = std::move(source);
+          copy = std::move(target);
+          break;
+      }
+      if (way != Way::kMoveConstruct && way != Way::kMoveAssign) {
+        EXPECT_EQ(Stored(source), expected);
+      }
+      EXPECT_EQ(Stored(copy), expected);
+      EXPECT_EQ(copy.DimensionCount(), 10);
+      copy.SetValue(3, 0.5f);
+      copy.SetValue(9, 0.5f);
+      Elements grown = expected;
+      grown.emplace_back(3, 0.5f);
+      grown.emplace_back(9, 0.5f);
+      std::sort(grown.begin(), grown.end());
+      EXPECT_EQ(Stored(copy), grown);
+      EXPECT_EQ(copy.NextElementIndex(), grown[1].first);
+    }
+  }
 }
 
 TEST(SparseVectorSingleNormalise, LeavesAZeroMagnitudeVectorAlone) {
