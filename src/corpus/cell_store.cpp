@@ -1,5 +1,6 @@
 #include "corpus/cell_store.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace sylvora {
@@ -48,16 +49,43 @@ void CellStore::Overwrite(std::string_view& cell, std::string_view text) {
   cell = Store(text);
 }
 
+void CellStore::Overwrite(CompactCell& cell, std::string_view text) {
+  const std::string_view old = cell.View();
+  if (text.size() <= old.size() && !old.empty()) {
+    char* target = const_cast<char*>(old.data());  // the cell's own bytes, as above
+    std::memmove(target, text.data(), text.size());
+    cell.Assign({target, text.size()}, *this);
+    return;
+  }
+  cell.Assign(Store(text), *this);
+}
+
+const std::string_view* CellStore::KeepLongView(std::string_view text) {
+  auto view = std::make_unique<std::string_view>(text);
+  const std::lock_guard lock(longViewsLock_.mutex);
+  longViews_.push_back(std::move(view));
+  return longViews_.back().get();
+}
+
+void CompactCell::AssignLong(std::string_view text, CellStore& store) {
+  const auto address = reinterpret_cast<std::uintptr_t>(store.KeepLongView(text));
+  // Heap addresses of a user-space process stay below 2^47, so this never fires in practice;
+  // a cell that pointed elsewhere would be worse than stopping.
+  if (address > kAddressMask) std::abort();
+  bits_ = (std::uint64_t{kLongText} << kLengthShift) | address;
+}
+
 void CellStore::Clear() {
   adopted_.clear();
   blocks_.clear();
   largeBlocks_.clear();
   blockUsed_ = kBlockSize;
   arenaBytes_ = 0;
+  longViews_.clear();
 }
 
 std::size_t CellStore::BytesHeld() const {
-  std::size_t total = arenaBytes_;
+  std::size_t total = arenaBytes_ + longViews_.size() * sizeof(std::string_view);
   for (const auto& buffer : adopted_) total += buffer.Capacity();
   return total;
 }

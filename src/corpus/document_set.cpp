@@ -118,7 +118,7 @@ void DocumentSet::SetDocuments(const std::vector<std::vector<std::string>>& docu
   for (DocIndex d = 0; d < count && d < static_cast<DocIndex>(documents.size()); ++d) {
     const auto& row = documents[d];
     for (std::size_t f = 0; f < row.size() && f < columns_.size(); ++f) {
-      columns_[f][d] = store_.Store(row[f]);
+      columns_[f][d].Assign(store_.Store(row[f]), store_);
     }
   }
   // The table came from no file: the program's own folder stands in.
@@ -147,7 +147,7 @@ void DocumentSet::AppendFieldFromStrings(std::string_view name,
                                          const std::vector<std::string>& cells) {
   const FieldIndex field = AppendField(name);
   auto& column = columns_[field];
-  for (DocIndex d = 0; d < docCount_; ++d) column[d] = store_.Store(cells[d]);
+  for (DocIndex d = 0; d < docCount_; ++d) column[d].Assign(store_.Store(cells[d]), store_);
 }
 
 bool DocumentSet::Fail(std::string message) const {

@@ -7,9 +7,10 @@
 // Numbering: document rows are 0-based; fields are 0..FieldCount()-1 (at most 256). Reading a
 // field past the last one gives the whole document as one text.
 //
-// Storage: cells are views into a CellStore (the decoded file plus an arena), so a corpus of
-// a million tweets costs a few large buffers, not a heap string per cell. Cell() hands out
-// such a view; it stays valid until that cell is written again or the set is cleared.
+// Storage: cells are 8-byte references into a CellStore (the decoded file plus an arena), so a
+// corpus of a million tweets costs a few large buffers, not a heap string per cell. Cell()
+// hands out a view of one; it stays valid until that cell is written again or the set is
+// cleared.
 //
 // Failures: operations return false (or an empty result) and leave the set usable;
 // LastError() then holds a one-line reason naming the file, row or value at fault. Nothing
@@ -214,7 +215,7 @@ class DocumentSet {
   bool Fail(std::string message) const;
 
   // Column-major: columns_[field][row]. Adding a field appends a column; sorting permutes.
-  using Column = std::vector<std::string_view, LargeAllocator<std::string_view>>;
+  using Column = CellColumn;
   std::vector<Column> columns_;
   CellStore store_;
 

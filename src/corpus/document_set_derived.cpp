@@ -191,7 +191,7 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
       ++next;
       continue;  // no date, no elapsed time
     }
-    column[d] = store_.Store(std::to_string(values[d] - *smallest));
+    column[d].Assign(store_.Store(std::to_string(values[d] - *smallest)), store_);
   }
   dateTimeField_ = dateField;
   return true;
@@ -262,7 +262,7 @@ bool DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldN
     }
     text = ReplaceAll(text, marker, finalMarker);
     store_.Overwrite(columns_[sourceField][d], text);
-    columns_[target][d] = store_.Store(tags);
+    columns_[target][d].Assign(store_.Store(tags), store_);
   }
   return true;
 }
@@ -347,7 +347,7 @@ DocumentSet DocumentSet::SelectSubSetByString(FieldIndex field, std::string_view
         field < columns_.size() ? std::string(columns_[field][d]) : Text(d, field);
     if (text.find(matchStr) == std::string::npos) continue;
     for (std::size_t f = 0; f < columns_.size(); ++f) {
-      subset.columns_[f].push_back(subset.store_.Store(columns_[f][d]));
+      subset.columns_[f].emplace_back(subset.store_.Store(columns_[f][d]), subset.store_);
     }
     ++subset.docCount_;
   }

@@ -252,7 +252,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
   docCount_ = count;
   const auto fillRow = [&](std::size_t given, auto cellOf) {
     for (std::size_t f = 0; f < columns_.size(); ++f) {
-      columns_[f].push_back(f < given ? cellOf(f) : std::string_view());
+      columns_[f].emplace_back(f < given ? cellOf(f) : std::string_view(), store_);
     }
   };
 
@@ -291,7 +291,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
       fillRow(columns.size(), [&](std::size_t f) { return columns[f]; });
       rowLines_.push_back(static_cast<std::int64_t>(r) + 1);
     } else if (fieldCount == 1) {
-      columns_[0].push_back(store_.Store(TrimSpaces(record)));
+      columns_[0].emplace_back(store_.Store(TrimSpaces(record)), store_);
       charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
       wordCountTotal_ +=
           static_cast<std::int64_t>(CodePointCount(record)) - CountWithoutSpaces(record) + 1;
@@ -306,7 +306,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
         const std::string_view raw = record.substr(p, end - p);
         const std::string cell = CleanMarkerText(raw);
         const auto n = static_cast<std::int64_t>(CodePointCount(raw));
-        columns_[f].back() = store_.Store(cell);
+        columns_[f].back().Assign(store_.Store(cell), store_);
         charCountTotal_ += n;
         wordCountTotal_ += n - CountWithoutSpaces(cell) + 1;
       }

@@ -32,18 +32,19 @@ void ImportedRows::AddRows(const Row* rows, std::size_t count, char* region,
         continue;
       }
       std::memcpy(region, cell.data(), cell.size());
-      columns_[f].emplace_back(region, cell.size());
+      columns_[f].emplace_back(std::string_view(region, cell.size()), store_);
       region += cell.size();
     }
   }
 }
 
 void ImportedRows::AddRow(const Row& row) {
-  for (std::size_t f = 0; f < columns_.size(); ++f) columns_[f].push_back(store_.Store(row[f]));
+  for (std::size_t f = 0; f < columns_.size(); ++f)
+    columns_[f].emplace_back(store_.Store(row[f]), store_);
 }
 
 void ImportedRows::AddViews(const std::array<std::string_view, kLayoutFieldCount>& cells) {
-  for (std::size_t f = 0; f < columns_.size(); ++f) columns_[f].push_back(cells[f]);
+  for (std::size_t f = 0; f < columns_.size(); ++f) columns_[f].emplace_back(cells[f], store_);
 }
 
 }  // namespace sylvora

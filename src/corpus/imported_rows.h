@@ -40,8 +40,6 @@ enum class LayoutField : FieldIndex {
 inline constexpr int kLayoutFieldCount = 16;
 inline constexpr int kImportFormat = 8;  // the layout's format code
 
-using CellColumn = std::vector<std::string_view, LargeAllocator<std::string_view>>;
-
 class ImportedRows {
  public:
   using Row = std::array<std::string, kLayoutFieldCount>;
