@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -47,7 +48,10 @@ class TokenRange {
   // Adds token number `number` to the document being filled.
   void Add(std::int32_t number) { tokens_.push_back(number); }
   // Closes the document being filled; the next Add starts the next one.
-  void EndDocument() { starts_.push_back(tokens_.size()); }
+  void EndDocument() {
+    if (tokens_.size() > UINT32_MAX) throw std::length_error("more tokens than one range holds");
+    starts_.push_back(static_cast<std::uint32_t>(tokens_.size()));
+  }
 
   std::size_t DocumentCount() const { return starts_.size() - 1; }
   std::span<const std::int32_t> Tokens(std::size_t doc) const {
@@ -69,7 +73,7 @@ class TokenRange {
   StringMap<std::int32_t> numbers_;
   std::vector<const std::string*> distinct_;  // the keys of numbers_, which never move
   std::vector<std::int32_t> tokens_;
-  std::vector<std::size_t> starts_;  // document i owns tokens_[starts_[i], starts_[i + 1])
+  std::vector<std::uint32_t> starts_;  // document i owns tokens_[starts_[i], starts_[i + 1])
 };
 
 class DocumentTokens {

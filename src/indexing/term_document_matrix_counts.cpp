@@ -15,6 +15,8 @@
 namespace sylvora {
 namespace {
 
+constexpr std::size_t kColumnsPerRange = 4096;
+
 // Empties a vector but keeps its storage, so that it can be refilled without allocating.
 void ClearKeepingStorage(SparseVectorSingle& vector) {
   while (vector.NZElementCount() > 0) vector.DeleteElement(vector.ElementIndexes().back());
@@ -47,11 +49,11 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
   SharedProgress shared(progress, "Counting term-document occurrences",
                         2 * static_cast<std::int64_t>(documents));
 
-  // Each range's documents as sorted term numbers (dropped tokens left out), with its own
-  // tallies of document and global frequency; entry t is term t (entry 0 unused).
+  // Each range tallies document and global frequencies of its own; entry t is term t (entry 0
+  // unused). A document's term numbers (dropped tokens left out) are sorted in a scratch
+  // buffer, once per pass, rather than kept: sorting a tweet's few numbers again costs less
+  // than holding every token twice.
   struct RangeCounts {
-    std::vector<std::int32_t> terms;
-    std::vector<std::size_t> starts;
     std::vector<std::int32_t> docFreq, globalFreq;
   };
   std::vector<RangeCounts> counts(ranges.size());
@@ -59,38 +61,40 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
   for (const TokenRange& range : ranges) {
     bounds.push_back(std::min(documents, bounds.back() + range.DocumentCount()));
   }
+  const auto sortedTerms = [&](std::size_t part, std::size_t doc,
+                               std::vector<std::int32_t>& terms) {
+    const std::vector<std::int32_t>& termOf = termOf_[part];
+    terms.clear();
+    for (const std::int32_t token : ranges[part].Tokens(doc)) {
+      const std::int32_t term = termOf[static_cast<std::size_t>(token)];
+      if (term > 0) terms.push_back(term);
+    }
+    std::sort(terms.begin(), terms.end());
+  };
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
     SharedProgress::Counter counter(shared, part);
-    const TokenRange& range = ranges[part];
-    const std::vector<std::int32_t>& termOf = termOf_[part];
     RangeCounts& mine = counts[part];
     mine.docFreq.assign(termCount + 1, 0);
     mine.globalFreq.assign(termCount + 1, 0);
-    mine.starts.reserve(end - begin + 1);
-    mine.starts.push_back(0);
+    std::vector<std::int32_t> terms;
     for (std::size_t d = 0; d < end - begin; ++d) {
-      for (const std::int32_t token : range.Tokens(d)) {
-        const std::int32_t term = termOf[static_cast<std::size_t>(token)];
-        if (term > 0) mine.terms.push_back(term);
-      }
-      std::int32_t* first = mine.terms.data() + mine.starts.back();
-      std::int32_t* last = mine.terms.data() + mine.terms.size();
-      std::sort(first, last);
-      ForEachRun(first, last, [&](std::int32_t term, std::int32_t count) {
-        ++mine.docFreq[static_cast<std::size_t>(term)];
-        mine.globalFreq[static_cast<std::size_t>(term)] += count;
-      });
-      mine.starts.push_back(mine.terms.size());
+      sortedTerms(part, d, terms);
+      ForEachRun(terms.data(), terms.data() + terms.size(),
+                 [&](std::int32_t term, std::int32_t count) {
+                   ++mine.docFreq[static_cast<std::size_t>(term)];
+                   mine.globalFreq[static_cast<std::size_t>(term)] += count;
+                 });
       if (!counter.Step()) return;
     }
   });
   if (shared.Cancelled()) return false;
   std::vector<std::int32_t> docFreq(termCount + 1, 0), globalFreq(termCount + 1, 0);
-  for (const RangeCounts& range : counts) {
+  for (RangeCounts& range : counts) {
     for (std::size_t t = 1; t <= termCount; ++t) {
       docFreq[t] += range.docFreq[t];
       globalFreq[t] += range.globalFreq[t];
     }
+    range = RangeCounts();
   }
 
   // The new number of each term (0: pruned). When nothing qualifies, every term stays.
@@ -109,11 +113,12 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
   matrix.Reset(kept, columns);
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
     SharedProgress::Counter counter(shared, part);
-    RangeCounts& mine = counts[part];
+    std::vector<std::int32_t> terms;
     SparseVectorSingle column;
     for (std::size_t d = 0; d < end - begin; ++d) {
+      sortedTerms(part, d, terms);
       ClearKeepingStorage(column);
-      ForEachRun(mine.terms.data() + mine.starts[d], mine.terms.data() + mine.starts[d + 1],
+      ForEachRun(terms.data(), terms.data() + terms.size(),
                  [&](std::int32_t term, std::int32_t count) {
                    const std::int32_t number = newNumber[static_cast<std::size_t>(term)];
                    if (number > 0) column.SetValue(number, static_cast<float>(count));
@@ -124,7 +129,6 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
       }
       if (!counter.Step()) return;
     }
-    std::vector<std::int32_t>().swap(mine.terms);
   });
   if (shared.Cancelled() || !shared.Report()) return false;
   matrix.SetRowCount(kept);
@@ -160,34 +164,27 @@ bool TermDocumentMatrix::WeightMatrixValues(std::int32_t scheme, const ProgressC
     for (std::size_t t = 1; t <= terms_.size(); ++t) {
       factor[t] = GlobalFactor(static_cast<std::int32_t>(t), scheme);
     }
-    // The new values are worked out first, so that a cancel leaves every cell as it was.
+    // The pass is short (a multiplication per cell), so a cancel is taken before it starts
+    // only: once it starts it ends, and a cancel leaves every cell as it was.
     const std::int32_t columns = matrix_.ColCount();
-    std::size_t cells = 0;
-    for (std::int32_t d = 1; d <= columns; ++d) {
-      cells += static_cast<std::size_t>(matrix_.Vector(d)->NZElementCount());
-    }
-    std::vector<float> weights;
-    weights.reserve(cells);
     ProgressReporter reporter(progress, "Weighting", columns);
-    for (std::int32_t d = 1; d <= columns; ++d) {
-      const SparseVectorSingle& column = *matrix_.Vector(d);
-      const auto elements = column.ElementIndexes();
-      const auto values = column.ElementValues();
-      for (std::size_t k = 0; k < elements.size(); ++k) {
-        const auto term = static_cast<std::size_t>(elements[k]);
-        const double f = term < factor.size() ? factor[term] : 0.0;
-        weights.push_back(static_cast<float>(static_cast<double>(values[k]) * f));
+    if (!reporter.Report()) return false;
+    const auto bounds =
+        SplitRange(static_cast<std::size_t>(columns), WorkerCount(), kColumnsPerRange);
+    RunRanges(bounds, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t d = begin + 1; d <= end; ++d) {
+        SparseVectorSingle& column = *matrix_.Vector(static_cast<std::int32_t>(d));
+        const auto elements = column.ElementIndexes();
+        const auto values = column.ElementValues();
+        for (std::size_t k = 0; k < elements.size(); ++k) {
+          const auto term = static_cast<std::size_t>(elements[k]);
+          const double f = term < factor.size() ? factor[term] : 0.0;
+          column.SetValueByListIndex(static_cast<std::int32_t>(k) + 1,
+                                     static_cast<float>(static_cast<double>(values[k]) * f));
+        }
       }
-      if (!reporter.Step()) return false;
-    }
-    std::size_t next = 0;
-    for (std::int32_t d = 1; d <= columns; ++d) {
-      SparseVectorSingle& column = *matrix_.Vector(d);
-      for (std::int32_t k = 1; k <= column.NZElementCount(); ++k) {
-        column.SetValueByListIndex(k, weights[next++]);
-      }
-    }
-    reporter.Report();
+    });
+    if (progress) progress("Weighting", columns, columns);
   }
   weightsApplied_ = true;
   return true;

@@ -77,12 +77,18 @@ class RangeTokeniser {
       const std::int32_t number = known != known_.end() ? known->second : Learn(token, characters);
       if (number >= 0) range_.Add(number);
     };
-    if (tokeniseOnly_) {
+    if (!tokeniseOnly_) {
+      VisitTokens(text, add);
+    } else if (porter_) {
       SplitOnSpaces(text, pieces_);
       for (std::size_t i = 0; i < pieces_.Count(); ++i)
         add(pieces_.Token(i), pieces_.Characters(i));
     } else {
-      VisitTokens(text, add);
+      // Whole terms as written (links, names): nothing to clean or stem, so no cache either.
+      SplitOnSpaces(text, pieces_);
+      for (std::size_t i = 0; i < pieces_.Count(); ++i) {
+        if (pieces_.Characters(i) >= 2) range_.Add(range_.Intern(pieces_.Token(i)));
+      }
     }
     range_.EndDocument();
   }
