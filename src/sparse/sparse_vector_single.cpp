@@ -31,43 +31,72 @@ std::size_t GrownCapacity(std::size_t capacity, std::size_t needed) {
 }  // namespace
 
 SparseVectorSingle::SparseVectorSingle(const SparseVectorSingle& other)
-    : declaredDimensions_(other.declaredDimensions_), cursor_(other.cursor_) {
+    : declaredDimensions_(other.Dimensions()), cursor_(other.cursor_) {
   Assign(other.ElementIndexes(), other.ElementValues());
 }
 
 SparseVectorSingle::SparseVectorSingle(SparseVectorSingle&& other) noexcept
-    : block_(std::exchange(other.block_, nullptr)),
-      declaredDimensions_(other.declaredDimensions_),
-      cursor_(other.cursor_) {}
+    : declaredDimensions_(other.declaredDimensions_), cursor_(other.cursor_) {
+  std::memcpy(static_cast<void*>(&single_), static_cast<const void*>(&other.single_),
+              sizeof(single_));  // the block pointer or the one entry, whichever it holds
+  other.block_ = nullptr;
+  other.declaredDimensions_ &= ~kSingleFlag;
+}
 
 SparseVectorSingle& SparseVectorSingle::operator=(const SparseVectorSingle& other) {
   if (this == &other) return *this;
   const std::size_t count = other.Count();
   if (count > Capacity()) {
     Assign(other.ElementIndexes(), other.ElementValues());
-  } else if (block_ != nullptr) {
-    // The block is big enough: reuse it rather than allocate.
-    if (count > 0) {
-      std::memcpy(Elements(), other.Elements(), count * sizeof(std::int32_t));
-      std::memcpy(Values(), other.Values(), count * sizeof(float));
-    }
-    block_->count = static_cast<std::int32_t>(count);
+  } else if (count == 0) {
+    SetCount(0);
+  } else {
+    // The storage is big enough: reuse it rather than allocate.
+    std::memmove(Elements(), other.Elements(), count * sizeof(std::int32_t));
+    std::memmove(Values(), other.Values(), count * sizeof(float));
+    SetCount(count);
   }
-  declaredDimensions_ = other.declaredDimensions_;
+  SetDimensions(other.Dimensions());
   cursor_ = other.cursor_;
   return *this;
 }
 
 SparseVectorSingle& SparseVectorSingle::operator=(SparseVectorSingle&& other) noexcept {
   if (this == &other) return *this;
-  Free(block_);
-  block_ = std::exchange(other.block_, nullptr);
+  DropStorage();
+  std::memcpy(static_cast<void*>(&single_), static_cast<const void*>(&other.single_),
+              sizeof(single_));
   declaredDimensions_ = other.declaredDimensions_;
   cursor_ = other.cursor_;
+  other.block_ = nullptr;
+  other.declaredDimensions_ &= ~kSingleFlag;
   return *this;
 }
 
-SparseVectorSingle::~SparseVectorSingle() { Free(block_); }
+SparseVectorSingle::~SparseVectorSingle() { DropStorage(); }
+
+void SparseVectorSingle::DropStorage() {
+  if (IsSingle()) {
+    declaredDimensions_ &= ~kSingleFlag;
+  } else {
+    Free(block_);
+  }
+  block_ = nullptr;
+}
+
+void SparseVectorSingle::MakeSingle(std::int32_t element, float value) {
+  DropStorage();
+  single_ = {element, value};
+  declaredDimensions_ |= kSingleFlag;
+}
+
+void SparseVectorSingle::SetCount(std::size_t count) {
+  if (IsSingle()) {
+    if (count == 0) DropStorage();
+  } else if (block_ != nullptr) {
+    block_->count = static_cast<std::int32_t>(count);
+  }
+}
 
 SparseVectorSingle::Block* SparseVectorSingle::Allocate(std::size_t capacity) {
   if (capacity == 0) return nullptr;
@@ -82,12 +111,13 @@ void SparseVectorSingle::Free(Block* block) {
 }
 
 void SparseVectorSingle::Replace(Block* block) {
-  Free(block_);
+  DropStorage();
   block_ = block;
 }
 
 void SparseVectorSingle::Reallocate(std::size_t capacity) {
   const std::size_t count = Count();
+  if (count == 1 && capacity <= 1) return MakeSingle(Elements()[0], Values()[0]);
   Block* block = Allocate(std::max(capacity, count));
   if (count > 0) {
     std::memcpy(reinterpret_cast<std::int32_t*>(block + 1), Elements(),
@@ -110,11 +140,12 @@ void SparseVectorSingle::Append(std::span<const std::int32_t> elements,
   if (needed > Capacity()) Reallocate(GrownCapacity(Capacity(), needed));
   std::memcpy(Elements() + count, elements.data(), elements.size() * sizeof(std::int32_t));
   std::memcpy(Values() + count, values.data(), elements.size() * sizeof(float));
-  block_->count = static_cast<std::int32_t>(needed);
+  SetCount(needed);
 }
 
 void SparseVectorSingle::Assign(std::span<const std::int32_t> elements,
                                 std::span<const float> values) {
+  if (elements.size() == 1) return MakeSingle(elements[0], values[0]);
   Block* block = Allocate(elements.size());
   if (block != nullptr) {
     auto* to = reinterpret_cast<std::int32_t*>(block + 1);
@@ -127,7 +158,7 @@ void SparseVectorSingle::Assign(std::span<const std::int32_t> elements,
 }
 
 std::int32_t SparseVectorSingle::DimensionCount() const {
-  if (declaredDimensions_ != 0) return declaredDimensions_;
+  if (Dimensions() != 0) return Dimensions();
   return Count() == 0 ? 0 : Elements()[Count() - 1];
 }
 
@@ -146,7 +177,7 @@ void SparseVectorSingle::DeleteElement(std::int32_t element) {
   const std::size_t after = Count() - at - 1;
   std::memmove(Elements() + at, Elements() + at + 1, after * sizeof(std::int32_t));
   std::memmove(Values() + at, Values() + at + 1, after * sizeof(float));
-  --block_->count;
+  SetCount(Count() - 1);
 }
 
 float SparseVectorSingle::Value(std::int32_t element) const {
@@ -177,7 +208,7 @@ void SparseVectorSingle::SetValue(std::int32_t element, float value) {
   std::memmove(Values() + at + 1, Values() + at, after * sizeof(float));
   Elements()[at] = element;
   Values()[at] = value;
-  ++block_->count;
+  SetCount(count + 1);
 }
 
 bool SparseVectorSingle::IsEmpty(std::int32_t element) const { return Find(element) < 0; }
@@ -219,7 +250,7 @@ float SparseVectorSingle::GetSimilarity(std::span<const float> vec2Arr, std::int
 }
 
 std::vector<float> SparseVectorSingle::GetVectorArr(std::int32_t numElements) const {
-  if (numElements == 0) numElements = declaredDimensions_;
+  if (numElements == 0) numElements = Dimensions();
   if (numElements < 0) numElements = 0;
   std::vector<float> dense(static_cast<std::size_t>(numElements) + 1, 0.0f);
   const auto elements = ElementIndexes();
@@ -253,7 +284,7 @@ void SparseVectorSingle::SetVector(std::span<const float> denseVector, std::int3
     block->count = block->capacity;
   }
   Replace(block);
-  declaredDimensions_ = n;
+  SetDimensions(n);
 }
 
 void SparseVectorSingle::TruncateLocal(std::int32_t count) {
@@ -324,7 +355,7 @@ void SparseVectorSingle::TruncateLocal(std::int32_t count) {
     block->count = block->capacity;
   }
   Replace(block);
-  declaredDimensions_ = n;
+  SetDimensions(n);
 }
 
 std::int32_t SparseVectorSingle::FirstElementIndex() {

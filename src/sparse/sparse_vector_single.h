@@ -38,6 +38,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -55,7 +56,7 @@ class SparseVectorSingle {
   ~SparseVectorSingle();
 
   // Number of stored elements.
-  std::int32_t NZElementCount() const { return block_ == nullptr ? 0 : block_->count; }
+  std::int32_t NZElementCount() const { return static_cast<std::int32_t>(Count()); }
 
   // The declared dimension count when non-zero, else the largest stored element (0 when
   // empty).
@@ -128,7 +129,8 @@ class SparseVectorSingle {
   void Normalise();
 
   // Read-only views of the storage for fast sequential reading: entry k (0-based) holds list
-  // position k + 1. Valid until the next write.
+  // position k + 1. Valid until the next write, move or destruction of the vector (a vector of
+  // one entry keeps it in the object itself).
   std::span<const std::int32_t> ElementIndexes() const { return {Elements(), Count()}; }
   std::span<const float> ElementValues() const { return {Values(), Count()}; }
 
@@ -141,22 +143,48 @@ class SparseVectorSingle {
     std::int32_t count;
   };
 
+  // One entry is kept in the object itself, not in a heap block of its own (which would cost
+  // 32 bytes more): most columns of the link, hashtag, mention and user indexes hold one term.
+  // The sign bit of declaredDimensions_ says so.
+  struct Single {
+    std::int32_t element;
+    float value;
+  };
+  static constexpr std::int32_t kSingleFlag = std::numeric_limits<std::int32_t>::min();
+  bool IsSingle() const { return declaredDimensions_ < 0; }
+  std::int32_t Dimensions() const { return declaredDimensions_ & ~kSingleFlag; }
+  void SetDimensions(std::int32_t count) {
+    declaredDimensions_ = (declaredDimensions_ & kSingleFlag) | (count < 0 ? 0 : count);
+  }
+  // Stores the one entry in the object, freeing any block.
+  void MakeSingle(std::int32_t element, float value);
+  // Leaves the object without entry and without block.
+  void DropStorage();
+
   std::size_t Count() const {
+    if (IsSingle()) return 1;
     return block_ == nullptr ? 0 : static_cast<std::size_t>(block_->count);
   }
   std::size_t Capacity() const {
+    if (IsSingle()) return 1;
     return block_ == nullptr ? 0 : static_cast<std::size_t>(block_->capacity);
   }
+  // Stores the count of entries, 0..Capacity().
+  void SetCount(std::size_t count);
   std::int32_t* Elements() {
+    if (IsSingle()) return &single_.element;
     return block_ == nullptr ? nullptr : reinterpret_cast<std::int32_t*>(block_ + 1);
   }
   const std::int32_t* Elements() const {
+    if (IsSingle()) return &single_.element;
     return block_ == nullptr ? nullptr : reinterpret_cast<const std::int32_t*>(block_ + 1);
   }
   float* Values() {
+    if (IsSingle()) return &single_.value;
     return block_ == nullptr ? nullptr : reinterpret_cast<float*>(Elements() + block_->capacity);
   }
   const float* Values() const {
+    if (IsSingle()) return &single_.value;
     return block_ == nullptr ? nullptr
                              : reinterpret_cast<const float*>(Elements() + block_->capacity);
   }
@@ -181,7 +209,7 @@ class SparseVectorSingle {
 
   // Keeps the first `count` entries.
   void KeepFirst(std::size_t count) {
-    if (count < Count()) block_->count = static_cast<std::int32_t>(count);
+    if (count < Count()) SetCount(count);
   }
 
   // Makes room for one more entry, doubling the capacity when full.
@@ -190,9 +218,10 @@ class SparseVectorSingle {
   // Appends an element known to be larger than the last one.
   void Append(std::int32_t element, float value) {
     if (Count() == Capacity()) GrowForOne();
-    const auto at = static_cast<std::size_t>(block_->count++);
+    const std::size_t at = Count();
     Elements()[at] = element;
     Values()[at] = value;
+    SetCount(at + 1);
   }
 
   // Appends elements known to be ascending and larger than the last one.
@@ -205,15 +234,18 @@ class SparseVectorSingle {
   // their size.
   void Assign(std::span<const std::int32_t> elements, std::span<const float> values);
 
-  // Replaces the block by `block` (which may be nullptr), freeing the old one.
+  // Replaces the storage by `block` (which may be nullptr), freeing the old block.
   void Replace(Block* block);
 
   // Declares the dimension count (a matrix declares its row count for every column).
-  void SetDimensionCount(std::int32_t count) { declaredDimensions_ = count < 0 ? 0 : count; }
+  void SetDimensionCount(std::int32_t count) { SetDimensions(count); }
 
-  Block* block_ = nullptr;
-  std::int32_t declaredDimensions_ = 0;
-  std::int32_t cursor_ = 0;  // 1-based list position of the last element handed out
+  union {
+    Block* block_ = nullptr;
+    Single single_;  // when IsSingle()
+  };
+  std::int32_t declaredDimensions_ = 0;  // with kSingleFlag when the one entry is in single_
+  std::int32_t cursor_ = 0;              // 1-based list position of the last element handed out
 };
 
 static_assert(sizeof(SparseVectorSingle) == 16, "one pointer and two 32-bit numbers per vector");
