@@ -14,6 +14,7 @@
 
 #include <filesystem>
 
+#include "common/large_allocation.h"
 #include "common/notifier.h"
 #include "common/stopwatch.h"
 #include "generator/corpus_generator.h"
@@ -79,4 +80,12 @@ BENCHMARK(BM_Road)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kSecond)->Iter
 
 }  // namespace
 
-BENCHMARK_MAIN();
+// The heap policy of the programs, so that the peaks are theirs.
+int main(int argc, char** argv) {
+  sylvora::UseReturnableLargeBlocks();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,5 +1,6 @@
 #include "common/large_allocation.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 
 #include <cstdlib>
@@ -32,6 +33,12 @@ void FreeLarge(void* memory, std::size_t bytes) noexcept {
     return;
   }
   ::munmap(memory, bytes);
+}
+
+void UseReturnableLargeBlocks() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+#endif
 }
 
 }  // namespace sylvora

@@ -1,15 +1,18 @@
 #pragma once
-// DocumentTexts: the private copy of every document's text that an index takes in AssignText,
-// kept as a few byte buffers plus an offset per document instead of a heap string per
-// document (a million tweets cost a handful of allocations, not a million). Documents are
-// appended in parts: each part is a contiguous range of documents filled by one thread, and
-// the parts are joined in order without copying their bytes.
+// DocumentTexts: the text of every document that an index takes in AssignText. A document's
+// text is either a view of a cell of the corpus, when it is that cell as it stands and the
+// caller lets the index borrow it, or its own bytes in a few shared buffers (joined fields,
+// trimmed or rewritten text), never a heap string per document. Documents are appended in
+// parts: each part is a contiguous range of documents filled by one thread, and the parts are
+// joined in order without copying their bytes.
 //
 // Documents are numbered 0-based here; TermDocumentMatrix turns its 1-based numbers into
 // these. Append is amortised O(length); At is O(parts), and there are a handful. Views stay
-// valid until the set is cleared or assigned. Nothing throws apart from std::bad_alloc.
+// valid until the set is cleared or assigned (and, for borrowed texts, while the corpus stays
+// as it is). Nothing throws apart from std::bad_alloc.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,23 +24,34 @@ class DocumentTexts {
   // One range of documents, filled by one thread.
   class Part {
    public:
-    Part() : starts_{0} {}
-    void Reserve(std::size_t documents, std::size_t bytes) {
-      starts_.reserve(documents + 1);
-      bytes_.reserve(bytes);
+    void Reserve(std::size_t documents, std::size_t ownBytes) {
+      entries_.reserve(documents);
+      bytes_.reserve(ownBytes);
     }
+    // Copies `text` into the part's own bytes.
     void Append(std::string_view text) {
+      entries_.push_back({bytes_.size(), text.size() | kOwned});
       bytes_.append(text);
-      starts_.push_back(bytes_.size());
     }
-    std::size_t Count() const { return starts_.size() - 1; }
+    // Keeps a view of `text`, which must outlive the part.
+    void Borrow(std::string_view text) {
+      entries_.push_back({reinterpret_cast<std::uintptr_t>(text.data()), text.size()});
+    }
+    std::size_t Count() const { return entries_.size(); }
     std::string_view At(std::size_t doc) const {
-      return std::string_view(bytes_).substr(starts_[doc], starts_[doc + 1] - starts_[doc]);
+      const Entry& entry = entries_[doc];
+      if ((entry.size & kOwned) != 0) return {bytes_.data() + entry.where, entry.size & ~kOwned};
+      return {reinterpret_cast<const char*>(entry.where), entry.size};
     }
 
    private:
+    static constexpr std::size_t kOwned = std::size_t{1} << (8 * sizeof(std::size_t) - 1);
+    struct Entry {
+      std::uintptr_t where;  // offset into bytes_, or the address of a borrowed text
+      std::size_t size;      // with kOwned for a text in bytes_
+    };
     std::string bytes_;
-    std::vector<std::size_t> starts_;  // document i is bytes_[starts_[i], starts_[i + 1])
+    std::vector<Entry> entries_;
   };
 
   std::size_t Count() const { return count_; }

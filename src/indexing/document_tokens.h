@@ -45,6 +45,13 @@ class TokenRange {
     distinct_.push_back(&numbers_.emplace(std::string(token), number).first->first);
     return number;
   }
+  // Room for `documents` documents of `tokens` tokens in all. Reserving an upper bound costs
+  // address space only (pages never written are never resident) and spares the copies, and
+  // the peaks of old and new storage side by side, that growing step by step makes.
+  void Reserve(std::size_t documents, std::size_t tokens) {
+    starts_.reserve(documents + 1);
+    tokens_.reserve(tokens);
+  }
   // Adds token number `number` to the document being filled.
   void Add(std::int32_t number) { tokens_.push_back(number); }
   // Closes the document being filled; the next Add starts the next one.

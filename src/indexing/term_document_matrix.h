@@ -98,9 +98,13 @@ class TermDocumentMatrix {
   bool AssignText(const DocumentSet& documents, DocIndex& numDocs, bool urlIndex,
                   const ProgressCallback& progress = {});
   // The same with the fields given instead of the expressed ones, so that several indexes can
-  // take their text from one set at the same time without switching its flags.
+  // take their text from one set at the same time without switching its flags. With
+  // `borrowCells`, a document whose text is one cell as it stands is not copied: the index
+  // keeps a view of the cell, and `documents` must then stay alive and unchanged until
+  // Preprocess has run (the indexing workflow runs it right away).
   bool AssignText(const DocumentSet& documents, const std::vector<FieldIndex>& fields,
-                  DocIndex& numDocs, bool urlIndex, const ProgressCallback& progress = {});
+                  DocIndex& numDocs, bool urlIndex, bool borrowCells,
+                  const ProgressCallback& progress = {});
 
   // Turns every document's text into its index tokens separated by single spaces.
   //  * tokeniseOnly: the text is only split at single spaces (case and punctuation stay);

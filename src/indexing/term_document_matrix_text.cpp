@@ -132,12 +132,13 @@ class RangeTokeniser {
 
 bool TermDocumentMatrix::AssignText(const DocumentSet& documents, DocIndex& numDocs, bool urlIndex,
                                     const ProgressCallback& progress) {
-  return AssignText(documents, ExpressedFields(documents), numDocs, urlIndex, progress);
+  return AssignText(documents, ExpressedFields(documents), numDocs, urlIndex, false, progress);
 }
 
 bool TermDocumentMatrix::AssignText(const DocumentSet& documents,
                                     const std::vector<FieldIndex>& fields, DocIndex& numDocs,
-                                    bool urlIndex, const ProgressCallback& progress) {
+                                    bool urlIndex, bool borrowCells,
+                                    const ProgressCallback& progress) {
   if (urlIndex) isURLIndex_ = true;
   numDocs = std::clamp<DocIndex>(numDocs, 0, documents.DocumentCount());
   if (TextAssigned()) return true;
@@ -149,28 +150,43 @@ bool TermDocumentMatrix::AssignText(const DocumentSet& documents,
   SharedProgress shared(progress, "Assigning text", numDocs);
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
     SharedProgress::Counter counter(shared, part);
-    std::size_t bytes = 0;
-    for (std::size_t d = begin; d < end; ++d) {
-      for (const FieldIndex f : fields)
-        bytes += documents.Cell(static_cast<DocIndex>(d), f).size() + 1;
+    const auto cell = [&](std::size_t d, FieldIndex f) {
+      return documents.Cell(static_cast<DocIndex>(d), f);
+    };
+    // A document whose text is one cell as it stands is borrowed when allowed.
+    const bool oneCell = fields.size() == 1;
+    std::size_t ownBytes = 0;
+    if (!borrowCells || !oneCell) {
+      for (std::size_t d = begin; d < end; ++d) {
+        for (const FieldIndex f : fields) ownBytes += cell(d, f).size() + 1;
+      }
     }
     DocumentTexts::Part& texts = parts[part];
-    texts.Reserve(end - begin, bytes);
+    texts.Reserve(end - begin, ownBytes);
     std::string joined, stripped;
     for (std::size_t d = begin; d < end; ++d) {
       std::string_view text;
-      if (fields.size() == 1) {
-        text = TrimSpaces(documents.Cell(static_cast<DocIndex>(d), fields[0]));
+      if (oneCell) {
+        text = TrimSpaces(cell(d, fields[0]));
       } else {
         joined.clear();
         for (const FieldIndex f : fields) {
           joined += ' ';
-          joined += documents.Cell(static_cast<DocIndex>(d), f);
+          joined += cell(d, f);
         }
         text = TrimSpaces(joined);
       }
-      if (isURLIndex_) text = StripLinkSchemes(text, stripped, secure[part]);
-      texts.Append(text);
+      bool inCell = oneCell;
+      if (isURLIndex_) {
+        const std::string_view withoutSchemes = StripLinkSchemes(text, stripped, secure[part]);
+        inCell = inCell && withoutSchemes.data() == text.data();
+        text = withoutSchemes;
+      }
+      if (borrowCells && inCell) {
+        texts.Borrow(text);
+      } else {
+        texts.Append(text);
+      }
       if (!counter.Step()) return;
     }
   });
@@ -208,6 +224,12 @@ bool TermDocumentMatrix::Preprocess(bool tokeniseOnly, bool keepAbbrevs, std::ui
     SharedProgress::Counter counter(shared, part);
     RangeTokeniser tokeniser(tokeniseOnly, keepAbbrevs, minLen, stopWords_, porter, ranges[part]);
     const bool assigned = text_.Count() > 0;
+    if (assigned) {
+      // A token takes at least one byte and the break after it.
+      std::size_t mostTokens = 0;
+      for (std::size_t d = begin; d < end; ++d) mostTokens += text_.At(d).size() / 2 + 1;
+      ranges[part].Reserve(end - begin, mostTokens);
+    }
     for (std::size_t d = begin; d < end; ++d) {
       if (assigned) {
         tokeniser.AddDocument(text_.At(d));

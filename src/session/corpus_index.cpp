@@ -130,7 +130,15 @@ bool IndexingRun::BuildWords(TermDocumentMatrix& index) {
 
   log = "Assigning text for processing...";
   DocIndex count = options_.wordDocumentCount.value_or(documents_.DocumentCount());
-  if (!Begin(kind, kAssigning) || !index.AssignText(documents_, count, false, progress)) {
+  std::vector<FieldIndex> fields;
+  for (int f = 0; f < documents_.FieldCount(); ++f) {
+    if (documents_.FieldExpressed(static_cast<FieldIndex>(f))) {
+      fields.push_back(static_cast<FieldIndex>(f));
+    }
+  }
+  // The cells are borrowed: Preprocess runs next, while the set stays as it is.
+  if (!Begin(kind, kAssigning) ||
+      !index.AssignText(documents_, fields, count, false, true, progress)) {
     return false;
   }
   report_.wordDocuments = count;
@@ -180,7 +188,7 @@ bool IndexingRun::BuildSecondary(IndexKind kind, FieldIndex field, TermDocumentM
 
   DocIndex count = documents_.DocumentCount();
   if (!Begin(kind, kAssigning) ||
-      !index.AssignText(documents_, {field}, count, kind == IndexKind::kLinks, progress)) {
+      !index.AssignText(documents_, {field}, count, kind == IndexKind::kLinks, true, progress)) {
     return false;
   }
   Finish(kind, "assign");
