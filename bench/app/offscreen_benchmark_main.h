@@ -7,8 +7,11 @@
 
 #include <QApplication>
 
+#include "common/large_allocation.h"
+
 #define SYLVORA_OFFSCREEN_BENCHMARK_MAIN()                            \
   int main(int argc, char** argv) {                                   \
+    sylvora::UseReturnableLargeBlocks();                              \
     qputenv("QT_QPA_PLATFORM", "offscreen");                          \
     QApplication application(argc, argv);                             \
     benchmark::Initialize(&argc, argv);                               \
