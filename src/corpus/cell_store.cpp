@@ -1,6 +1,7 @@
 #include "corpus/cell_store.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace sylvora {
 
@@ -46,6 +47,17 @@ void CellStore::Overwrite(std::string_view& cell, std::string_view text) {
     return;
   }
   cell = Store(text);
+}
+
+void CellStore::Absorb(CellStore&& other) {
+  for (auto& buffer : other.adopted_) adopted_.push_back(std::move(buffer));
+  // The block in use stays last, where Store() writes.
+  const auto current = blocks_.end() - (blocks_.empty() ? 0 : 1);
+  blocks_.insert(current, std::make_move_iterator(other.blocks_.begin()),
+                 std::make_move_iterator(other.blocks_.end()));
+  for (auto& block : other.largeBlocks_) largeBlocks_.push_back(std::move(block));
+  arenaBytes_ += other.arenaBytes_;
+  other.Clear();
 }
 
 void CellStore::Clear() {

@@ -39,6 +39,11 @@ class CellStore {
   // `text` may overlap the cell's own bytes.
   void Overwrite(std::string_view& cell, std::string_view text);
 
+  // Takes over every buffer of `other` (a store another thread filled), keeping the views into
+  // them valid; `other` is left empty. Texts stored here later still go into this store's own
+  // current block.
+  void Absorb(CellStore&& other);
+
   // Drops every buffer: all views handed out become invalid.
   void Clear();
 
