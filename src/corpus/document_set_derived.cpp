@@ -160,7 +160,10 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
     }
     return ReplaceAll(columns_[dateField][d], "\"", "");
   };
-  std::vector<std::int64_t> values(static_cast<std::size_t>(docCount_));
+  // Large scratch arrays come from (and go back to) the system whole, not from the heap that
+  // the stages after this one fill.
+  std::vector<std::int64_t, LargeAllocator<std::int64_t>> values(
+      static_cast<std::size_t>(docCount_));
   // What each row range found; a range stops at its first value out of range.
   struct Part {
     std::vector<UndatedRow> undated;
@@ -329,7 +332,7 @@ bool DocumentSet::DeriveTwitterMentionField(FieldIndex sourceField, std::string_
 
 void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notifier) {
   if (sortKey >= columns_.size() || docCount_ < 2) return;
-  std::vector<std::int64_t> keys(static_cast<std::size_t>(docCount_));
+  std::vector<std::int64_t, LargeAllocator<std::int64_t>> keys(static_cast<std::size_t>(docCount_));
   RunRanges(RowRangeBounds(docCount_), [&](std::size_t, std::size_t begin, std::size_t end) {
     for (std::size_t d = begin; d < end; ++d) keys[d] = LeadingWholeNumber(columns_[sortKey][d]);
   });

@@ -396,7 +396,9 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
     }
     std::vector<std::size_t> bounds(ranges.size() + 1);
     for (std::size_t part = 0; part < bounds.size(); ++part) bounds[part] = part;
-    std::vector<CellStore> arenas(ranges.size());  // a store serves one thread only
+    // A store serves one thread only: range 0 (the calling thread) stores into store_, the
+    // others into arenas of their own that join it afterwards.
+    std::vector<CellStore> arenas(ranges.size() - 1);
     SharedProgress shared(progress, "Parsing documents", count, 8192);
     RunRanges(bounds, [&](std::size_t part, std::size_t, std::size_t) {
       const RecordRange& range = ranges[part];
@@ -413,7 +415,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
           if (joins > 0) {
             std::string text(cells[2]);
             for (std::size_t k = 0; k < joins; ++k) text.append(cells[3 + k]);
-            const std::string_view joined = arenas[part].Store(text);
+            const std::string_view joined = (part == 0 ? store_ : arenas[part - 1]).Store(text);
             cells.erase(cells.begin() + 3, cells.begin() + 3 + static_cast<std::ptrdiff_t>(joins));
             cells[2] = joined;
           }

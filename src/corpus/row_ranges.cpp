@@ -19,13 +19,16 @@ std::vector<std::size_t> RowRangeBounds(DocIndex rows) {
 
 void RunRowRanges(const std::vector<std::size_t>& bounds, CellStore& store,
                   const std::function<void(std::size_t, DocIndex, DocIndex, CellStore&)>& body) {
-  std::vector<CellStore> arenas(bounds.size() < 2 ? 0 : bounds.size() - 1);
+  // Range 0 runs on the calling thread, the only one that touches `store` meanwhile: it
+  // stores there directly.
+  std::vector<CellStore> arenas(bounds.size() < 3 ? 0 : bounds.size() - 2);
   const auto joinArenas = [&] {
     for (auto& arena : arenas) store.Absorb(std::move(arena));
   };
   try {
     RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
-      body(part, static_cast<DocIndex>(begin), static_cast<DocIndex>(end), arenas[part]);
+      body(part, static_cast<DocIndex>(begin), static_cast<DocIndex>(end),
+           part == 0 ? store : arenas[part - 1]);
     });
   } catch (...) {
     joinArenas();  // cells written before the failure may view them

@@ -19,8 +19,8 @@ std::vector<std::size_t> RowRangeBounds(DocIndex rows);
 
 // Runs body(part, begin, end, arena) for every range of `bounds` as RunRanges does. A
 // CellStore serves one thread only, so each range stores its texts in an arena of its own
-// (valid for views at once); the arenas join `store` in range order once every range ended,
-// also when a range threw.
+// (valid for views at once): range 0, on the calling thread, stores into `store` itself, and
+// the other arenas join it in range order once every range ended, also when a range threw.
 void RunRowRanges(const std::vector<std::size_t>& bounds, CellStore& store,
                   const std::function<void(std::size_t part, DocIndex begin, DocIndex end,
                                            CellStore& arena)>& body);
