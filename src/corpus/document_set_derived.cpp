@@ -40,30 +40,51 @@ std::string_view MonthNumber(std::string_view name) {
   return {};
 }
 
+// Characters of a date cell as MidCharacters counts them; in the usual all-ASCII cell a
+// character is a byte, which spares counting from the start for each piece.
+class DateCell {
+ public:
+  explicit DateCell(std::string_view cell)
+      : cell_(cell), ascii_(std::all_of(cell.begin(), cell.end(), [](char c) {
+          return static_cast<unsigned char>(c) < 0x80;
+        })) {}
+
+  std::string_view Mid(std::size_t start, std::size_t count) const {
+    if (!ascii_) return MidCharacters(cell_, start, count);
+    return start - 1 >= cell_.size() ? std::string_view() : cell_.substr(start - 1, count);
+  }
+
+ private:
+  std::string_view cell_;
+  bool ascii_;
+};
+
 // "Wed Aug 27 13:08:45 +0000 2008": the year is the last two digits of YYYY (characters 29-30).
-std::string ConvertTwitter11Date(std::string_view cell) {
+std::string ConvertTwitter11Date(std::string_view text) {
+  const DateCell cell(text);
   std::string out;
   out.reserve(17);
-  out.append(MidCharacters(cell, 9, 2)).append("/");
-  out.append(MonthNumber(MidCharacters(cell, 5, 3))).append("/");
-  out.append(MidCharacters(cell, 29, 2)).append(" ");
-  out.append(MidCharacters(cell, 12, 2)).append(":");
-  out.append(MidCharacters(cell, 15, 2)).append(":");
-  out.append(MidCharacters(cell, 18, 2));
+  out.append(cell.Mid(9, 2)).append("/");
+  out.append(MonthNumber(cell.Mid(5, 3))).append("/");
+  out.append(cell.Mid(29, 2)).append(" ");
+  out.append(cell.Mid(12, 2)).append(":");
+  out.append(cell.Mid(15, 2)).append(":");
+  out.append(cell.Mid(18, 2));
   return out;
 }
 
 // "20110105T10:00:00Z" or "20110105T100000Z".
-std::string ConvertTwitterDate(std::string_view cell) {
-  const bool colons = cell.find(':') != std::string_view::npos;
+std::string ConvertTwitterDate(std::string_view text) {
+  const bool colons = text.find(':') != std::string_view::npos;
+  const DateCell cell(text);
   std::string out;
   out.reserve(17);
-  out.append(MidCharacters(cell, 7, 2)).append("/");
-  out.append(MidCharacters(cell, 5, 2)).append("/");
-  out.append(MidCharacters(cell, 3, 2)).append(" ");
-  out.append(MidCharacters(cell, 10, 2)).append(":");
-  out.append(MidCharacters(cell, colons ? 13 : 12, 2)).append(":");
-  out.append(MidCharacters(cell, colons ? 16 : 14, 2));
+  out.append(cell.Mid(7, 2)).append("/");
+  out.append(cell.Mid(5, 2)).append("/");
+  out.append(cell.Mid(3, 2)).append(" ");
+  out.append(cell.Mid(10, 2)).append(":");
+  out.append(cell.Mid(colons ? 13 : 12, 2)).append(":");
+  out.append(cell.Mid(colons ? 16 : 14, 2));
   return out;
 }
 
