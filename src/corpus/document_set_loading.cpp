@@ -394,13 +394,11 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
     for (std::size_t part = 1; part < ranges.size(); ++part) {
       firstRows[part] = firstRows[part - 1] + ranges[part - 1].parsed;
     }
-    std::vector<std::size_t> bounds(ranges.size() + 1);
-    for (std::size_t part = 0; part < bounds.size(); ++part) bounds[part] = part;
-    // A store serves one thread only: range 0 (the calling thread) stores into store_, the
-    // others into arenas of their own that join it afterwards.
-    std::vector<CellStore> arenas(ranges.size() - 1);
+    // One range of records per part, each storing joined tweets in an arena of its own.
+    std::vector<std::size_t> parts(ranges.size() + 1);
+    for (std::size_t part = 0; part < parts.size(); ++part) parts[part] = part;
     SharedProgress shared(progress, "Parsing documents", count, 8192);
-    RunRanges(bounds, [&](std::size_t part, std::size_t, std::size_t) {
+    RunRowRanges(parts, store_, [&](std::size_t part, DocIndex, DocIndex, CellStore& arena) {
       const RecordRange& range = ranges[part];
       SharedProgress::Counter counter(shared, part);
       std::vector<std::string_view> cells;
@@ -415,7 +413,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
           if (joins > 0) {
             std::string text(cells[2]);
             for (std::size_t k = 0; k < joins; ++k) text.append(cells[3 + k]);
-            const std::string_view joined = (part == 0 ? store_ : arenas[part - 1]).Store(text);
+            const std::string_view joined = arena.Store(text);
             cells.erase(cells.begin() + 3, cells.begin() + 3 + static_cast<std::ptrdiff_t>(joins));
             cells[2] = joined;
           }
@@ -426,7 +424,6 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
         ++row;
       }
     });
-    for (auto& arena : arenas) store_.Absorb(std::move(arena));
     if (shared.Cancelled()) {
       Clear();
       return Fail("Loading cancelled");
