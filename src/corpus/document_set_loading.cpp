@@ -156,6 +156,7 @@ TextScan ScanText(std::string_view text) {
   std::vector<TextScan> parts(bounds.size() - 1);
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
     const std::string_view range = text.substr(begin, end - begin);
+    if (range.empty()) return;  // memchr must not see the null pointer of an empty text
     parts[part].nul = std::memchr(range.data(), '\0', range.size()) != nullptr;
     parts[part].carriageReturns = std::memchr(range.data(), '\r', range.size()) != nullptr;
     parts[part].valid = parts[part].nul || IsValidUtf8(range);
