@@ -1,6 +1,8 @@
 // Reading a corpus file: records, header row, fields by markers or by columns.
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -72,14 +74,33 @@ std::vector<std::string_view> SplitRecords(std::string_view text, std::string_vi
 
 void SplitColumns(std::string_view record, std::vector<std::string_view>& columns) {
   columns.clear();
-  std::size_t pos = 0;
-  while (true) {
-    const std::size_t tab = record.find('\t', pos);
-    if (tab == std::string_view::npos) break;
-    columns.push_back(record.substr(pos, tab - pos));
-    pos = tab + 1;
+  const char* data = record.data();
+  const std::size_t size = record.size();
+  std::size_t start = 0;
+  std::size_t i = 0;
+  const auto cut = [&](std::size_t tab) {
+    columns.emplace_back(data + start, tab - start);
+    start = tab + 1;
+  };
+  if constexpr (std::endian::native == std::endian::little) {
+    // Most columns are short: eight bytes at a time beats a library search per column. A tab
+    // byte becomes a zero byte, and zero bytes get their bit 7 set (exactly: no carry crosses
+    // a byte); the lowest set bit is the first tab in memory.
+    constexpr std::uint64_t kLow7 = 0x7F7F7F7F7F7F7F7FULL;
+    constexpr std::uint64_t kTabs = 0x0909090909090909ULL;
+    for (; i + 8 <= size; i += 8) {
+      std::uint64_t word;
+      std::memcpy(&word, data + i, sizeof word);
+      const std::uint64_t x = word ^ kTabs;
+      for (std::uint64_t tabs = ~(((x & kLow7) + kLow7) | x | kLow7); tabs != 0; tabs &= tabs - 1) {
+        cut(i + static_cast<std::size_t>(std::countr_zero(tabs) / 8));
+      }
+    }
   }
-  columns.push_back(record.substr(pos));
+  for (; i < size; ++i) {
+    if (data[i] == '\t') cut(i);
+  }
+  columns.emplace_back(data + start, size - start);
 }
 
 std::string_view TrimLeadingSpaces(std::string_view text) {
