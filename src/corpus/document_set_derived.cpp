@@ -222,7 +222,7 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
       if (!counter.Step()) return;
     }
   });
-  if (shared.Cancelled()) return Fail("Elapsed time cancelled");
+  if (!shared.CatchUp()) return Fail("Elapsed time cancelled");
   std::vector<UndatedRow> undated;
   std::optional<std::int64_t> smallest;
   for (auto& found : parts) {
@@ -296,6 +296,7 @@ bool DocumentSet::DeriveLinksField(FieldIndex sourceField, std::string_view fiel
                    if (destination != targets[d]) arena.Overwrite(targets[d], destination);
                  }
                });
+  shared.CatchUp();  // the work goes on to the end either way
   return true;
 }
 
@@ -338,6 +339,7 @@ bool DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldN
                    targets[d] = arena.Store(tags);
                  }
                });
+  shared.CatchUp();  // the work goes on to the end either way
   return true;
 }
 

@@ -446,7 +446,7 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
         ++row;
       }
     });
-    if (shared.Cancelled()) {
+    if (!shared.CatchUp()) {
       Clear();
       return Fail("Loading cancelled");
     }

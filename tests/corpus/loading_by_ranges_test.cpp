@@ -146,5 +146,24 @@ TEST(LoadingByRanges, EveryCutGivesTheTableOfOnePass) {
   }
 }
 
+// With many threads the first range is shorter than one report interval; the stage still
+// reports once it ended, and so can be cancelled as in one pass.
+TEST(LoadingByRanges, ACancelIsSeenWhenTheFirstRangeEndsBeforeAReport) {
+  TempDir dir;
+  std::string path = dir.WriteFile("corpus.txt", Lines(20000));
+  const Threads seven(7);
+  const auto cancelAt = [](std::string_view wanted) -> ProgressCallback {
+    return [wanted](std::string_view stage, std::int64_t, std::int64_t) { return stage != wanted; };
+  };
+  DocumentSet parsing;
+  EXPECT_FALSE(parsing.LoadDocuments(path, 8, "\n", 0, 0, false, cancelAt("Parsing documents")));
+  EXPECT_EQ(parsing.LastError(), "Loading cancelled");
+  DocumentSet dating;
+  ASSERT_TRUE(dating.LoadDocuments(path, 8, "\n", 0, 0, false));
+  EXPECT_FALSE(dating.DeriveElapsedTimeField(0, "n", "01 Jan 2011 00:00:01", true,
+                                             cancelAt("Deriving elapsed time")));
+  EXPECT_EQ(dating.LastError(), "Elapsed time cancelled");
+}
+
 }  // namespace
 }  // namespace sylvora
