@@ -74,4 +74,9 @@ bool SharedProgress::Report() {
   return !Cancelled();
 }
 
+bool SharedProgress::CatchUp() {
+  if (done_.load(std::memory_order_relaxed) >= nextReport_) return Report();
+  return !Cancelled();
+}
+
 }  // namespace sylvora

@@ -68,6 +68,10 @@ class SharedProgress {
 
   // Reports the total now (calling thread only); false when cancelled.
   bool Report();
+  // Once the ranges ended (calling thread only): reports the total when it passed a report
+  // point that range 0 did not see because its own share ended first, so that a stage long
+  // enough to be reported (and cancelled) in one pass still is. False when cancelled.
+  bool CatchUp();
   bool Cancelled() const { return cancelled_.load(std::memory_order_relaxed); }
 
  private:

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 namespace sylvora {
 
@@ -73,6 +74,23 @@ void CompactCell::AssignLong(std::string_view text, CellStore& store) {
   // a cell that pointed elsewhere would be worse than stopping.
   if (address > kAddressMask) std::abort();
   bits_ = (std::uint64_t{kLongText} << kLengthShift) | address;
+}
+
+void CellStore::Absorb(CellStore&& other) {
+  for (auto& buffer : other.adopted_) adopted_.push_back(std::move(buffer));
+  // The block in use stays last, where Store() writes.
+  const auto current = blocks_.end() - (blocks_.empty() ? 0 : 1);
+  blocks_.insert(current, std::make_move_iterator(other.blocks_.begin()),
+                 std::make_move_iterator(other.blocks_.end()));
+  for (auto& block : other.largeBlocks_) largeBlocks_.push_back(std::move(block));
+  arenaBytes_ += other.arenaBytes_;
+  {
+    // Cells of long texts point at these views; they move over with the buffers.
+    const std::lock_guard lock(longViewsLock_.mutex);
+    for (auto& view : other.longViews_) longViews_.push_back(std::move(view));
+    other.longViews_.clear();
+  }
+  other.Clear();
 }
 
 void CellStore::Clear() {

@@ -95,6 +95,11 @@ class CellStore {
   void Overwrite(std::string_view& cell, std::string_view text);
   void Overwrite(CompactCell& cell, std::string_view text);
 
+  // Takes over every buffer of `other` (a store another thread filled), keeping the views and
+  // cells into them valid; `other` is left empty. Texts stored here later still go into this
+  // store's own current block.
+  void Absorb(CellStore&& other);
+
   // Drops every buffer: all views and cells handed out become invalid.
   void Clear();
 

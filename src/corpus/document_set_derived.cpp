@@ -10,7 +10,9 @@
 #include "common/code_points.h"
 #include "common/date_time.h"
 #include "common/leading_number.h"
+#include "common/parallel.h"
 #include "corpus/document_set.h"
+#include "corpus/row_ranges.h"
 
 namespace sylvora {
 namespace {
@@ -38,30 +40,51 @@ std::string_view MonthNumber(std::string_view name) {
   return {};
 }
 
+// Characters of a date cell as MidCharacters counts them; in the usual all-ASCII cell a
+// character is a byte, which spares counting from the start for each piece.
+class DateCell {
+ public:
+  explicit DateCell(std::string_view cell)
+      : cell_(cell), ascii_(std::all_of(cell.begin(), cell.end(), [](char c) {
+          return static_cast<unsigned char>(c) < 0x80;
+        })) {}
+
+  std::string_view Mid(std::size_t start, std::size_t count) const {
+    if (!ascii_) return MidCharacters(cell_, start, count);
+    return start - 1 >= cell_.size() ? std::string_view() : cell_.substr(start - 1, count);
+  }
+
+ private:
+  std::string_view cell_;
+  bool ascii_;
+};
+
 // "Wed Aug 27 13:08:45 +0000 2008": the year is the last two digits of YYYY (characters 29-30).
-std::string ConvertTwitter11Date(std::string_view cell) {
+std::string ConvertTwitter11Date(std::string_view text) {
+  const DateCell cell(text);
   std::string out;
   out.reserve(17);
-  out.append(MidCharacters(cell, 9, 2)).append("/");
-  out.append(MonthNumber(MidCharacters(cell, 5, 3))).append("/");
-  out.append(MidCharacters(cell, 29, 2)).append(" ");
-  out.append(MidCharacters(cell, 12, 2)).append(":");
-  out.append(MidCharacters(cell, 15, 2)).append(":");
-  out.append(MidCharacters(cell, 18, 2));
+  out.append(cell.Mid(9, 2)).append("/");
+  out.append(MonthNumber(cell.Mid(5, 3))).append("/");
+  out.append(cell.Mid(29, 2)).append(" ");
+  out.append(cell.Mid(12, 2)).append(":");
+  out.append(cell.Mid(15, 2)).append(":");
+  out.append(cell.Mid(18, 2));
   return out;
 }
 
 // "20110105T10:00:00Z" or "20110105T100000Z".
-std::string ConvertTwitterDate(std::string_view cell) {
-  const bool colons = cell.find(':') != std::string_view::npos;
+std::string ConvertTwitterDate(std::string_view text) {
+  const bool colons = text.find(':') != std::string_view::npos;
+  const DateCell cell(text);
   std::string out;
   out.reserve(17);
-  out.append(MidCharacters(cell, 7, 2)).append("/");
-  out.append(MidCharacters(cell, 5, 2)).append("/");
-  out.append(MidCharacters(cell, 3, 2)).append(" ");
-  out.append(MidCharacters(cell, 10, 2)).append(":");
-  out.append(MidCharacters(cell, colons ? 13 : 12, 2)).append(":");
-  out.append(MidCharacters(cell, colons ? 16 : 14, 2));
+  out.append(cell.Mid(7, 2)).append("/");
+  out.append(cell.Mid(5, 2)).append("/");
+  out.append(cell.Mid(3, 2)).append(" ");
+  out.append(cell.Mid(10, 2)).append(":");
+  out.append(cell.Mid(colons ? 13 : 12, 2)).append(":");
+  out.append(cell.Mid(colons ? 16 : 14, 2));
   return out;
 }
 
@@ -103,17 +126,26 @@ void DocumentSet::ConvertTwitterDateTimeField(std::string_view formatName, Field
   }
   if (fldNum >= columns_.size()) return;
   // The file's date-time is read before its text is cut to two-digit years.
-  dateTimes_.assign(columns_[fldNum].size(), kNoDateTime);
+  auto& column = columns_[fldNum];
+  dateTimes_.assign(column.size(), kNoDateTime);
   dateTimesField_ = fldNum;
   unreadableDateTexts_.clear();
-  for (std::size_t d = 0; d < columns_[fldNum].size(); ++d) {
-    auto& cell = columns_[fldNum][d];
-    if (const auto date = DateTime::Parse(cell)) {
-      dateTimes_[d] = date->SecondsSinceEpoch();
-    } else {
-      unreadableDateTexts_.emplace_back(static_cast<DocIndex>(d), std::string(cell));
-    }
-    store_.Overwrite(cell, convert(cell));
+  const auto bounds = RowRangeBounds(static_cast<DocIndex>(column.size()));
+  std::vector<std::vector<std::pair<DocIndex, std::string>>> unreadable(bounds.size() - 1);
+  RunRowRanges(bounds, store_,
+               [&](std::size_t part, DocIndex begin, DocIndex end, CellStore& arena) {
+                 for (DocIndex d = begin; d < end; ++d) {
+                   auto& cell = column[d];
+                   if (const auto date = DateTime::Parse(cell)) {
+                     dateTimes_[d] = date->SecondsSinceEpoch();
+                   } else {
+                     unreadable[part].emplace_back(d, std::string(cell));
+                   }
+                   arena.Overwrite(cell, convert(cell));
+                 }
+               });
+  for (auto& texts : unreadable) {
+    for (auto& text : texts) unreadableDateTexts_.push_back(std::move(text));
   }
 }
 
@@ -149,34 +181,59 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
     }
     return ReplaceAll(columns_[dateField][d], "\"", "");
   };
-  std::vector<std::int64_t> values(static_cast<std::size_t>(docCount_));
+  // Large scratch arrays come from (and go back to) the system whole, not from the heap that
+  // the stages after this one fill.
+  std::vector<std::int64_t, LargeAllocator<std::int64_t>> values(
+      static_cast<std::size_t>(docCount_));
+  // What each row range found; a range stops at its first value out of range.
+  struct Part {
+    std::vector<UndatedRow> undated;
+    std::optional<std::int64_t> smallest;
+    DocIndex tooFar = -1;
+  };
+  const auto bounds = RowRangeBounds(docCount_);
+  std::vector<Part> parts(bounds.size() - 1);
+  SharedProgress shared(progress, "Deriving elapsed time", docCount_);
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    Part& found = parts[part];
+    SharedProgress::Counter counter(shared, part);
+    for (auto d = static_cast<DocIndex>(begin); d < static_cast<DocIndex>(end); ++d) {
+      std::optional<DateTime> date;
+      if (kept) {
+        if (dateTimes_[d] != kNoDateTime) {
+          date = DateTime(DateTime::Seconds(std::chrono::seconds(dateTimes_[d])));
+        }
+      } else {
+        date = DateTime::Parse(ReplaceAll(columns_[dateField][d], "\"", ""));
+      }
+      if (!date) {
+        const auto row = static_cast<std::size_t>(d);
+        found.undated.push_back({d, fileText(d), row < rowLines_.size() ? rowLines_[row] : 0});
+        continue;
+      }
+      const std::int64_t value = DateDiff(*unit, *origin, *date);
+      if (value < std::numeric_limits<std::int32_t>::min() ||
+          value > std::numeric_limits<std::int32_t>::max()) {
+        found.tooFar = d;
+        return;
+      }
+      values[d] = value;
+      found.smallest = found.smallest ? std::min(*found.smallest, value) : value;
+      if (!counter.Step()) return;
+    }
+  });
+  if (!shared.CatchUp()) return Fail("Elapsed time cancelled");
   std::vector<UndatedRow> undated;
   std::optional<std::int64_t> smallest;
-  ProgressReporter reporter(progress, "Deriving elapsed time", docCount_);
-  for (DocIndex d = 0; d < docCount_; ++d) {
-    std::optional<DateTime> date;
-    if (kept) {
-      if (dateTimes_[d] != kNoDateTime) {
-        date = DateTime(DateTime::Seconds(std::chrono::seconds(dateTimes_[d])));
-      }
-    } else {
-      date = DateTime::Parse(ReplaceAll(columns_[dateField][d], "\"", ""));
-    }
-    if (!date) {
-      const auto row = static_cast<std::size_t>(d);
-      undated.push_back({d, fileText(d), row < rowLines_.size() ? rowLines_[row] : 0});
-      continue;
-    }
-    const std::int64_t value = DateDiff(*unit, *origin, *date);
-    if (value < std::numeric_limits<std::int32_t>::min() ||
-        value > std::numeric_limits<std::int32_t>::max()) {
+  for (auto& found : parts) {
+    if (found.tooFar >= 0) {
+      const DocIndex d = found.tooFar;
       return Fail("Row " + std::to_string(d + 1) + ": \"" + fileText(d) +
                   "\" is too far from the start date to count in units of \"" +
                   std::string(interval) + "\"");
     }
-    values[d] = value;
-    smallest = smallest ? std::min(*smallest, value) : value;
-    if (!reporter.Step()) return Fail("Elapsed time cancelled");
+    for (auto& row : found.undated) undated.push_back(std::move(row));
+    if (found.smallest) smallest = smallest ? std::min(*smallest, *found.smallest) : found.smallest;
   }
   if (!smallest) {
     const std::string example = undated.empty() ? "" : " (row 1: \"" + undated[0].text + "\")";
@@ -185,14 +242,18 @@ bool DocumentSet::DeriveElapsedTimeField(FieldIndex dateField, std::string_view 
   undatedRows_ = std::move(undated);
   const FieldIndex field = AppendField(ElapsedFieldName(interval));
   auto& column = columns_[field];
-  std::size_t next = 0;  // the next undated row
-  for (DocIndex d = 0; d < docCount_; ++d) {
-    if (next < undatedRows_.size() && undatedRows_[next].row == d) {
-      ++next;
-      continue;  // no date, no elapsed time
+  RunRowRanges(bounds, store_, [&](std::size_t, DocIndex begin, DocIndex end, CellStore& arena) {
+    // The next undated row at or after `begin`.
+    auto next = std::lower_bound(undatedRows_.begin(), undatedRows_.end(), begin,
+                                 [](const UndatedRow& row, DocIndex d) { return row.row < d; });
+    for (DocIndex d = begin; d < end; ++d) {
+      if (next != undatedRows_.end() && next->row == d) {
+        ++next;
+        continue;  // no date, no elapsed time
+      }
+      column[d].Assign(arena.Store(std::to_string(values[d] - *smallest)), arena);
     }
-    column[d].Assign(store_.Store(std::to_string(values[d] - *smallest)), store_);
-  }
+  });
   dateTimeField_ = dateField;
   return true;
 }
@@ -209,26 +270,33 @@ bool DocumentSet::DeriveLinksField(FieldIndex sourceField, std::string_view fiel
   } else if (existingURLField >= columns_.size()) {
     return Fail("The link field " + std::to_string(existingURLField) + " does not exist");
   }
-  ProgressReporter reporter(progress, "Extracting links", docCount_);
-  for (DocIndex d = 0; d < docCount_; ++d) {
-    reporter.Step();
-    std::string_view source = columns_[sourceField][d];
-    if (FindLink(source) == std::string_view::npos) continue;
-    std::string text(source);
-    std::string destination(columns_[target][d]);
-    while (true) {
-      const std::size_t start = FindLink(text);
-      if (start == std::string::npos) break;
-      const std::size_t end = TokenEnd(text, start);
-      const std::string link = text.substr(start, end - start);
-      if (destination.empty() && CodePointCount(link) > 9) destination = " " + link;
-      const bool last = end == text.size();
-      text = ReplaceAll(text, link, "");
-      if (last) break;
-    }
-    store_.Overwrite(columns_[sourceField][d], text);
-    if (destination != columns_[target][d]) store_.Overwrite(columns_[target][d], destination);
-  }
+  SharedProgress shared(progress, "Extracting links", docCount_);
+  auto& sources = columns_[sourceField];
+  auto& targets = columns_[target];
+  RunRowRanges(RowRangeBounds(docCount_), store_,
+               [&](std::size_t part, DocIndex begin, DocIndex end, CellStore& arena) {
+                 SharedProgress::Counter counter(shared, part);
+                 for (DocIndex d = begin; d < end; ++d) {
+                   counter.Step();  // links are moved also after a cancel, as a whole
+                   std::string_view source = sources[d];
+                   if (FindLink(source) == std::string_view::npos) continue;
+                   std::string text(source);
+                   std::string destination(targets[d]);
+                   while (true) {
+                     const std::size_t start = FindLink(text);
+                     if (start == std::string::npos) break;
+                     const std::size_t stop = TokenEnd(text, start);
+                     const std::string link = text.substr(start, stop - start);
+                     if (destination.empty() && CodePointCount(link) > 9) destination = " " + link;
+                     const bool last = stop == text.size();
+                     text = ReplaceAll(text, link, "");
+                     if (last) break;
+                   }
+                   arena.Overwrite(sources[d], text);
+                   if (destination != targets[d]) arena.Overwrite(targets[d], destination);
+                 }
+               });
+  shared.CatchUp();  // the work goes on to the end either way
   return true;
 }
 
@@ -241,29 +309,37 @@ bool DocumentSet::DeriveTagField(FieldIndex sourceField, std::string_view fieldN
   if (FieldCount() >= kMaxFields) return Fail("The set already has 256 fields");
   const FieldIndex target = AppendField(fieldName);
   const std::string sigilText(1, sigil);
-  ProgressReporter reporter(progress, "Extracting tags", docCount_);
-  std::string tags;
-  for (DocIndex d = 0; d < docCount_; ++d) {
-    reporter.Step();
-    const std::string_view source = columns_[sourceField][d];
-    const bool escaped = unescape && source.find("#039") != std::string_view::npos;
-    if (!escaped && source.find(sigil) == std::string_view::npos) continue;
-    std::string text = escaped ? ReplaceAll(source, "#039", "'") : std::string(source);
-    tags.clear();
-    while (true) {
-      const std::size_t start = text.find(sigil);
-      if (start == std::string::npos) break;
-      const std::size_t end = TokenEnd(text, start);
-      const std::string tag = text.substr(start, end - start);
-      tags.append(" ").append(ReplaceAll(tag, sigilText, ""));
-      const bool last = end == text.size();
-      text = ReplaceAll(text, tag, marker);
-      if (last) break;
-    }
-    text = ReplaceAll(text, marker, finalMarker);
-    store_.Overwrite(columns_[sourceField][d], text);
-    columns_[target][d].Assign(store_.Store(tags), store_);
-  }
+  SharedProgress shared(progress, "Extracting tags", docCount_);
+  auto& sources = columns_[sourceField];
+  auto& targets = columns_[target];
+  RunRowRanges(RowRangeBounds(docCount_), store_,
+               [&](std::size_t part, DocIndex begin, DocIndex end, CellStore& arena) {
+                 SharedProgress::Counter counter(shared, part);
+                 std::string tags;
+                 for (DocIndex d = begin; d < end; ++d) {
+                   counter.Step();  // tags are moved also after a cancel, as a whole
+                   const std::string_view source = sources[d];
+                   const bool escaped = unescape && source.find("#039") != std::string_view::npos;
+                   if (!escaped && source.find(sigil) == std::string_view::npos) continue;
+                   std::string text =
+                       escaped ? ReplaceAll(source, "#039", "'") : std::string(source);
+                   tags.clear();
+                   while (true) {
+                     const std::size_t start = text.find(sigil);
+                     if (start == std::string::npos) break;
+                     const std::size_t stop = TokenEnd(text, start);
+                     const std::string tag = text.substr(start, stop - start);
+                     tags.append(" ").append(ReplaceAll(tag, sigilText, ""));
+                     const bool last = stop == text.size();
+                     text = ReplaceAll(text, tag, marker);
+                     if (last) break;
+                   }
+                   text = ReplaceAll(text, marker, finalMarker);
+                   arena.Overwrite(sources[d], text);
+                   targets[d].Assign(arena.Store(tags), arena);
+                 }
+               });
+  shared.CatchUp();  // the work goes on to the end either way
   return true;
 }
 
@@ -279,8 +355,10 @@ bool DocumentSet::DeriveTwitterMentionField(FieldIndex sourceField, std::string_
 
 void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notifier) {
   if (sortKey >= columns_.size() || docCount_ < 2) return;
-  std::vector<std::int64_t> keys(static_cast<std::size_t>(docCount_));
-  for (DocIndex d = 0; d < docCount_; ++d) keys[d] = LeadingWholeNumber(columns_[sortKey][d]);
+  std::vector<std::int64_t, LargeAllocator<std::int64_t>> keys(static_cast<std::size_t>(docCount_));
+  RunRanges(RowRangeBounds(docCount_), [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t d = begin; d < end; ++d) keys[d] = LeadingWholeNumber(columns_[sortKey][d]);
+  });
   std::int64_t rises = 0;
   std::int64_t falls = 0;
   for (std::size_t i = 1; i < keys.size(); ++i) {
@@ -289,7 +367,12 @@ void DocumentSet::SortByInt(FieldIndex sortKey, bool descending, Notifier& notif
   }
   const bool reverse = descending ? (rises >= 1 && falls < 2) : (falls >= 1 && rises == 0);
   if (reverse) {
-    for (auto& column : columns_) std::reverse(column.begin(), column.end());
+    RunRanges(SplitRange(columns_.size(), WorkerCount()),
+              [&](std::size_t, std::size_t begin, std::size_t end) {
+                for (std::size_t f = begin; f < end; ++f) {
+                  std::reverse(columns_[f].begin(), columns_[f].end());
+                }
+              });
     std::reverse(dateTimes_.begin(), dateTimes_.end());
     unreadableDateTexts_.clear();
     rowLines_.clear();

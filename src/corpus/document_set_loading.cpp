@@ -1,6 +1,8 @@
 // Reading a corpus file: records, header row, fields by markers or by columns.
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -9,9 +11,11 @@
 #include "common/date_time.h"
 #include "common/file_io.h"
 #include "common/leading_number.h"
+#include "common/parallel.h"
 #include "common/text_decoding.h"
 #include "corpus/document_set.h"
 #include "corpus/imported_rows.h"
+#include "corpus/row_ranges.h"
 
 namespace sylvora {
 namespace {
@@ -70,14 +74,33 @@ std::vector<std::string_view> SplitRecords(std::string_view text, std::string_vi
 
 void SplitColumns(std::string_view record, std::vector<std::string_view>& columns) {
   columns.clear();
-  std::size_t pos = 0;
-  while (true) {
-    const std::size_t tab = record.find('\t', pos);
-    if (tab == std::string_view::npos) break;
-    columns.push_back(record.substr(pos, tab - pos));
-    pos = tab + 1;
+  const char* data = record.data();
+  const std::size_t size = record.size();
+  std::size_t start = 0;
+  std::size_t i = 0;
+  const auto cut = [&](std::size_t tab) {
+    columns.emplace_back(data + start, tab - start);
+    start = tab + 1;
+  };
+  if constexpr (std::endian::native == std::endian::little) {
+    // Most columns are short: eight bytes at a time beats a library search per column. A tab
+    // byte becomes a zero byte, and zero bytes get their bit 7 set (exactly: no carry crosses
+    // a byte); the lowest set bit is the first tab in memory.
+    constexpr std::uint64_t kLow7 = 0x7F7F7F7F7F7F7F7FULL;
+    constexpr std::uint64_t kTabs = 0x0909090909090909ULL;
+    for (; i + 8 <= size; i += 8) {
+      std::uint64_t word;
+      std::memcpy(&word, data + i, sizeof word);
+      const std::uint64_t x = word ^ kTabs;
+      for (std::uint64_t tabs = ~(((x & kLow7) + kLow7) | x | kLow7); tabs != 0; tabs &= tabs - 1) {
+        cut(i + static_cast<std::size_t>(std::countr_zero(tabs) / 8));
+      }
+    }
   }
-  columns.push_back(record.substr(pos));
+  for (; i < size; ++i) {
+    if (data[i] == '\t') cut(i);
+  }
+  columns.emplace_back(data + start, size - start);
 }
 
 std::string_view TrimLeadingSpaces(std::string_view text) {
@@ -132,6 +155,115 @@ std::int64_t CountWithoutSpaces(std::string_view text) {
   return count;
 }
 
+// A file's text is handled by ranges on the cores; a range of less than this is not worth a
+// thread.
+constexpr std::size_t kMinBytesPerRange = std::size_t{64} << 10;
+
+std::vector<std::size_t> TextRanges(std::string_view text) {
+  return LineRangeBounds(text, WorkerCount(), kMinBytesPerRange);
+}
+
+// What one look at every byte of a file tells: NUL bytes, whether it is valid UTF-8 and
+// whether it holds carriage returns. Ranges cut at line feeds keep each UTF-8 sequence whole,
+// so the text is valid exactly when every range is.
+struct TextScan {
+  bool nul = false;
+  bool valid = true;
+  bool carriageReturns = false;
+};
+
+TextScan ScanText(std::string_view text) {
+  const std::vector<std::size_t> bounds = TextRanges(text);
+  std::vector<TextScan> parts(bounds.size() - 1);
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    const std::string_view range = text.substr(begin, end - begin);
+    if (range.empty()) return;  // memchr must not see the null pointer of an empty text
+    parts[part].nul = std::memchr(range.data(), '\0', range.size()) != nullptr;
+    parts[part].carriageReturns = std::memchr(range.data(), '\r', range.size()) != nullptr;
+    parts[part].valid = parts[part].nul || IsValidUtf8(range);
+  });
+  TextScan scan;
+  for (const auto& part : parts) {
+    scan.nul = scan.nul || part.nul;
+    scan.valid = scan.valid && part.valid;
+    scan.carriageReturns = scan.carriageReturns || part.carriageReturns;
+  }
+  return scan;
+}
+
+// Squeezes the carriage returns out of [begin, end) and returns the new end. Each range closes
+// up on its own; the ranges then move down behind each other.
+char* RemoveCarriageReturns(char* begin, char* end) {
+  const std::vector<std::size_t> bounds =
+      TextRanges(std::string_view(begin, static_cast<std::size_t>(end - begin)));
+  std::vector<char*> ends(bounds.size() - 1);
+  RunRanges(bounds, [&](std::size_t part, std::size_t from, std::size_t to) {
+    ends[part] = std::remove(begin + from, begin + to, '\r');
+  });
+  char* out = begin;
+  for (std::size_t part = 0; part < ends.size(); ++part) {
+    char* const from = begin + bounds[part];
+    const auto length = static_cast<std::size_t>(ends[part] - from);
+    if (out != from && length > 0) std::memmove(out, from, length);
+    out += length;
+  }
+  return out;
+}
+
+// The records of one range of a column file, with what their length (in characters at two
+// bytes each) makes of them.
+struct RecordRange {
+  static constexpr std::uint8_t kCounted = 1;  // longer than the minimum document length
+  static constexpr std::uint8_t kParsed = 2;   // counted and longer than kMinParsedBytes
+  std::vector<std::string_view> records;
+  std::vector<std::uint8_t> kinds;
+  std::size_t first = 0;  // the file's record number of records[0]
+  std::int64_t counted = 0;
+  std::int64_t parsed = 0;
+
+  // The kind of a record of this range, counted in.
+  std::uint8_t Measure(std::string_view record, int minDocLen) {
+    const std::int64_t bytes = BytesAtTwoPerCharacter(record);
+    if (bytes <= minDocLen) return 0;
+    ++counted;
+    if (bytes <= kMinParsedBytes) return kCounted;
+    ++parsed;
+    return kCounted | kParsed;
+  }
+};
+
+// Cuts the text at line feeds (as SplitRecords does) by ranges on the cores and measures
+// each record once.
+std::vector<RecordRange> SplitRecordRanges(std::string_view text, int minDocLen) {
+  const std::vector<std::size_t> bounds = TextRanges(text);
+  std::vector<RecordRange> ranges(bounds.size() - 1);
+  RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
+    RecordRange& range = ranges[part];
+    range.records.reserve((end - begin) / 128 + 1);
+    range.kinds.reserve((end - begin) / 128 + 1);
+    const auto add = [&](const char* from, const char* to) {
+      const std::string_view record(from, static_cast<std::size_t>(to - from));
+      range.records.push_back(record);
+      range.kinds.push_back(range.Measure(record, minDocLen));
+    };
+    const char* p = text.data() + begin;
+    const char* const stop = text.data() + end;
+    // An empty text may have no storage at all: memchr must not see its null pointer.
+    while (p != stop) {
+      const void* hit = std::memchr(p, '\n', static_cast<std::size_t>(stop - p));
+      if (hit == nullptr) break;
+      add(p, static_cast<const char*>(hit));
+      p = static_cast<const char*>(hit) + 1;
+    }
+    // Only the last range ends without a line feed: what follows the last one is a record.
+    if (part + 2 == bounds.size()) add(p, stop);
+  });
+  for (std::size_t part = 1; part < ranges.size(); ++part) {
+    ranges[part].first = ranges[part - 1].first + ranges[part - 1].records.size();
+  }
+  return ranges;
+}
+
 // "<folder>/<name before its first '.'>_N<count>.txt"
 std::string ValidDocsFileName(const std::string& path, DocIndex count) {
   const std::size_t slash = path.find_last_of('/');
@@ -147,11 +279,12 @@ std::string_view DocumentSet::DecodeAndStore(const std::string& filePath, ByteBu
   repairedLines_ = 0;
   std::string_view raw(bytes.Data(), bytes.Size());
   const bool utf16 = raw.starts_with("\xFF\xFE") || raw.starts_with("\xFE\xFF");
-  if (!utf16 && std::memchr(raw.data(), '\0', raw.size()) != nullptr) {
+  const TextScan scan = utf16 ? TextScan() : ScanText(raw);
+  if (scan.nul) {
     Fail("'" + filePath + "' is not a text file: it holds NUL bytes");
     return {};
   }
-  if (utf16 || !IsValidUtf8(raw)) {
+  if (utf16 || !scan.valid) {
     std::string decoded(raw);
     std::size_t repaired = 0;
     DecodeText(decoded, &repaired);
@@ -161,7 +294,8 @@ std::string_view DocumentSet::DecodeAndStore(const std::string& filePath, ByteBu
   }
   // Valid UTF-8 is used where it lies: the BOM is skipped, carriage returns squeezed out.
   char* begin = bytes.Data() + (raw.starts_with("\xEF\xBB\xBF") ? 3 : 0);
-  char* end = std::remove(begin, bytes.Data() + bytes.Size(), '\r');
+  char* end = bytes.Data() + bytes.Size();
+  if (scan.carriageReturns) end = RemoveCarriageReturns(begin, end);
   const std::string_view stored = store_.Adopt(std::move(bytes));
   return stored.substr(static_cast<std::size_t>(begin - stored.data()),
                        static_cast<std::size_t>(end - begin));
@@ -198,28 +332,36 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
     }
     body = SkipLines(body, static_cast<std::size_t>(FieldCount()) + 1);
   }
-  std::vector<std::string_view> records = SplitRecords(body, recordDelimiter_);
+  const bool columnMode = parseMode_ == ParseMode::kColumns;
+  // Column files, always cut at line feeds, are split and parsed by ranges on the cores; the
+  // tagged formats, with their own record delimiters, take one pass.
+  std::vector<RecordRange> ranges;
+  if (columnMode) {
+    ranges = SplitRecordRanges(body, minDocLen);
+  } else {
+    RecordRange& all = ranges.emplace_back();
+    all.records = SplitRecords(body, recordDelimiter_);
+    all.kinds.reserve(all.records.size());
+    for (const auto record : all.records) all.kinds.push_back(all.Measure(record, minDocLen));
+  }
+  const std::string_view firstRecord = ranges[0].records[0];
 
-  if (dType == kTwitterFormat && records[0].find("\tTweet") != std::string_view::npos) {
+  if (dType == kTwitterFormat && firstRecord.find("\tTweet") != std::string_view::npos) {
     hasHeaderRow_ = true;
   }
   // A sixteen-column export may open with its column names too: a first line that names the
   // tweet column and holds no date in the first is skipped, keeping the format's names.
   bool keepFieldNames = false;
-  if (dType == kTwitter11Format && records[0].find("\tTweet") != std::string_view::npos &&
-      !DateTime::Parse(records[0].substr(0, records[0].find('\t')))) {
+  if (dType == kTwitter11Format && firstRecord.find("\tTweet") != std::string_view::npos &&
+      !DateTime::Parse(firstRecord.substr(0, firstRecord.find('\t')))) {
     hasHeaderRow_ = true;
     keepFieldNames = true;
   }
 
-  DocIndex count = 0;
-  for (auto& record : records) {
-    if (BytesAtTwoPerCharacter(record) <= minDocLen) {
-      record = {};
-    } else if (count < INT32_MAX) {
-      ++count;
-    }
-  }
+  // Records of up to minDocLen bytes (at two per character) do not count as documents.
+  std::int64_t counted = 0;
+  for (const auto& range : ranges) counted += range.counted;
+  DocIndex count = static_cast<DocIndex>(std::min<std::int64_t>(counted, INT32_MAX));
   if (count < 2) {
     docCount_ = 0;
     return Fail("'" + filePath + "' holds " + std::to_string(count) + " record" +
@@ -227,13 +369,12 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
                 " characters; at least 2 are needed (is the file in the chosen format?)");
   }
 
-  const bool columnMode = parseMode_ == ParseMode::kColumns;
   if (hasHeaderRow_ && columnMode) --count;
   if (maxCount > 0 && maxCount < count) count = maxCount;
 
   std::vector<std::string_view> columns;
   if (columnMode) {
-    SplitColumns(records[0], columns);
+    SplitColumns(firstRecord, columns);
     if (static_cast<int>(columns.size()) != FieldCount() && hasHeaderRow_ && !keepFieldNames) {
       std::size_t copied = 0;
       while (copied < columns.size() && !columns[copied].empty()) ++copied;
@@ -244,71 +385,110 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
       fieldNames_.assign(columns.begin(), columns.begin() + static_cast<std::ptrdiff_t>(copied));
       fieldExpressed_.assign(copied, false);
     }
+    // The header row is no document: when it would be parsed, the record after it takes its
+    // place, whatever its length.
+    if (hasHeaderRow_ && (ranges[0].kinds[0] & RecordRange::kParsed) != 0) {
+      ranges[0].kinds[0] &= static_cast<std::uint8_t>(~RecordRange::kParsed);
+      --ranges[0].parsed;
+      RecordRange& second = ranges[0].records.size() > 1 ? ranges[0] : ranges[1];
+      const std::size_t at = 1 - second.first;
+      if ((second.kinds[at] & RecordRange::kParsed) == 0) {
+        second.kinds[at] |= RecordRange::kParsed;
+        ++second.parsed;
+      }
+    }
   }
-
-  // Columns grow row by row: reserving instead of sizing spares a pass over the memory.
-  columns_.assign(FieldCount(), Column());
-  for (auto& column : columns_) column.reserve(static_cast<std::size_t>(count));
   docCount_ = count;
-  const auto fillRow = [&](std::size_t given, auto cellOf) {
-    for (std::size_t f = 0; f < columns_.size(); ++f) {
-      columns_[f].emplace_back(f < given ? cellOf(f) : std::string_view(), store_);
-    }
-  };
-
-  ProgressReporter reporter(progress, "Parsing documents", count, 8192);
   const std::size_t fieldCount = static_cast<std::size_t>(FieldCount());
-  DocIndex d = -1;
-  for (std::size_t r = 0; r < records.size() && d < docCount_ - 1; ++r) {
-    // Counted in characters at two bytes each, like the record count above: a record of
-    // 9 to 16 characters with multi-byte UTF-8 would otherwise be counted and not parsed.
-    if (BytesAtTwoPerCharacter(records[r]) <= kMinParsedBytes) continue;
-    if (columnMode && hasHeaderRow_ && r == 0) {
-      r = 1;  // the header is no document: record 1 takes its place
-      if (r >= records.size()) break;
+
+  if (columnMode) {
+    // The table is sized first, one column per thread, so that each range writes its own rows.
+    columns_.assign(FieldCount(), Column());
+    RunRanges(SplitRange(columns_.size(), WorkerCount()),
+              [&](std::size_t, std::size_t begin, std::size_t end) {
+                for (std::size_t f = begin; f < end; ++f) {
+                  columns_[f].resize(static_cast<std::size_t>(count));
+                }
+              });
+    rowLines_.assign(static_cast<std::size_t>(count), 0);
+    // Range p's documents follow those of the ranges before it.
+    std::vector<std::int64_t> firstRows(ranges.size(), 0);
+    for (std::size_t part = 1; part < ranges.size(); ++part) {
+      firstRows[part] = firstRows[part - 1] + ranges[part - 1].parsed;
     }
-    const std::string_view record = records[r];
-    ++d;
-    if (!reporter.Step()) {
+    // One range of records per part, each storing joined tweets in an arena of its own.
+    std::vector<std::size_t> parts(ranges.size() + 1);
+    for (std::size_t part = 0; part < parts.size(); ++part) parts[part] = part;
+    SharedProgress shared(progress, "Parsing documents", count, 8192);
+    RunRowRanges(parts, store_, [&](std::size_t part, DocIndex, DocIndex, CellStore& arena) {
+      const RecordRange& range = ranges[part];
+      SharedProgress::Counter counter(shared, part);
+      std::vector<std::string_view> cells;
+      std::int64_t row = firstRows[part];
+      for (std::size_t r = 0; r < range.records.size() && row < docCount_; ++r) {
+        if ((range.kinds[r] & RecordRange::kParsed) == 0) continue;
+        if (!counter.Step()) return;
+        SplitColumns(range.records[r], cells);
+        if (dType == kTwitterFormat) {
+          DropMarkedColumns(cells);
+          const std::size_t joins = ColumnsToJoin(cells, fieldCount);
+          if (joins > 0) {
+            std::string text(cells[2]);
+            for (std::size_t k = 0; k < joins; ++k) text.append(cells[3 + k]);
+            const std::string_view joined = arena.Store(text);
+            cells.erase(cells.begin() + 3, cells.begin() + 3 + static_cast<std::ptrdiff_t>(joins));
+            cells[2] = joined;
+          }
+        }
+        const auto d = static_cast<std::size_t>(row);
+        for (std::size_t f = 0; f < fieldCount && f < cells.size(); ++f) {
+          columns_[f][d].Assign(cells[f], store_);
+        }
+        rowLines_[d] = static_cast<std::int64_t>(range.first + r) + 1;
+        ++row;
+      }
+    });
+    if (!shared.CatchUp()) {
       Clear();
       return Fail("Loading cancelled");
     }
-    if (columnMode) {
-      SplitColumns(record, columns);
-      std::string_view joined;
-      if (dType == kTwitterFormat) {
-        DropMarkedColumns(columns);
-        const std::size_t joins = ColumnsToJoin(columns, fieldCount);
-        if (joins > 0) {
-          std::string text(columns[2]);
-          for (std::size_t k = 0; k < joins; ++k) text.append(columns[3 + k]);
-          joined = store_.Store(text);
-          columns.erase(columns.begin() + 3,
-                        columns.begin() + 3 + static_cast<std::ptrdiff_t>(joins));
-          columns[2] = joined;
-        }
+  } else {
+    // Columns grow row by row: reserving instead of sizing spares a pass over the memory.
+    columns_.assign(FieldCount(), Column());
+    for (auto& column : columns_) column.reserve(static_cast<std::size_t>(count));
+    ProgressReporter reporter(progress, "Parsing documents", count, 8192);
+    const std::vector<std::string_view>& records = ranges[0].records;
+    DocIndex d = -1;
+    for (std::size_t r = 0; r < records.size() && d < docCount_ - 1; ++r) {
+      // Counted in characters at two bytes each, like the record count above: a record of
+      // 9 to 16 characters with multi-byte UTF-8 would otherwise be counted and not parsed.
+      if ((ranges[0].kinds[r] & RecordRange::kParsed) == 0) continue;
+      const std::string_view record = records[r];
+      ++d;
+      if (!reporter.Step()) {
+        Clear();
+        return Fail("Loading cancelled");
       }
-      fillRow(columns.size(), [&](std::size_t f) { return columns[f]; });
-      rowLines_.push_back(static_cast<std::int64_t>(r) + 1);
-    } else if (fieldCount == 1) {
-      columns_[0].emplace_back(store_.Store(TrimSpaces(record)), store_);
-      charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
-      wordCountTotal_ +=
-          static_cast<std::int64_t>(CodePointCount(record)) - CountWithoutSpaces(record) + 1;
-    } else {
-      for (std::size_t f = 0; f < fieldCount; ++f) {
-        columns_[f].emplace_back();
-        const std::size_t start = record.find(startMarkers_[f]);
-        if (start == std::string_view::npos) continue;
-        const std::size_t p = start + startMarkers_[f].size();
-        const std::size_t end = record.find(endMarkers_[f], p);
-        if (end == std::string_view::npos || end <= p) continue;
-        const std::string_view raw = record.substr(p, end - p);
-        const std::string cell = CleanMarkerText(raw);
-        const auto n = static_cast<std::int64_t>(CodePointCount(raw));
-        columns_[f].back().Assign(store_.Store(cell), store_);
-        charCountTotal_ += n;
-        wordCountTotal_ += n - CountWithoutSpaces(cell) + 1;
+      if (fieldCount == 1) {
+        columns_[0].emplace_back(store_.Store(TrimSpaces(record)), store_);
+        charCountTotal_ += static_cast<std::int64_t>(CodePointCount(record));
+        wordCountTotal_ +=
+            static_cast<std::int64_t>(CodePointCount(record)) - CountWithoutSpaces(record) + 1;
+      } else {
+        for (std::size_t f = 0; f < fieldCount; ++f) {
+          columns_[f].emplace_back();
+          const std::size_t start = record.find(startMarkers_[f]);
+          if (start == std::string_view::npos) continue;
+          const std::size_t p = start + startMarkers_[f].size();
+          const std::size_t end = record.find(endMarkers_[f], p);
+          if (end == std::string_view::npos || end <= p) continue;
+          const std::string_view raw = record.substr(p, end - p);
+          const std::string cell = CleanMarkerText(raw);
+          const auto n = static_cast<std::int64_t>(CodePointCount(raw));
+          columns_[f].back().Assign(store_.Store(cell), store_);
+          charCountTotal_ += n;
+          wordCountTotal_ += n - CountWithoutSpaces(cell) + 1;
+        }
       }
     }
   }
@@ -324,10 +504,12 @@ bool DocumentSet::LoadDocuments(std::string& filePath, int dType, std::string_vi
       Clear();
       return Fail(error);
     }
-    for (const auto& record : records) {
-      if (record.empty()) continue;
-      writer.Write(record);
-      writer.WriteLine(delimiter);
+    for (const auto& range : ranges) {
+      for (std::size_t r = 0; r < range.records.size(); ++r) {
+        if ((range.kinds[r] & RecordRange::kCounted) == 0 || range.records[r].empty()) continue;
+        writer.Write(range.records[r]);
+        writer.WriteLine(delimiter);
+      }
     }
     if (!writer.Close(error)) {
       Clear();

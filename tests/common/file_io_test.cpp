@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <string>
+
 #include "support/temp_dir.h"
 
 namespace sylvora {
@@ -31,6 +34,25 @@ TEST(FileIo, WritesLinesWithCrLfAndReadsThemBack) {
   EXPECT_EQ(text, "firs");
   EXPECT_TRUE(FileExists(path));
   EXPECT_FALSE(FileExists(dir.Path().string()));
+}
+
+// A large file is read by ranges on several threads at once; the ranges must join without a
+// gap or an overlap, and a limit below the file's size still holds.
+TEST(FileIo, ALargeFileReadByRangesComesBackWhole) {
+  TempDir dir;
+  std::string bytes(25u << 20, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 7 + i / 4096);
+  const std::string path = dir.WriteFile("large.bin", bytes);
+  ::setenv("SYLVORA_THREADS", "3", 1);
+  std::string error;
+  ByteBuffer whole;
+  const bool read = ReadWholeFile(path, whole, error);
+  std::string prefix;
+  const bool readPrefix = ReadFilePrefix(path, (20u << 20) + 5, prefix, error);
+  ::unsetenv("SYLVORA_THREADS");
+  ASSERT_TRUE(read && readPrefix) << error;
+  EXPECT_TRUE(std::string_view(whole.Data(), whole.Size()) == bytes);
+  EXPECT_TRUE(prefix == bytes.substr(0, (20u << 20) + 5));
 }
 
 TEST(FileIo, ErrorsNameTheFileAndTheReason) {
