@@ -2,7 +2,9 @@
 // DocumentTexts: the text of every document that an index takes in AssignText. A document's
 // text is either a view of a cell of the corpus, when it is that cell as it stands and the
 // caller lets the index borrow it, or its own bytes in a few shared buffers (joined fields,
-// trimmed or rewritten text), never a heap string per document. Documents are appended in
+// trimmed or rewritten text), never a heap string per document. A range whose every text is
+// one field's cell without its outer spaces keeps nothing per document at all: it reads the
+// cells when asked. Documents are appended in
 // parts: each part is a contiguous range of documents filled by one thread, and the parts are
 // joined in order without copying their bytes.
 //
@@ -17,6 +19,10 @@
 #include <string_view>
 #include <vector>
 
+#include "common/code_points.h"
+#include "common/numbering.h"
+#include "corpus/document_set.h"
+
 namespace sylvora {
 
 class DocumentTexts {
@@ -24,6 +30,17 @@ class DocumentTexts {
   // One range of documents, filled by one thread.
   class Part {
    public:
+    // The documents first .. first + count - 1 of `documents`, each the cell of `field` without
+    // its leading and trailing spaces; `documents` must outlive the part, unchanged.
+    static Part OfCells(const DocumentSet& documents, FieldIndex field, std::size_t first,
+                        std::size_t count) {
+      Part part;
+      part.cells_ = &documents;
+      part.field_ = field;
+      part.first_ = first;
+      part.cellCount_ = count;
+      return part;
+    }
     void Reserve(std::size_t documents, std::size_t ownBytes) {
       entries_.reserve(documents);
       bytes_.reserve(ownBytes);
@@ -37,8 +54,11 @@ class DocumentTexts {
     void Borrow(std::string_view text) {
       entries_.push_back({reinterpret_cast<std::uintptr_t>(text.data()), text.size()});
     }
-    std::size_t Count() const { return entries_.size(); }
+    std::size_t Count() const { return cells_ != nullptr ? cellCount_ : entries_.size(); }
     std::string_view At(std::size_t doc) const {
+      if (cells_ != nullptr) {
+        return TrimSpaces(cells_->Cell(static_cast<DocIndex>(first_ + doc), field_));
+      }
       const Entry& entry = entries_[doc];
       if ((entry.size & kOwned) != 0) return {bytes_.data() + entry.where, entry.size & ~kOwned};
       return {reinterpret_cast<const char*>(entry.where), entry.size};
@@ -52,6 +72,10 @@ class DocumentTexts {
     };
     std::string bytes_;
     std::vector<Entry> entries_;
+    const DocumentSet* cells_ = nullptr;  // set for a part that reads the cells
+    FieldIndex field_ = 0;
+    std::size_t first_ = 0;
+    std::size_t cellCount_ = 0;
   };
 
   std::size_t Count() const { return count_; }

@@ -50,20 +50,38 @@ class TokenRange {
   // the peaks of old and new storage side by side, that growing step by step makes.
   void Reserve(std::size_t documents, std::size_t tokens) {
     starts_.reserve(documents + 1);
-    tokens_.reserve(tokens);
+    if (wide_.empty()) narrow_.reserve(tokens);
+    reserved_ = tokens;
   }
-  // Adds token number `number` to the document being filled.
-  void Add(std::int32_t number) { tokens_.push_back(number); }
+  // Adds token number `number` to the document being filled. Numbers are kept in 16 bits
+  // while the range has fewer distinct tokens than that holds (tweets repeat a small
+  // vocabulary), and all move to 32 bits at the first that does not fit.
+  void Add(std::int32_t number) {
+    if (!isWide_ && number <= UINT16_MAX) {
+      narrow_.push_back(static_cast<std::uint16_t>(number));
+      return;
+    }
+    if (!isWide_) Widen();
+    wide_.push_back(number);
+  }
   // Closes the document being filled; the next Add starts the next one.
   void EndDocument() {
-    if (tokens_.size() > UINT32_MAX) throw std::length_error("more tokens than one range holds");
-    starts_.push_back(static_cast<std::uint32_t>(tokens_.size()));
+    const std::size_t count = isWide_ ? wide_.size() : narrow_.size();
+    if (count > UINT32_MAX) throw std::length_error("more tokens than one range holds");
+    starts_.push_back(static_cast<std::uint32_t>(count));
   }
 
   std::size_t DocumentCount() const { return starts_.size() - 1; }
-  std::span<const std::int32_t> Tokens(std::size_t doc) const {
-    return std::span<const std::int32_t>(tokens_).subspan(starts_[doc],
-                                                          starts_[doc + 1] - starts_[doc]);
+  // Calls visit(number) for each token of document `doc` in order.
+  template <typename Visit>
+  void ForEachToken(std::size_t doc, Visit&& visit) const {
+    if (isWide_) {
+      for (std::size_t k = starts_[doc]; k < starts_[doc + 1]; ++k) visit(wide_[k]);
+    } else {
+      for (std::size_t k = starts_[doc]; k < starts_[doc + 1]; ++k) {
+        visit(static_cast<std::int32_t>(narrow_[k]));
+      }
+    }
   }
   std::size_t DistinctCount() const { return distinct_.size(); }
   const std::string& Distinct(std::int32_t number) const {
@@ -79,8 +97,13 @@ class TokenRange {
  private:
   StringMap<std::int32_t> numbers_;
   std::vector<const std::string*> distinct_;  // the keys of numbers_, which never move
-  std::vector<std::int32_t> tokens_;
-  std::vector<std::uint32_t> starts_;  // document i owns tokens_[starts_[i], starts_[i + 1])
+  void Widen();
+
+  bool isWide_ = false;
+  std::vector<std::uint16_t> narrow_;  // the token numbers while all fit 16 bits
+  std::vector<std::int32_t> wide_;     // all of them once one does not
+  std::size_t reserved_ = 0;
+  std::vector<std::uint32_t> starts_;  // document i owns tokens [starts_[i], starts_[i + 1])
 };
 
 class DocumentTokens {

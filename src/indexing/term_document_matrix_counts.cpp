@@ -65,10 +65,10 @@ bool TermDocumentMatrix::BuildTDM(std::int32_t minDF, std::int32_t maxDF,
                                std::vector<std::int32_t>& terms) {
     const std::vector<std::int32_t>& termOf = termOf_[part];
     terms.clear();
-    for (const std::int32_t token : ranges[part].Tokens(doc)) {
+    ranges[part].ForEachToken(doc, [&](std::int32_t token) {
       const std::int32_t term = termOf[static_cast<std::size_t>(token)];
       if (term > 0) terms.push_back(term);
-    }
+    });
     std::sort(terms.begin(), terms.end());
   };
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {

@@ -148,8 +148,17 @@ bool TermDocumentMatrix::AssignText(const DocumentSet& documents,
   std::vector<DocumentTexts::Part> parts(bounds.size() - 1);
   std::vector<SecureLinks> secure(parts.size());
   SharedProgress shared(progress, "Assigning text", numDocs);
+  // Borrowed single cells need no per-document record: such a range reads the cells.
+  const bool readCells = borrowCells && fields.size() == 1 && !isURLIndex_;
   RunRanges(bounds, [&](std::size_t part, std::size_t begin, std::size_t end) {
     SharedProgress::Counter counter(shared, part);
+    if (readCells) {
+      parts[part] = DocumentTexts::Part::OfCells(documents, fields[0], begin, end - begin);
+      for (std::size_t d = begin; d < end; ++d) {
+        if (!counter.Step()) return;
+      }
+      return;
+    }
     const auto cell = [&](std::size_t d, FieldIndex f) {
       return documents.Cell(static_cast<DocIndex>(d), f);
     };

@@ -245,14 +245,22 @@ class SecondaryIndexes {
   // StopListError.
   bool Finish(IndexReport& report) {
     constexpr auto kPoll = std::chrono::milliseconds(20);
-    while (worker_.wait_for(kPoll) != std::future_status::ready) {
-      Stage latest;
+    bool ready = false;
+    while (!ready) {
+      ready = worker_.wait_for(kPoll) == std::future_status::ready;
+      std::vector<Stage> pending;
       {
         const std::lock_guard lock(mutex_);
-        latest = latest_;
+        // Each index the worker began is announced once, in order, so that a status line
+        // that follows the stages names every index; then the latest stage, while it runs.
+        pending.assign(begun_.begin() + static_cast<std::ptrdiff_t>(announced_), begun_.end());
+        announced_ = begun_.size();
+        if (!ready) pending.push_back(latest_);
       }
-      if (progress_ && !latest.text.empty() && !progress_(latest.text, latest.done, latest.total)) {
-        cancelled_ = true;
+      for (const Stage& stage : pending) {
+        if (progress_ && !stage.text.empty() && !progress_(stage.text, stage.done, stage.total)) {
+          cancelled_ = true;
+        }
       }
     }
     const bool done = worker_.get();
@@ -277,6 +285,8 @@ class SecondaryIndexes {
                                           std::int64_t total) {
       const std::lock_guard lock(mutex_);
       latest_ = {std::string(stage), done, total};
+      const std::string_view index = stage.substr(0, stage.find(':'));
+      if (begun_.empty() || !begun_.back().text.starts_with(index)) begun_.push_back(latest_);
       return !cancelled_;
     };
     IndexingRun run(documents_, options_, relay, report_);
@@ -298,6 +308,8 @@ class SecondaryIndexes {
   std::atomic<bool> cancelled_{false};
   std::mutex mutex_;
   Stage latest_;
+  std::vector<Stage> begun_;  // the first stage of each index the worker began
+  std::size_t announced_ = 0;
   IndexReport report_;  // the worker's own log and counts
   std::vector<StageTiming> stages_;
 };

@@ -45,20 +45,22 @@ TEST(BuildVocab, AThousandSlotsPerBucketAtMost) {
 }
 
 TEST(BuildVocab, WithoutALimitEveryTermIsKeptInTheSameOrder) {
-  // More terms in one bucket than a 16-bit slot number holds.
+  // More terms in one bucket than a 16-bit slot number holds, and more distinct tokens in one
+  // document than 16-bit token numbers hold (they widen part way through it).
   std::string text = "x1";
-  for (int i = 0; i < 40000; ++i) text += " w" + std::to_string(i);
+  for (int i = 0; i < 70000; ++i) text += " w" + std::to_string(i);
   text += " a1 w7";
   const TermDocumentMatrix index =
-      testing::SpaceIndex({text, "w39999 a1"}, TermDocumentMatrix::kNoSlotLimit, true);
-  EXPECT_EQ(index.TermCount(), 40002);
+      testing::SpaceIndex({text, "w69999 a1"}, TermDocumentMatrix::kNoSlotLimit, true);
+  EXPECT_EQ(index.TermCount(), 70002);
   EXPECT_EQ(index.DroppedTermCount(), 0);
   EXPECT_EQ(index.Term(1), "a1");
   EXPECT_EQ(index.Term(2), "w0");
-  EXPECT_EQ(index.Term(40001), "w39999");
-  EXPECT_EQ(index.Term(40002), "x1");
-  EXPECT_EQ(index.DocFreq(40001), 2);
+  EXPECT_EQ(index.Term(70001), "w69999");
+  EXPECT_EQ(index.Term(70002), "x1");
+  EXPECT_EQ(index.DocFreq(70001), 2);
   EXPECT_EQ(index.GlobalFreq(9), 2);  // w7
+  EXPECT_EQ(index.GlobalFreq(1), 2);  // a1
 }
 
 // No tokens, or no slots at all, give the placeholder "foo".
