@@ -1,8 +1,10 @@
 #include "layout/shell_and_wait.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +12,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 extern char** environ;
@@ -68,12 +71,8 @@ class SpawnSetup {
 
 enum class SliceEnd { kEnded, kTimedOut, kFailed };
 
-// Waits up to one slice for `pid` to end, polling waitpid with growing naps (1 ms .. 20 ms) so
-// that a quick program is noticed quickly and a slow one costs little.
-SliceEnd WaitSlice(pid_t pid, std::int32_t sliceMs, int& exitCode) {
-  using Clock = std::chrono::steady_clock;
-  const auto end = Clock::now() + std::chrono::milliseconds(sliceMs);
-  auto nap = std::chrono::milliseconds(1);
+// Reaps `pid` if it has ended.
+std::optional<SliceEnd> Reap(pid_t pid, int& exitCode) {
   for (;;) {
     int status = 0;
     const pid_t got = ::waitpid(pid, &status, WNOHANG);
@@ -82,16 +81,49 @@ SliceEnd WaitSlice(pid_t pid, std::int32_t sliceMs, int& exitCode) {
       if (WIFSIGNALED(status)) exitCode = 128 + WTERMSIG(status);
       return SliceEnd::kEnded;
     }
-    if (got < 0) {
-      if (errno == EINTR) continue;
-      return SliceEnd::kFailed;
-    }
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return SliceEnd::kFailed;
+    return std::nullopt;
+  }
+}
+
+// Waits up to one slice for `pid` to end. With a process descriptor the wait wakes the moment
+// the program ends; without one (an old kernel) it polls with growing naps (1 ms .. 20 ms), so
+// that a quick program is still noticed quickly and a slow one costs little.
+SliceEnd WaitSlice(pid_t pid, int pidDescriptor, std::int32_t sliceMs, int& exitCode) {
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + std::chrono::milliseconds(sliceMs);
+  auto nap = std::chrono::milliseconds(1);
+  for (;;) {
+    if (const auto ended = Reap(pid, exitCode)) return *ended;
     const auto now = Clock::now();
     if (now >= end) return SliceEnd::kTimedOut;
-    std::this_thread::sleep_for(std::min<Clock::duration>(nap, end - now));
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - now);
+    if (pidDescriptor >= 0) {
+      pollfd watch{pidDescriptor, POLLIN, 0};
+      ::poll(&watch, 1, static_cast<int>(left.count()));
+      continue;
+    }
+    std::this_thread::sleep_for(std::min<Clock::duration>(nap, left));
     nap = std::min(nap * 2, std::chrono::milliseconds(20));
   }
 }
+
+// A descriptor that becomes readable when the process ends, or -1 where the kernel has none.
+class ProcessDescriptor {
+ public:
+  explicit ProcessDescriptor(pid_t pid)
+      : fd_(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0))) {}
+  ~ProcessDescriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  ProcessDescriptor(const ProcessDescriptor&) = delete;
+  ProcessDescriptor& operator=(const ProcessDescriptor&) = delete;
+  int Get() const { return fd_; }
+
+ private:
+  int fd_;
+};
 
 // Stops the program and everything it started, then reaps it.
 void KillAndReap(pid_t pid) {
@@ -165,9 +197,10 @@ std::int32_t ShellAndWait(std::string_view commandLine, std::int32_t timeLimitMs
           : ::posix_spawn(&pid, argv[0], setup.Actions(), setup.Attributes(), argv.data(), environ);
   if (spawned != 0 || pid <= 0) return kShellNotStarted;
 
+  const ProcessDescriptor pidDescriptor(pid);
   std::int64_t elapsed = 0;
   for (;;) {
-    const SliceEnd slice = WaitSlice(pid, sliceMs, outcome.exitCode);
+    const SliceEnd slice = WaitSlice(pid, pidDescriptor.Get(), sliceMs, outcome.exitCode);
     if (slice == SliceEnd::kEnded || slice == SliceEnd::kFailed) return kShellEnded;
     if (progress && !progress("Waiting for Graphviz", elapsed, timeLimitMs)) {
       KillAndReap(pid);
