@@ -1,6 +1,7 @@
 #include "sparse/sparse_matrix_single.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cstddef>
 #include <fstream>
@@ -239,6 +240,95 @@ SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
   }
   for (SparseVectorSingle& column : result.columns_) column.ShrinkToFit();
   return result;
+}
+
+double SparseMatrixSingle::PairCosineSum(std::int32_t first, std::int32_t last) const {
+  assert(first >= 1 && last <= ColCount());
+  if (last <= first) return 0.0;
+  const auto width = static_cast<std::size_t>(last - first) + 1;
+  const auto at = [first](std::int32_t col) { return static_cast<std::size_t>(col - first); };
+
+  // The block's inverted lists: for each row, the block's columns holding it, ascending.
+  std::vector<std::size_t> rowStart(static_cast<std::size_t>(rowCount_) + 2, 0);
+  for (std::int32_t c = first; c <= last; ++c) {
+    for (const std::int32_t r : Column(c).ElementIndexes()) {
+      if (r > rowCount_) break;
+      ++rowStart[static_cast<std::size_t>(r) + 1];
+    }
+  }
+  for (std::size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
+  std::vector<std::int32_t> rowColumns(rowStart.back());
+  std::vector<float> rowValues(rowStart.back());
+  std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
+  std::vector<float> magnitudes(width);
+  std::vector<std::int32_t> emptyColumns;  // cosine -1 with every column before them
+  for (std::int32_t c = first; c <= last; ++c) {
+    const auto rows = Column(c).ElementIndexes();
+    const auto values = Column(c).ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      const std::size_t slot = next[static_cast<std::size_t>(rows[k])]++;
+      rowColumns[slot] = c;
+      rowValues[slot] = values[k];
+    }
+    magnitudes[at(c)] = Column(c).Magnitude();
+    if (magnitudes[at(c)] <= 0.0f) emptyColumns.push_back(c);
+  }
+  next.assign(rowStart.begin(), rowStart.end() - 1);
+
+  // Column c1 against every later column at once: each dot product receives its terms in
+  // ascending row order, as the pairwise merge adds them. A later column that shares no row
+  // has cosine 0 and leaves the sum as it is, so only partners and empty columns are added,
+  // in column order.
+  std::vector<float> sums(width, 0.0f);
+  std::vector<std::uint64_t> touched((width + 63) / 64, 0);  // a bit per block column
+  std::vector<std::int32_t> partners;
+  auto empty = emptyColumns.begin();
+  double total = 0.0;
+  for (std::int32_t c1 = first; c1 < last; ++c1) {
+    const auto rows = Column(c1).ElementIndexes();
+    const auto values = Column(c1).ElementValues();
+    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
+      const auto r = static_cast<std::size_t>(rows[k]);
+      const std::size_t self = next[r]++;
+      for (std::size_t m = self + 1; m < rowStart[r + 1]; ++m) {
+        const std::int32_t c2 = rowColumns[m];
+        std::uint64_t& word = touched[at(c2) / 64];
+        const std::uint64_t bit = std::uint64_t{1} << (at(c2) % 64);
+        if (!(word & bit)) {
+          word |= bit;
+          partners.push_back(c2);
+        }
+        sums[at(c2)] += rowValues[m] * values[k];
+      }
+    }
+    // Partners in column order: read off the bits when they are many, else sort them.
+    const std::size_t firstWord = (at(c1) + 1) / 64;
+    if (partners.size() * 4 >= touched.size() - firstWord) {
+      partners.clear();
+      for (std::size_t w = firstWord; w < touched.size(); ++w) {
+        for (std::uint64_t bits = touched[w]; bits != 0; bits &= bits - 1) {
+          partners.push_back(first + static_cast<std::int32_t>(w * 64) + std::countr_zero(bits));
+        }
+        touched[w] = 0;
+      }
+    } else {
+      std::sort(partners.begin(), partners.end());
+      for (const std::int32_t c2 : partners) touched[at(c2) / 64] = 0;
+    }
+    while (empty != emptyColumns.end() && *empty <= c1) ++empty;
+    auto nextEmpty = empty;
+    const float magnitude = magnitudes[at(c1)];
+    for (const std::int32_t c2 : partners) {
+      for (; nextEmpty != emptyColumns.end() && *nextEmpty < c2; ++nextEmpty) total += -1.0f;
+      const float dot = sums[at(c2)];
+      sums[at(c2)] = 0.0f;
+      if (nextEmpty != emptyColumns.end() && *nextEmpty == c2) continue;  // added below
+      total += CosineFromDot(dot, magnitude, magnitudes[at(c2)]);
+    }
+    for (; nextEmpty != emptyColumns.end(); ++nextEmpty) total += -1.0f;
+    partners.clear();
+  }
+  return total;
 }
 
 SparseMatrixSingle SparseMatrixSingle::NearestSimilarityMatrix(

@@ -111,6 +111,13 @@ class SparseMatrixSingle {
   SparseMatrixSingle NearestSimilarityMatrix(std::int32_t k,
                                              const ProgressCallback& progress = {}) const;
 
+  // The double sum of GetSimilarity(c1, c2, 2) over c1 = first..last - 1 and c2 = c1 + 1..last,
+  // added in that order, so bit for bit the sum of that double loop; 0 when last <= first.
+  // Both columns must be in range. Its cost is that of the similarity product of the block
+  // (row, column, column triples sharing a row) plus, for each column, the empty columns after
+  // it (each pair with an empty second column adds -1), never the (last - first)^2 pairs.
+  double PairCosineSum(std::int32_t first, std::int32_t last) const;
+
   // An upper bound of the column pairs (i < j, rows 1..RowCount()) that share a row, which is
   // what GetSimilarityMatrix can store off the diagonal: the sum over rows of C(k, 2), k the
   // columns holding the row, when that is at most `limit` (O(nnz)); otherwise the exact count

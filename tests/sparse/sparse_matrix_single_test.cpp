@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <map>
 #include <random>
@@ -350,6 +351,67 @@ TEST(NearestSimilarityMatrix, KeepsEachColumnsNearestAndTheirMirror) {
   const std::vector<std::pair<int, int>> expected = {{1, 1}, {2, 1}, {4, 1}, {1, 2}, {2, 2},
                                                      {3, 2}, {2, 3}, {3, 3}, {1, 4}, {4, 4}};
   EXPECT_EQ(kept, expected);
+}
+
+}  // namespace
+}  // namespace sylvora
+
+namespace sylvora {
+namespace {
+
+// The block's pairwise cosines, summed bit for bit as the double loop over GetSimilarity sums
+// them: empty columns (-1 as the second of a pair), negative and stored-zero cells, and cells
+// past RowCount, which take no part.
+TEST(PairCosineSum, EqualsThePairwiseLoopBitForBit) {
+  std::mt19937 random(77);
+  for (int round = 0; round < 80; ++round) {
+    const std::int32_t rows = 1 + static_cast<std::int32_t>(random() % 40);
+    const std::int32_t cols = 1 + static_cast<std::int32_t>(random() % 60);
+    const double density = 0.01 + 0.5 * (random() % 100) / 100.0;
+    SparseMatrixSingle m = RandomMatrix(random, rows, cols, density, round % 2 == 1);
+    // Cells over twenty orders of magnitude make cosines whose double sum rounds, so that
+    // the order of the sum shows.
+    std::uniform_real_distribution<float> exponent(-10.0f, 10.0f);
+    for (std::int32_t c = 1; c <= cols; ++c) {
+      SparseVectorSingle& column = *m.Vector(c);
+      for (std::int32_t k = 1; k <= column.NZElementCount(); ++k) {
+        column.SetValueByListIndex(k,
+                                   column.ValueByListIndex(k) * std::pow(10.0f, exponent(random)));
+      }
+    }
+    for (std::int32_t c = 1; c <= cols; c += 7) m.SetValue(rows + 1, c, 2.5f);
+    const std::int32_t first = 1 + static_cast<std::int32_t>(random() % cols);
+    const std::int32_t last = first + static_cast<std::int32_t>(random() % (cols - first + 1));
+    SCOPED_TRACE(::testing::Message() << "round " << round << ": columns " << first << ".." << last
+                                      << " of " << rows << " x " << cols);
+    double expected = 0.0;
+    for (std::int32_t c1 = first; c1 < last; ++c1) {
+      for (std::int32_t c2 = c1 + 1; c2 <= last; ++c2) expected += m.GetSimilarity(c1, c2, 2);
+    }
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(m.PairCosineSum(first, last)),
+              std::bit_cast<std::uint64_t>(expected));
+  }
+}
+
+// Few partners among many later columns, met out of column order (row 1 leads to column 900,
+// row 2 to 700, row 3 to 2): they are still added in column order, the large cosine first.
+TEST(PairCosineSum, FewPartnersFarApartAreAddedInColumnOrder) {
+  const std::int32_t cols = 1000;
+  SparseMatrixSingle m;
+  m.Reset(cols + 3, cols);
+  m.SetValue(1, 1, 5.1e-13f);
+  m.SetValue(2, 1, 7.1e-13f);
+  m.SetValue(3, 1, 1.0f);
+  for (std::int32_t c = 3; c <= cols; ++c) {
+    if (c != 700 && c != 900) m.SetValue(c + 3, c, 1.0f);  // a row of its own
+  }
+  m.SetValue(1, 900, 1.0f);
+  m.SetValue(2, 700, 1.0f);
+  m.SetValue(3, 2, 1.0f);
+  double expected = 0.0;
+  for (const std::int32_t c : {2, 700, 900}) expected += m.GetSimilarity(1, c, 2);
+  EXPECT_EQ(std::bit_cast<std::uint64_t>(m.PairCosineSum(1, cols)),
+            std::bit_cast<std::uint64_t>(expected));
 }
 
 }  // namespace
