@@ -1,9 +1,9 @@
 // The interval models over a large generated "Twitter1.1" corpus with one-hour intervals:
 //  * BM_BuildModels: the model building of "(Re)Build Views" (the five TIFMs, TrunK, the
 //    words model's NM and sentiment model), indexing excluded;
-//  * BM_ChartHomogeneity: the homogeneity of every interval with the sample step the main
-//    time line uses (every pair in interval 1, each document with its successor elsewhere),
-//    from an empty cache.
+//  * BM_ChartHomogeneity/HOURS: the homogeneity of every interval of HOURS hours (1 and 24)
+//    with the sample step the main time line uses (every pair in interval 1, each document
+//    with its successor elsewhere), from an empty cache.
 // The corpus is loaded and indexed once, outside the timing. Size via SYLVORA_BENCH_TWEETS
 // (default 1,000,000).
 
@@ -125,7 +125,8 @@ void BM_ChartHomogeneity(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     // A rebuild empties the homogeneity cache.
-    words.BuildTermIntervalFrequencyModel(field, 1, notifier);
+    words.BuildTermIntervalFrequencyModel(field, static_cast<std::int32_t>(state.range(0)),
+                                          notifier);
     state.ResumeTiming();
     double sum = 0;
     pairs = 0;
@@ -141,7 +142,7 @@ void BM_ChartHomogeneity(benchmark::State& state) {
   state.counters["pairs"] = pairs;
   state.counters["peak_MB"] = static_cast<double>(sylvora::bench::PeakResidentBytes()) / 1e6;
 }
-BENCHMARK(BM_ChartHomogeneity)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_ChartHomogeneity)->Arg(1)->Arg(24)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 }  // namespace
 BENCHMARK_MAIN();
