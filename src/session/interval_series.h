@@ -12,9 +12,9 @@
 // the time line asks the model for IntervalHomogScore(h, 1), which answers the cached chart
 // value, or, when that value is 0 (the cache's "not yet computed"), a fresh mean over every
 // pair: `detailsHomogeneity` holds that answer. Both calls fill the words model's
-// homogeneity cache as the time line would. The every-pair mean is quadratic in the
-// interval's size: above kDetailsHomogeneityMaxDocuments documents the hover text keeps the
-// chart's 0 instead.
+// homogeneity cache as the time line would. The every-pair mean can grow with the square of
+// the interval's size: above kDetailsHomogeneityMaxDocuments documents the hover text keeps
+// the chart's 0 instead.
 //
 // Threads and cost. The words model's caches (homogeneity, z-score) are written: the session
 // must be used by this call alone (run it in the build job, off the UI thread). The cost is
@@ -66,8 +66,11 @@ struct IntervalSeriesRow {
   std::string events;
 };
 
-// The largest interval whose zero chart homogeneity is recomputed over every pair.
-inline constexpr std::int32_t kDetailsHomogeneityMaxDocuments = 2000;
+// The largest interval whose zero chart homogeneity is recomputed over every pair. That mean
+// costs one sparse product over the interval, cheap when neighbouring tweets share no word,
+// unless tweets far apart share many (tweets alternating between two texts): 5,000 tweets
+// bound it to a fraction of a second even then.
+inline constexpr std::int32_t kDetailsHomogeneityMaxDocuments = 5000;
 
 // Burst words kept per interval.
 inline constexpr std::size_t kSeriesBurstTerms = 3;
