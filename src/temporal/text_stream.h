@@ -42,7 +42,9 @@
 //
 // Cost. The build is one pass over the documents touching each document's stored terms once,
 // plus O(terms touched) per interval. NM is one sparse product of the (truncated) TIFM.
-// Homogeneity is quadratic in the interval's size divided by the sample step. Burst scores are
+// Homogeneity with a sample step of 1 (every pair) is one sparse product over the interval's
+// documents: it grows with the pairs that share a term, not with all pairs. With a larger step
+// it is a merge per sampled pair, the interval's size squared over the step. Burst scores are
 // O(log) per cell; the z-score statistics of all terms take one pass over TIFM the first time.
 //
 // Threads: const operations other than the cached scores may run concurrently; the cached
