@@ -13,19 +13,19 @@ namespace sylvora {
 
 namespace {
 
-// Inverted lists: for every row r in 1..RowCount, the columns holding it (ascending) with
-// their values. start[r] .. start[r + 1] - 1 are row r's entries.
+// Inverted lists of columns first..last: for every row r in 1..RowCount, those columns holding
+// it (ascending) with their values. start[r] .. start[r + 1] - 1 are row r's entries.
 struct RowLists {
   std::vector<std::size_t> start;
   std::vector<std::int32_t> columns;
   std::vector<float> values;
 };
 
-RowLists InvertedRows(const SparseMatrixSingle& matrix) {
+RowLists InvertedRows(const SparseMatrixSingle& matrix, std::int32_t first, std::int32_t last) {
   const std::int32_t rowCount = matrix.RowCount();
   RowLists lists;
   lists.start.assign(static_cast<std::size_t>(rowCount) + 2, 0);
-  for (std::int32_t c = 1; c <= matrix.ColCount(); ++c) {
+  for (std::int32_t c = first; c <= last; ++c) {
     for (const std::int32_t r : matrix.Vector(c)->ElementIndexes()) {
       if (r > rowCount) break;
       ++lists.start[static_cast<std::size_t>(r) + 1];
@@ -35,7 +35,7 @@ RowLists InvertedRows(const SparseMatrixSingle& matrix) {
   lists.columns.resize(lists.start.back());
   lists.values.resize(lists.start.back());
   std::vector<std::size_t> next(lists.start.begin(), lists.start.end() - 1);
-  for (std::int32_t c = 1; c <= matrix.ColCount(); ++c) {
+  for (std::int32_t c = first; c <= last; ++c) {
     const SparseVectorSingle& column = *matrix.Vector(c);
     const auto rows = column.ElementIndexes();
     const auto values = column.ElementValues();
@@ -181,7 +181,7 @@ SparseMatrixSingle SparseMatrixSingle::GetSimilarityMatrix(std::int32_t metric,
   result.Reset(n, n);
   if (metric != 1 && metric != 2) return result;
 
-  const RowLists inverted = InvertedRows(*this);
+  const RowLists inverted = InvertedRows(*this, 1, n);
   const std::vector<std::size_t>& rowStart = inverted.start;
   const std::vector<std::int32_t>& rowColumns = inverted.columns;
   const std::vector<float>& rowValues = inverted.values;
@@ -246,34 +246,28 @@ double SparseMatrixSingle::PairCosineSum(std::int32_t first, std::int32_t last) 
   assert(first >= 1 && last <= ColCount());
   if (last <= first) return 0.0;
   const auto width = static_cast<std::size_t>(last - first) + 1;
+  // A block with fewer pairs than rows is cheaper pair by pair than through inverted lists.
+  if (static_cast<std::int64_t>(width) * static_cast<std::int64_t>(width - 1) / 2 <= rowCount_) {
+    double total = 0.0;
+    for (std::int32_t c1 = first; c1 < last; ++c1) {
+      for (std::int32_t c2 = c1 + 1; c2 <= last; ++c2) total += GetSimilarity(c1, c2, 2);
+    }
+    return total;
+  }
   const auto at = [first](std::int32_t col) { return static_cast<std::size_t>(col - first); };
 
-  // The block's inverted lists: for each row, the block's columns holding it, ascending.
-  std::vector<std::size_t> rowStart(static_cast<std::size_t>(rowCount_) + 2, 0);
-  for (std::int32_t c = first; c <= last; ++c) {
-    for (const std::int32_t r : Column(c).ElementIndexes()) {
-      if (r > rowCount_) break;
-      ++rowStart[static_cast<std::size_t>(r) + 1];
-    }
-  }
-  for (std::size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
-  std::vector<std::int32_t> rowColumns(rowStart.back());
-  std::vector<float> rowValues(rowStart.back());
+  const RowLists inverted = InvertedRows(*this, first, last);
+  const std::vector<std::size_t>& rowStart = inverted.start;
+  const std::vector<std::int32_t>& rowColumns = inverted.columns;
+  const std::vector<float>& rowValues = inverted.values;
+  // next[r] walks row r: it points at the entry of the column being processed.
   std::vector<std::size_t> next(rowStart.begin(), rowStart.end() - 1);
   std::vector<float> magnitudes(width);
   std::vector<std::int32_t> emptyColumns;  // cosine -1 with every column before them
   for (std::int32_t c = first; c <= last; ++c) {
-    const auto rows = Column(c).ElementIndexes();
-    const auto values = Column(c).ElementValues();
-    for (std::size_t k = 0; k < rows.size() && rows[k] <= rowCount_; ++k) {
-      const std::size_t slot = next[static_cast<std::size_t>(rows[k])]++;
-      rowColumns[slot] = c;
-      rowValues[slot] = values[k];
-    }
     magnitudes[at(c)] = Column(c).Magnitude();
     if (magnitudes[at(c)] <= 0.0f) emptyColumns.push_back(c);
   }
-  next.assign(rowStart.begin(), rowStart.end() - 1);
 
   // Column c1 against every later column at once: each dot product receives its terms in
   // ascending row order, as the pairwise merge adds them. A later column that shares no row
@@ -337,7 +331,7 @@ SparseMatrixSingle SparseMatrixSingle::NearestSimilarityMatrix(
   SparseMatrixSingle result;
   result.Reset(n, n);
 
-  const RowLists inverted = InvertedRows(*this);
+  const RowLists inverted = InvertedRows(*this, 1, n);
   const std::vector<std::size_t>& rowStart = inverted.start;
   const std::vector<std::int32_t>& rowColumns = inverted.columns;
   const std::vector<float>& rowValues = inverted.values;
