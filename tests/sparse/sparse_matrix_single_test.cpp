@@ -308,12 +308,6 @@ TEST(SparseMatrixSingleDense, Matrix2ClipFormatsEveryCell) {
   EXPECT_EQ(SparseMatrixSingle().Matrix2Clip("0.00"), "");
 }
 
-}  // namespace
-}  // namespace sylvora
-
-namespace sylvora {
-namespace {
-
 // Columns 1 and 2 share rows 1 and 2, column 3 shares row 2 with both: three pairs, which
 // the cheap bound counts once per shared row (four).
 TEST(SharedRowPairEstimate, CheapBoundWithinTheLimitAndTheExactCountPastIt) {
@@ -324,12 +318,6 @@ TEST(SharedRowPairEstimate, CheapBoundWithinTheLimitAndTheExactCountPastIt) {
   EXPECT_EQ(m.SharedRowPairEstimate(4), 4);
   EXPECT_EQ(m.SharedRowPairEstimate(3), 3);
 }
-
-}  // namespace
-}  // namespace sylvora
-
-namespace sylvora {
-namespace {
 
 // Column 2 is as close to 1, 3 and 4 (a tie, to the lowest); 1 and 4 are identical. With one
 // neighbour each: 1 keeps 4, 2 keeps 1, 3 keeps 2, 4 keeps 1; the union is symmetric and the
@@ -352,12 +340,6 @@ TEST(NearestSimilarityMatrix, KeepsEachColumnsNearestAndTheirMirror) {
                                                      {3, 2}, {2, 3}, {3, 3}, {1, 4}, {4, 4}};
   EXPECT_EQ(kept, expected);
 }
-
-}  // namespace
-}  // namespace sylvora
-
-namespace sylvora {
-namespace {
 
 // The block's pairwise cosines, summed bit for bit as the double loop over GetSimilarity sums
 // them: empty columns (-1 as the second of a pair), negative and stored-zero cells, and cells
